@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QDateTime>
+#include <QString>
+
+/// Numbers, sizes, durations and dates as text: in English form whatever the system locale, so that
+/// one figure reads the same in the window, the log and a bug report. Any thread.
+namespace Format {
+
+/// "12,403".
+QString count(qint64 number);
+
+/// A count shortened to three digits where it is long: "12.4K", "3.05M"; below 10,000 as `count`.
+QString shortCount(qint64 number);
+
+/// Bytes in binary units: "0 B", "1.5 KiB", "3.2 GiB".
+QString bytes(quint64 number);
+
+/// "45 s", "3 min", "2 h 5 min", "3 d 4 h". Negative values count as 0.
+QString duration(qint64 seconds);
+
+/// "21 November 2026".
+QString day(const QDate& date);
+
+/// "14:00", from an hour 0 to 23.
+QString hour(int hourOfDay);
+
+/// The text in which days are stored: "yyyy-MM-dd".
+QString isoDay(const QDate& date);
+
+/// The text in which times are stored, as SQLite's own `datetime()` gives it: "yyyy-MM-dd HH:mm:ss".
+QString isoDateTime(const QDateTime& time);
+
+} // namespace Format

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QDateTime>
+#include <QObject>
+
+class AbstractSystem;
+
+/// One kind of measurement. The collector wakes it on every tick; it decides from its three intervals
+/// which of its three update operations is due. Thread: main.
+class Stat : public QObject
+{
+    Q_OBJECT
+
+public:
+    Stat(AbstractSystem* system, QObject* parent);
+
+    virtual int getUpdateMilliSecondMod() const = 0;
+    virtual int getUpdateMilliSecondModUI() const = 0; ///< While a window shows live figures.
+    virtual int getFrequentUpdateMilliSecond() const = 0;
+    virtual int getFrequentUpdateMilliSecondUI() const = 0;
+    virtual int getInfrequentUpdateMilliSecond() const = 0;
+    virtual void onEnabled();
+    virtual void onDisabled();
+    virtual void doUpdate(QDateTime now, bool ui);
+    virtual void doFrequentUpdate(QDateTime now, bool ui);
+    virtual void doInfrequentUpdate(QDateTime now, bool ui);
+
+    /// Due when never done, when a minute passed whatever the interval, or when the interval passed.
+    bool shouldUpdate(const QDateTime& now) const;
+    bool shouldFrequentUpdate(const QDateTime& now) const;
+
+    /// Runs the updates that are due at the current local time, or at `now`.
+    void update();
+    void update(const QDateTime& now);
+
+    /// Runs every update once, due or not: the last chance to write what is held.
+    void flush(const QDateTime& now);
+
+    bool isEnabled() const;
+    void setEnabled(bool enabled);
+    void setUiMode(bool uiMode);
+    void setStatsProfileId(int id);
+
+    /// Whether counts are also filed per application, and in the detail a heat map needs.
+    void setPerApplication(bool enabled);
+    void setHeatmap(bool enabled);
+};
