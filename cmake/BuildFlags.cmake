@@ -19,6 +19,16 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   target_compile_options(tallyvane_flags INTERFACE -fpch-preprocess)
 endif()
 
+if(CMAKE_CXX_COMPILER_ID MATCHES "Clang" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 15)
+  # Its consteval cannot call the constructor that checks fmt's format strings.
+  add_compile_definitions(FMT_CONSTEVAL=)
+endif()
+
+if(TALLYVANE_FUZZ)
+  # What the fuzz targets call must report which of its branches were taken.
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
+
 if(TALLYVANE_SANITIZE)
   add_compile_options(-fsanitize=${TALLYVANE_SANITIZE} -fno-omit-frame-pointer
                       -fno-sanitize-recover=all)
