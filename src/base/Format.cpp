@@ -57,20 +57,23 @@ QString Format::shortCount(qint64 number)
     if (number > -firstShortened && number < firstShortened) {
         return count(number);
     }
+
     struct Unit
     {
         double size;
         char letter;
     };
+
     constexpr std::array<Unit, 4> units{{{1e12, 'T'}, {1e9, 'B'}, {1e6, 'M'}, {1e3, 'K'}}};
-    const double magnitude = number < 0 ? -static_cast<double>(number) : static_cast<double>(number);
+    const double magnitude =
+        number < 0 ? -static_cast<double>(number) : static_cast<double>(number);
     // A value that three digits would round up to the next unit belongs to that unit.
     constexpr double roundsUp = 0.9995;
     const auto unit = std::find_if(units.begin(), units.end(), [magnitude](const Unit& candidate) {
         return magnitude >= candidate.size * roundsUp;
     });
-    return (number < 0 ? QStringLiteral("-") : QString()) + threeDigits(magnitude / unit->size)
-        + QLatin1Char(unit->letter);
+    return (number < 0 ? QStringLiteral("-") : QString()) + threeDigits(magnitude / unit->size) +
+           QLatin1Char(unit->letter);
 }
 
 QString Format::bytes(quint64 number)

@@ -29,7 +29,8 @@ QString hour(int hourOfDay);
 /// The text in which days are stored: "yyyy-MM-dd".
 QString isoDay(const QDate& date);
 
-/// The text in which times are stored, as SQLite's own `datetime()` gives it: "yyyy-MM-dd HH:mm:ss".
+/// The text in which times are stored, as SQLite's own `datetime()` gives it: "yyyy-MM-dd
+/// HH:mm:ss".
 QString isoDateTime(const QDateTime& time);
 
 } // namespace Format

@@ -6,13 +6,12 @@
 #include <spdlog/sinks/rotating_file_sink.h>
 #include <spdlog/sinks/stdout_sinks.h>
 #include <spdlog/spdlog.h>
+#include <sys/stat.h>
 
 #include <cstdio>
 #include <memory>
 #include <string>
 #include <vector>
-
-#include <sys/stat.h>
 
 namespace {
 
@@ -51,8 +50,8 @@ spdlog::sink_ptr fileSink(const QString& path)
     handlers.after_open = [](const spdlog::filename_t&, std::FILE* file) {
         fchmod(fileno(file), S_IRUSR | S_IWUSR);
     };
-    return std::make_shared<spdlog::sinks::rotating_file_sink_mt>(
-        path.toStdString(), RotateAtBytes, OldLogsKept, false, handlers);
+    return std::make_shared<spdlog::sinks::rotating_file_sink_mt>(path.toStdString(), RotateAtBytes,
+                                                                  OldLogsKept, false, handlers);
 }
 
 void appendEscaped(std::string& target, char character)

@@ -40,9 +40,9 @@ enum class Level
     Off,
 };
 
-/// Begins to log at level info to `directory`/app.log (mode 0600; rotated at 5 MiB, 3 old files kept)
-/// and to standard error. Where the file cannot be opened, standard error says so and serves alone.
-/// `directory` must exist. Main thread.
+/// Begins to log at level info to `directory`/app.log (mode 0600; rotated at 5 MiB, 3 old files
+/// kept) and to standard error. Where the file cannot be opened, standard error says so and serves
+/// alone. `directory` must exist. Main thread.
 void start(const QString& directory);
 
 /// Writes out what is held and closes the file. Main thread, when no other thread logs any more.
@@ -58,8 +58,9 @@ bool isEnabled(Level level);
 /// that a name from outside (a window, a device, a file) cannot forge a line.
 void write(Level level, std::string_view line);
 
-/// Sends Qt's own messages into the log, each with its file, line and function. Those that begin with
-/// "QFont::setPointSize" are dropped: a style emits that warning many times a second, to no use.
+/// Sends Qt's own messages into the log, each with its file, line and function. Those that begin
+/// with "QFont::setPointSize" are dropped: a style emits that warning many times a second, to no
+/// use.
 void installQtMessageHandler();
 
 template <typename... Args>

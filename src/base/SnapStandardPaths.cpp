@@ -19,8 +19,8 @@ QString dataRoot()
 
 QString SnapStandardPaths::writableLocation(QStandardPaths::StandardLocation location)
 {
-    if (location == QStandardPaths::AppDataLocation
-        || location == QStandardPaths::AppLocalDataLocation) {
+    if (location == QStandardPaths::AppDataLocation ||
+        location == QStandardPaths::AppLocalDataLocation) {
         return dataRoot() + QStringLiteral("/Tallyvane");
     }
     return QStandardPaths::writableLocation(location);

@@ -3,5 +3,6 @@
 
 #include <QString>
 
-/// The version of this build, such as "5.8.3474". Its one source is the project() line of the build.
+/// The version of this build, such as "5.8.3474". Its one source is the project() line of the
+/// build.
 QString versionString();

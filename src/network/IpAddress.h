@@ -7,7 +7,8 @@
 #include <compare>
 #include <cstdint>
 
-/// One IPv4 or IPv6 address. Plain value, hashable and ordered (IPv4 before IPv6, then by its bytes).
+/// One IPv4 or IPv6 address. Plain value, hashable and ordered (IPv4 before IPv6, then by its
+/// bytes).
 struct IpAddress
 {
     bool isIpv6 = false;

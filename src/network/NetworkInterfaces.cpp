@@ -10,8 +10,8 @@ namespace {
 bool isWireless(const QString& sysClassNet, const QString& name)
 {
     const QString directory = sysClassNet + QLatin1Char('/') + name;
-    return QFileInfo::exists(directory + QStringLiteral("/wireless"))
-        || QFileInfo::exists(directory + QStringLiteral("/phy80211"));
+    return QFileInfo::exists(directory + QStringLiteral("/wireless")) ||
+           QFileInfo::exists(directory + QStringLiteral("/phy80211"));
 }
 
 QStringList addressTexts(const QNetworkInterface& source)

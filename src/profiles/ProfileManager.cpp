@@ -42,9 +42,9 @@ void ProfileManager::setActiveStatsProfile(int id, const QString& name)
     Log::info("Activating profile: {} with ID: {}", name, id);
     DSqlQuery query(Database::instance());
     query.exec(QStringLiteral("UPDATE profiles SET active = 0 WHERE active = 1"));
-    if (id != DefaultProfileId
-        && query.prepare(QStringLiteral("UPDATE profiles SET active = 1, updated_at = "
-                                        "datetime('now', 'localtime') WHERE id = ?"))) {
+    if (id != DefaultProfileId &&
+        query.prepare(QStringLiteral("UPDATE profiles SET active = 1, updated_at = "
+                                     "datetime('now', 'localtime') WHERE id = ?"))) {
         query.bindValue(0, id);
         query.exec();
     }

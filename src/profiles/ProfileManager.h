@@ -4,8 +4,8 @@
 #include <QObject>
 #include <QString>
 
-/// Knows under which profile counts are filed. Profile 0, "General", is the default and has no row in
-/// the table `profiles`. Thread: main.
+/// Knows under which profile counts are filed. Profile 0, "General", is the default and has no row
+/// in the table `profiles`. Thread: main.
 class ProfileManager : public QObject
 {
     Q_OBJECT

@@ -105,7 +105,8 @@ void LogTest::findsTheDataDirectory_data()
     QTest::addColumn<QString>("directory");
     QTest::newRow("home") << QByteArray() << QByteArray()
                           << QString(QDir::homePath() + QStringLiteral("/.local/share/Tallyvane"));
-    QTest::newRow("XDG") << QByteArray() << QByteArray("/data") << QStringLiteral("/data/Tallyvane");
+    QTest::newRow("XDG") << QByteArray() << QByteArray("/data")
+                         << QStringLiteral("/data/Tallyvane");
     QTest::newRow("Snap before XDG") << QByteArray("/snap") << QByteArray("/data")
                                      << QStringLiteral("/snap/.local/share/Tallyvane");
 }

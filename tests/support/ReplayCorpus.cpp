@@ -23,7 +23,8 @@ int main(int argc, char** argv)
         const std::vector<char> bytes(std::istreambuf_iterator<char>(file), {});
         for (std::size_t size = 0; size <= std::min(bytes.size(), longestCut); ++size) {
             // A copy of the exact size, so that a sanitizer sees a read past its end.
-            const std::vector<std::uint8_t> cut(bytes.begin(), bytes.begin() + static_cast<long>(size));
+            const std::vector<std::uint8_t> cut(bytes.begin(),
+                                                bytes.begin() + static_cast<long>(size));
             LLVMFuzzerTestOneInput(cut.data(), cut.size());
         }
         const std::vector<std::uint8_t> whole(bytes.begin(), bytes.end());

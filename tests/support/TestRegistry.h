@@ -28,6 +28,7 @@ public:
     }
 };
 
-/// Makes a test class known to the executable's main; stands once, at the end of its file, before the
-/// include of its moc file.
-#define REGISTER_TEST(Class) static const bool s_registered##Class = TestRegistry::add<Class>(#Class)
+/// Makes a test class known to the executable's main; stands once, at the end of its file, before
+/// the include of its moc file.
+#define REGISTER_TEST(Class)                                                                       \
+    static const bool s_registered##Class = TestRegistry::add<Class>(#Class)
