@@ -1,0 +1,160 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "stats/Stat.h"
+
+namespace {
+
+/// Whatever interval a statistic declares, a minute without an update is enough.
+constexpr int LongestWaitMs = 60'000;
+
+bool isDue(const QDateTime& last, const QDateTime& now, int intervalMs)
+{
+    // Narrowed on purpose: a pause of more than 24.8 days wraps around, and is then judged by what
+    // remains, as it has always been.
+    const auto elapsedMs = static_cast<qint32>(last.msecsTo(now));
+    return !last.isValid() || elapsedMs >= LongestWaitMs || elapsedMs >= intervalMs;
+}
+
+} // namespace
+
+Stat::Stat(AbstractSystem* system, QObject* parent)
+    : QObject(parent)
+    , m_system(system)
+{
+    Q_ASSERT(system != nullptr);
+}
+
+void Stat::onEnabled() {}
+
+void Stat::onDisabled() {}
+
+void Stat::doUpdate(QDateTime, bool) {}
+
+void Stat::doFrequentUpdate(QDateTime, bool) {}
+
+void Stat::doInfrequentUpdate(QDateTime, bool) {}
+
+bool Stat::shouldUpdate(const QDateTime& now) const
+{
+    return isDue(m_lastUpdate, now,
+                 m_uiMode ? getUpdateMilliSecondModUI() : getUpdateMilliSecondMod());
+}
+
+bool Stat::shouldFrequentUpdate(const QDateTime& now) const
+{
+    return isDue(m_lastFrequentUpdate, now,
+                 m_uiMode ? getFrequentUpdateMilliSecondUI() : getFrequentUpdateMilliSecond());
+}
+
+bool Stat::shouldInfrequentUpdate(const QDateTime& now) const
+{
+    return m_lastInfrequentUpdate.isNull() ||
+           getInfrequentUpdateMilliSecond() <= m_lastInfrequentUpdate.msecsTo(now);
+}
+
+void Stat::update()
+{
+    update(QDateTime::currentDateTime());
+}
+
+void Stat::update(const QDateTime& now)
+{
+    if (shouldFrequentUpdate(now)) {
+        runFrequentUpdate(now);
+    }
+    if (shouldUpdate(now)) {
+        runUpdate(now);
+    }
+    if (shouldInfrequentUpdate(now)) {
+        runInfrequentUpdate(now);
+    }
+}
+
+void Stat::flush(const QDateTime& now)
+{
+    runFrequentUpdate(now);
+    runUpdate(now);
+    runInfrequentUpdate(now);
+}
+
+void Stat::restartIntervals()
+{
+    m_lastUpdate = {};
+    m_lastInfrequentUpdate = {};
+    m_lastFrequentUpdate = {};
+}
+
+void Stat::runFrequentUpdate(const QDateTime& now)
+{
+    doFrequentUpdate(now, m_uiMode);
+    m_lastFrequentUpdate = now;
+}
+
+void Stat::runUpdate(const QDateTime& now)
+{
+    doUpdate(now, m_uiMode);
+    m_lastUpdate = now;
+}
+
+void Stat::runInfrequentUpdate(const QDateTime& now)
+{
+    doInfrequentUpdate(now, m_uiMode);
+    m_lastInfrequentUpdate = now;
+}
+
+bool Stat::isEnabled() const
+{
+    return m_enabled;
+}
+
+void Stat::setEnabled(bool enabled)
+{
+    if (enabled == m_enabled) {
+        return;
+    }
+    m_enabled = enabled;
+    if (enabled) {
+        onEnabled();
+    } else {
+        onDisabled();
+    }
+}
+
+void Stat::setUiMode(bool uiMode)
+{
+    m_uiMode = uiMode;
+}
+
+void Stat::setStatsProfileId(int id)
+{
+    m_statsProfileId = id;
+}
+
+void Stat::setPerApplication(bool enabled)
+{
+    m_perApplication = enabled;
+}
+
+void Stat::setHeatmap(bool enabled)
+{
+    m_heatmap = enabled;
+}
+
+AbstractSystem& Stat::system() const
+{
+    return *m_system;
+}
+
+int Stat::statsProfileId() const
+{
+    return m_statsProfileId;
+}
+
+bool Stat::isPerApplication() const
+{
+    return m_perApplication;
+}
+
+bool Stat::isHeatmap() const
+{
+    return m_heatmap;
+}
