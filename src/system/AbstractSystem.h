@@ -41,8 +41,8 @@ struct KnownApplication
     QString name; ///< Its display name.
 };
 
-/// Everything the statistics ask of the machine: what was typed and clicked, which application is in
-/// front, what the hardware is, what is excluded from counting.
+/// Everything the statistics ask of the machine: what was typed and clicked, which application is
+/// in front, what the hardware is, what is excluded from counting.
 ///
 /// Each `retrieve...` operation and each `get...Bandwidth...` operation takes: it returns what
 /// accumulated since its previous call and starts again from nothing, so that each count reaches
@@ -70,7 +70,7 @@ public:
     virtual QList<Qt::Key> retrieveIncrementalKeyPresses() = 0;
     virtual QList<KeyCombination> retrieveIncrementalKeyCombinations() = 0;
     virtual QList<unsigned short> retrieveIncrementalMouseClicks() = 0; ///< Button indices.
-    virtual QList<QPointF> retrieveIncrementalMousePoints() = 0;        ///< In primary screen sizes.
+    virtual QList<QPointF> retrieveIncrementalMousePoints() = 0; ///< In primary screen sizes.
     virtual int retrieveIncrementalMouseScrolls(Utils::ScrollDirection direction) = 0;
     virtual float retrieveIncrementalMouseDistanceInches() = 0;
     virtual bool hasInputListeners() = 0; ///< At least one input device is being read.

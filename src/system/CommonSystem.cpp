@@ -1,0 +1,109 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "system/CommonSystem.h"
+
+#include "base/Log.h"
+#include "storage/DSqlQuery.h"
+#include "system/LinuxSystem.h"
+
+std::unique_ptr<CommonSystem>
+CommonSystem::createPlatformSpecificSystem(Database* database, AbstractSystemListener* listener,
+                                           const SystemPlaces& places)
+{
+    auto system = std::make_unique<LinuxSystem>(database, places);
+    system->setSystemListener(listener);
+    return system;
+}
+
+CommonSystem::CommonSystem(Database* database)
+    : m_database(database)
+    , m_excludedApplications(database, ExclusionList::Kind::Applications)
+    , m_excludedInterfaces(database, ExclusionList::Kind::Interfaces)
+{
+}
+
+void CommonSystem::setSystemListener(AbstractSystemListener* listener)
+{
+    m_listener = listener;
+}
+
+AbstractSystemListener* CommonSystem::systemListener() const
+{
+    return m_listener;
+}
+
+void CommonSystem::reloadExclusions()
+{
+    m_excludedApplications.reload();
+    m_excludedInterfaces.reload();
+}
+
+QList<KnownApplication> CommonSystem::getApplicationDatabase()
+{
+    QList<KnownApplication> known;
+    if (!m_database) {
+        return known;
+    }
+    DSqlQuery query(m_database);
+    query.exec(QStringLiteral("SELECT \"path\", \"name\" FROM applications ORDER BY \"path\""));
+    while (query.next()) {
+        known.append({query.value(0).toString(), query.value(1).toString()});
+    }
+    return known;
+}
+
+void CommonSystem::stop()
+{
+    if (m_inputHolders > 0) {
+        m_inputHolders = 0;
+        stopInputMonitor();
+    }
+}
+
+void CommonSystem::acquireInputMonitor()
+{
+    if (m_inputHolders++ == 0) {
+        startInputMonitor();
+    }
+}
+
+void CommonSystem::releaseInputMonitor()
+{
+    if (m_inputHolders == 0) {
+        // After `stop`, the holders that were left release what they no longer hold.
+        Log::debug("The input monitor was released by no holder");
+        return;
+    }
+    if (--m_inputHolders == 0) {
+        stopInputMonitor();
+    }
+}
+
+bool CommonSystem::shouldExcludeApplicationForStats(QString path)
+{
+    return m_excludedApplications.contains(path);
+}
+
+void CommonSystem::addExcludedApplicationForStats(QString path)
+{
+    m_excludedApplications.add(path);
+}
+
+void CommonSystem::deleteExcludedApplicationForStats(QString path)
+{
+    m_excludedApplications.remove(path);
+}
+
+bool CommonSystem::shouldExcludeNICForStats(QString macAddress)
+{
+    return m_excludedInterfaces.contains(macAddress);
+}
+
+void CommonSystem::addExcludedNICForStats(QString macAddress)
+{
+    m_excludedInterfaces.add(macAddress);
+}
+
+void CommonSystem::deleteExcludedNICForStats(QString macAddress)
+{
+    m_excludedInterfaces.remove(macAddress);
+}

@@ -1,0 +1,306 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "system/LinuxSystem.h"
+
+#include "base/SnapStandardPaths.h"
+#include "network/NetworkInterfaces.h"
+#include "system/BootTime.h"
+#include "system/DesktopEntries.h"
+#include "system/Hardware.h"
+#include "system/InputThread.h"
+#include "system/InternetAvailability.h"
+#include "system/MouseTravel.h"
+#include "system/PowerMonitor.h"
+#include "system/ProcessInfo.h"
+#include "system/WindowWatcher.h"
+
+#include <QDir>
+#include <QGuiApplication>
+#include <QScreen>
+#include <QSysInfo>
+
+namespace {
+
+QString dataDirectory(const SystemPlaces& places)
+{
+    return places.dataDirectory.isEmpty()
+               ? SnapStandardPaths::writableLocation(QStandardPaths::AppDataLocation)
+               : places.dataDirectory;
+}
+
+} // namespace
+
+LinuxSystem::LinuxSystem(Database* database, const SystemPlaces& places)
+    : CommonSystem(database)
+    , m_places(places)
+    , m_input(
+          std::make_unique<InputThread>([this] { return systemListener(); }, places.inputDirectory))
+    , m_processes(std::make_unique<ProcessInfo>(places.root))
+    , m_windows(std::make_unique<WindowWatcher>(*m_processes))
+    , m_desktopEntries(std::make_unique<DesktopEntries>())
+    , m_hardware(std::make_unique<Hardware>(places.root))
+    , m_bootTime(std::make_unique<BootTime>(places.root, dataDirectory(places)))
+    , m_internet(std::make_unique<InternetAvailability>())
+    , m_mouseTravel(std::make_unique<MouseTravel>(&Utils::detectSystemDPI))
+    , m_power(std::make_unique<PowerMonitor>())
+{
+}
+
+LinuxSystem::~LinuxSystem() = default;
+
+QString LinuxSystem::getProcessPath(qint64 processId) const
+{
+    return m_processes->processPath(processId);
+}
+
+PowerMonitor* LinuxSystem::powerMonitor()
+{
+    return m_power.get();
+}
+
+QString LinuxSystem::getHostName()
+{
+    return QSysInfo::machineHostName();
+}
+
+QString LinuxSystem::getScreenResolution()
+{
+    const QScreen* screen = QGuiApplication::primaryScreen();
+    if (!screen) {
+        return {};
+    }
+    const QSizeF pixels = QSizeF(screen->size()) * screen->devicePixelRatio();
+    return QStringLiteral("%1x%2").arg(qRound(pixels.width())).arg(qRound(pixels.height()));
+}
+
+QString LinuxSystem::getPublicIp()
+{
+    return {}; // Only a service on the internet could tell, and none is asked.
+}
+
+bool LinuxSystem::isInternetAvailable()
+{
+    return m_internet->isAvailable();
+}
+
+bool LinuxSystem::testingInternetAvailable()
+{
+    return false; // The answer is known at once; there is no test to wait for.
+}
+
+QString LinuxSystem::getOperatingSystem()
+{
+    return m_hardware->operatingSystem();
+}
+
+QDateTime LinuxSystem::getBootTime()
+{
+    return m_bootTime->value();
+}
+
+int LinuxSystem::getTcpConnectionCount()
+{
+    return m_hardware->tcpConnections();
+}
+
+QList<Qt::Key> LinuxSystem::retrieveIncrementalKeyPresses()
+{
+    return m_input->takeKeyPresses();
+}
+
+QList<KeyCombination> LinuxSystem::retrieveIncrementalKeyCombinations()
+{
+    return {}; // The listener sees keys, not which of them belong together.
+}
+
+QList<unsigned short> LinuxSystem::retrieveIncrementalMouseClicks()
+{
+    return m_input->takeMouseClicks();
+}
+
+QList<QPointF> LinuxSystem::retrieveIncrementalMousePoints()
+{
+    return m_input->takeMousePoints();
+}
+
+int LinuxSystem::retrieveIncrementalMouseScrolls(Utils::ScrollDirection direction)
+{
+    switch (direction) {
+    case Utils::ScrollDirection::Up:
+        return m_input->takeMouseScrollsUp();
+    case Utils::ScrollDirection::Down:
+        return m_input->takeMouseScrollsDown();
+    case Utils::ScrollDirection::Left:
+        return m_input->takeMouseScrollsLeft();
+    case Utils::ScrollDirection::Right:
+        return m_input->takeMouseScrollsRight();
+    }
+    return 0;
+}
+
+float LinuxSystem::retrieveIncrementalMouseDistanceInches()
+{
+    return m_mouseTravel->inches(m_input->takeMouseDistancePixels());
+}
+
+bool LinuxSystem::hasInputListeners()
+{
+    return m_input->hasListeners();
+}
+
+QList<Interface> LinuxSystem::getNetworkInterfaces()
+{
+    return networkInterfaces(QDir(m_places.root).filePath(QStringLiteral("sys/class/net")));
+}
+
+QStringList LinuxSystem::getRunningDesktopApplications()
+{
+    return m_windows->applicationPaths();
+}
+
+QIcon LinuxSystem::getApplicationIcon(const QString& path)
+{
+    return m_desktopEntries->icon(path);
+}
+
+QString LinuxSystem::getApplicationName(const QString& path)
+{
+    return m_desktopEntries->name(path);
+}
+
+QString LinuxSystem::getApplicationNameCached(const QString& path)
+{
+    return getApplicationName(path); // The cache stands in front of this object.
+}
+
+QString LinuxSystem::getActiveApplicationPath()
+{
+    return m_windows->activeApplicationPath();
+}
+
+QString LinuxSystem::getProcessorName()
+{
+    return m_hardware->processor();
+}
+
+QString LinuxSystem::getMemoryInfo()
+{
+    return m_hardware->memory();
+}
+
+QString LinuxSystem::getVideocardName()
+{
+    return m_hardware->videocards();
+}
+
+QString LinuxSystem::getKeyboardHardware()
+{
+    return m_hardware->inputDevices(InputDeviceDescription::Kind::Keyboard);
+}
+
+QString LinuxSystem::getMouseHardware()
+{
+    return m_hardware->inputDevices(InputDeviceDescription::Kind::Mouse);
+}
+
+QString LinuxSystem::getTrackpadHardware()
+{
+    return m_hardware->inputDevices(InputDeviceDescription::Kind::Trackpad);
+}
+
+QString LinuxSystem::getPlatform()
+{
+    return QStringLiteral("Linux %1 %2")
+        .arg(QSysInfo::kernelVersion(), QSysInfo::currentCpuArchitecture());
+}
+
+QString LinuxSystem::getComputerModel(bool withVendor)
+{
+    return m_hardware->model(withVendor ? Hardware::Vendor::Named : Hardware::Vendor::LeftOut);
+}
+
+bool LinuxSystem::isFullscreenApplicationActive()
+{
+    return m_windows->isFullscreenWindowActive();
+}
+
+// The answers from here to `refreshNetworkInterfaces`, and those about ports, belong to a capture
+// back-end. None is built in, so nothing was captured, and saying so keeps the network statistics
+// off.
+
+QHash<unsigned short, QString> LinuxSystem::getApplicationPorts(QSet<unsigned short>)
+{
+    return {};
+}
+
+QHash<unsigned short, NetworkTraffic> LinuxSystem::getPortsBandwidth()
+{
+    return {};
+}
+
+QHash<unsigned short, NetworkTraffic> LinuxSystem::getPortsBandwidthTCP()
+{
+    return {};
+}
+
+QHash<unsigned short, NetworkTraffic> LinuxSystem::getPortsBandwidthUDP()
+{
+    return {};
+}
+
+QHash<unsigned short, NetworkTraffic> LinuxSystem::getPortsBandwidthOther()
+{
+    return {};
+}
+
+QHash<IpAddress, NetworkTraffic> LinuxSystem::getIpBandwidth()
+{
+    return {};
+}
+
+QList<InterfaceTraffic> LinuxSystem::getInterfacesBandwidth()
+{
+    return {};
+}
+
+QList<InterfaceTraffic> LinuxSystem::getInterfacesCounters()
+{
+    return {};
+}
+
+bool LinuxSystem::isNetworkTrafficMonitorSupported()
+{
+    return false;
+}
+
+void LinuxSystem::refreshNetworkInterfaces() {} // Each question reads the kernel's own list.
+
+void LinuxSystem::acquireNetworkTrafficMonitor() {}
+
+void LinuxSystem::releaseNetworkTrafficMonitor() {}
+
+QString LinuxSystem::getNetworkPortDescription(int, Utils::TrafficType)
+{
+    return {};
+}
+
+void LinuxSystem::initNetworkPortDescriptions() {}
+
+bool LinuxSystem::isKnownNetworkPort(int, Utils::TrafficType)
+{
+    return false;
+}
+
+void LinuxSystem::onSystemSuspend() {} // What was counted waits in memory, which sleep keeps.
+
+void LinuxSystem::onSystemResume() {
+} // The input listener follows devices that come and go by itself.
+
+void LinuxSystem::startInputMonitor()
+{
+    m_input->start();
+}
+
+void LinuxSystem::stopInputMonitor()
+{
+    m_input->stop();
+}
