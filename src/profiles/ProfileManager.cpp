@@ -5,6 +5,8 @@
 #include "storage/DSqlQuery.h"
 #include "storage/Database.h"
 
+#include <QSqlDatabase>
+
 namespace {
 
 ProfileManager* s_instance = nullptr;
@@ -40,17 +42,33 @@ QString ProfileManager::getActiveStatsProfileName() const
 void ProfileManager::setActiveStatsProfile(int id, const QString& name)
 {
     Log::info("Activating profile: {} with ID: {}", name, id);
+    // One transaction, so that a kill in between does not leave no profile active; where the caller
+    // has one open, this fails and the statements are part of that one.
+    QSqlDatabase connection = Database::instance()->connection();
+    const bool began = connection.transaction();
+    const bool marked = markActive(id);
+    if (began) {
+        connection.commit();
+    }
+    if (!marked) {
+        Log::warn("There is no profile with ID: {}, counting under the default profile", id);
+    }
+    m_statsProfileId = marked ? id : DefaultProfileId;
+    m_statsProfileName = marked ? name : QString();
+    Q_EMIT signalActiveStatsProfileChanged(m_statsProfileId);
+}
+
+bool ProfileManager::markActive(int id)
+{
     DSqlQuery query(Database::instance());
     query.exec(QStringLiteral("UPDATE profiles SET active = 0 WHERE active = 1"));
-    if (id != DefaultProfileId &&
-        query.prepare(QStringLiteral("UPDATE profiles SET active = 1, updated_at = "
-                                     "datetime('now', 'localtime') WHERE id = ?"))) {
-        query.bindValue(0, id);
-        query.exec();
+    if (id == DefaultProfileId) {
+        return true;
     }
-    m_statsProfileId = id;
-    m_statsProfileName = name;
-    Q_EMIT signalActiveStatsProfileChanged(id);
+    query.prepare(QStringLiteral("UPDATE profiles SET active = 1, updated_at = "
+                                 "datetime('now', 'localtime') WHERE id = ?"));
+    query.bindValue(0, id);
+    return query.exec() && query.numRowsAffected() > 0;
 }
 
 void ProfileManager::activateDefaultProfile()

@@ -22,7 +22,8 @@ public:
     int getActiveStatsProfileId() const;
     QString getActiveStatsProfileName() const;
 
-    /// Files counts under this profile from now on, and marks it active in the database.
+    /// Files counts under this profile from now on, and marks it active in the database. An id that
+    /// is no profile's means profile 0: counts filed under it would be in no view.
     void setActiveStatsProfile(int id, const QString& name);
 
     /// Goes back to profile 0.
@@ -35,6 +36,8 @@ Q_SIGNALS:
     void signalActiveStatsProfileChanged(int id);
 
 private:
+    static bool markActive(int id);
+
     int m_statsProfileId = DefaultProfileId;
     QString m_statsProfileName;
 };
