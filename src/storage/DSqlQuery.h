@@ -5,7 +5,10 @@
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QString>
+#include <QStringList>
 #include <QVariant>
+
+#include <optional>
 
 class Database;
 
@@ -22,6 +25,7 @@ public:
     /// A query on a connection other than the main one.
     explicit DSqlQuery(const QSqlDatabase& connection);
 
+    /// Binds this query to another connection; what was prepared on the old one is gone.
     void setDb(const QSqlDatabase& connection);
 
     bool prepare(const QString& query);
@@ -30,10 +34,17 @@ public:
     /// An empty text returns true without touching the database.
     bool exec(const QString& query);
 
-    /// Runs the script at `path` (a resource works) in one transaction, statement by statement; a
-    /// statement ends with a semicolon at the end of its line. One that fails is logged and the next
-    /// one runs. Returns true if the script could be read and every statement succeeded.
+    /// Runs the script at `path` (a resource works) in one transaction, statement by statement. One
+    /// that fails is logged and the next one runs. Returns true if the script could be read and
+    /// every statement succeeded.
     bool executeSqlFile(const QString& path);
+
+    /// What the database said to the first statement that failed in the last script; else empty.
+    const QString& scriptError() const;
+
+    /// The statements of the script at `path`; a statement ends with a semicolon at the end of its
+    /// line. Null (and logged) where it cannot be read.
+    static std::optional<QStringList> readSqlFile(const QString& path);
 
     /// The slow-query log: off by default, and nothing in the program switches it on by itself.
     static void setTimeCheckEnabled(bool enabled);
@@ -42,12 +53,13 @@ public:
 private:
     void initDb();
     void beginTimeCheck();
-    void endTimeCheck(const QString& shortContext);
-    void checkError(bool ok, const QString& context);
+    void endTimeCheck(const QString& shortContext) const;
+    void checkError(bool ok, const QString& context) const;
 
     static inline bool ms_checkTime = false;
     static inline int ms_checkTimeThreshold = 0; ///< Milliseconds.
 
     QSqlDatabase m_connection;
     QElapsedTimer m_started;
+    QString m_scriptError;
 };

@@ -1,27 +1,32 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "storage/DatabaseFiles.h"
+#include "storage/DatabasePrompts.h"
+
 #include <QObject>
 #include <QSqlDatabase>
 #include <QString>
 
-/// What the database must ask or tell the user. Implemented above this room. Thread: main.
-class DatabasePrompts
-{
-public:
-    DatabasePrompts() = default;
-    DatabasePrompts(const DatabasePrompts&) = delete;
-    DatabasePrompts& operator=(const DatabasePrompts&) = delete;
-    virtual ~DatabasePrompts() = default;
+#include <memory>
+#include <optional>
 
-    virtual void showFailure(const QString& title, const QString& text) = 0;
-
-    /// Asks whether to start with a new, empty database; true means yes.
-    virtual bool confirmFreshDatabase(const QString& text) = 0;
-};
+class DatabaseBackup;
 
 /// The client's SQLite database "tallyvane.db": opens, tunes, checks, upgrades and rescues it.
 /// One instance; thread: main.
+///
+///     open, version, pragmas, check --ok--> setup (schema, upgrade) --> Open, and ".backup"
+///     refreshed
+///        |          |           |
+///        |          |           damaged --> ".backup" put in its place --> open again
+///        |          |                          | none, or damaged too
+///        |          |                          ask --yes--> open a new one; --no--> Failed
+///        |          newer --> NewerVersion
+///        not accessible --> Failed
+///
+/// Nothing that was there is deleted: a damaged file is kept beside the new one under a dated name,
+/// and an old one is copied before it is upgraded.
 class Database : public QObject
 {
     Q_OBJECT
@@ -38,7 +43,6 @@ public:
 
     static constexpr int SchemaVersion = 11;
     static inline const QString ConnectionName = QStringLiteral("tv-db-connection");
-    static inline const QString FileName = QStringLiteral("tallyvane.db");
 
     /// Opens "tallyvane.db" in `dataDirectory`, creating, upgrading or rescuing it as needed; see
     /// `state` for how that ended.
@@ -50,8 +54,101 @@ public:
     /// The one database; null before it was created and after it was destroyed.
     static Database* instance();
 
+    /// Opens the database file `fileName`; see `state` for how that ended.
+    void loadDatabase(const QString& fileName);
+
+    /// Creates what the schema lacks and upgrades an older one. False where that failed; the reason
+    /// is kept for the user.
+    bool setupDatabase();
+
+    /// Creates the temporary tables, which live as long as the connection.
+    bool setupDatabase_TempTables();
+
+    /// SQLite's quick check: "ok", or what is wrong.
+    QString checkDatabase();
+
+    /// SQLite's full check, indexes against tables included; takes seconds on a large database.
+    QString checkDatabaseFull();
+
+    /// Deletes the statistics and starts today at zero. False where nothing was deleted.
+    bool cleanDatabase();
+
+    /// As `cleanDatabase`, and all else that was counted, logged or received; what the user has set
+    /// up (settings, profiles, milestones, excluded interfaces) stays.
+    bool cleanDatabaseUser();
+
+    void closeDatabase();
+
+    /// Opens the connection again where it was closed. False where that failed.
+    bool reconnectIfNeeded();
+
+    /// Begins to refresh the ".backup" copy from the event loop; see `DatabaseBackup`. Does nothing
+    /// while one is in progress, and unless the state is Open.
+    void backupDatabase();
+
     State state() const;
     QSqlDatabase connection() const; ///< The main thread's connection.
     QString getDatabaseFileName() const;
     qint64 getDatabaseFileSize() const; ///< Bytes; 0 when there is no file.
+
+    /// The path under which a damaged file was kept in this run; empty where none was.
+    QString keptDamagedFile() const;
+
+    /// The profile whose statistics the views show; none, as at first, stands for all profiles.
+    void setProfileFilter(std::optional<int> profileId);
+
+    /// The SQL condition that restricts a query to the profile filter: "profile_id = 3", or "1"
+    /// where all profiles are shown. `table` is the table's name or alias in that query, or empty.
+    QString generateWhereQueryProfileFilter(const QString& table) const;
+
+    /// The connection of that name, which is made where there is none yet.
+    static QSqlDatabase connectionNamed(const QString& name);
+
+    /// The options of every connection to the database.
+    static QString connectOptions(DatabaseFiles::Access access);
+
+Q_SIGNALS:
+    /// The connection is about to close: whoever holds a query on it must let go of it now.
+    void aboutToClose();
+
+    /// The ".backup" copy was refreshed (true), or stays as it was.
+    void backupFinished(bool refreshed);
+
+private:
+    enum class Outcome
+    {
+        Opened,
+        Newer,
+        Damaged,
+        Failed,
+        Declined, ///< The user wants no new database.
+    };
+
+    Outcome open();
+    Outcome checkOpened();
+    Outcome rescue();
+    Outcome restore();
+    Outcome startFresh();
+    bool prepareFile();
+    bool openConnection();
+    void setPragmas();
+    int readVersion();
+    bool createSchema();
+    bool copyBeforeUpgrade();
+    bool upgrade();
+    void finishOpening(Outcome outcome);
+    void fail(const QString& text);
+    QString setupFailure(const QString& reason) const;
+    void backupIfDue();
+
+    DatabasePrompts& m_prompts;
+    DatabaseFiles m_files;
+    QSqlDatabase m_connection;
+    State m_state = State::Closed;
+    DatabaseFiles::Access m_access = DatabaseFiles::Access::ReadWrite;
+    int m_version = 0;  ///< As found in the file.
+    QString m_failure;  ///< What the user is told when opening fails.
+    QString m_keptFile; ///< See `keptDamagedFile`.
+    std::optional<int> m_profileFilter;
+    std::unique_ptr<DatabaseBackup> m_backup;
 };

@@ -9,13 +9,15 @@
 #include <QString>
 #include <QVariant>
 
+#include <atomic>
 #include <memory>
 
 class Database;
 class DSqlQuery;
 class QThread;
 
-/// Every preference and small piece of state, as rows of the table `settings` with a cache in front.
+/// Every preference and small piece of state, as rows of the table `settings` with a cache in
+/// front.
 ///
 /// Thread: `get`, `has` and `value` on any thread; everything else on the main thread, where the
 /// database connection lives.
@@ -25,16 +27,22 @@ public:
     /// The one store of the process; exists from first use, holds nothing before `init`.
     static Settings& instance();
 
+    Settings(const Settings&) = delete;
+    Settings& operator=(const Settings&) = delete;
+
     /// Prepares the statements on `database`'s connection and loads every row into the cache, whose
     /// former content goes. Call again after the database was opened anew.
     void init(Database* database);
 
-    /// Releases the statements before the connection closes. What is cached can still be read.
+    /// Releases the statements; the database's signal `aboutToClose` does so by itself. What is
+    /// cached can still be read.
     void close();
 
-    /// Stores the default of every key that has one and no row. A user's value is never overwritten.
+    /// Stores the default of every key that has one and no row. A user's value is never
+    /// overwritten.
     void initializeDefaultSettings();
 
+    /// Stores `value` where the key has no row. False if the statement failed.
     bool setDefault(const QString& key, const QVariant& value);
 
     /// The value of `key`, or `defaultValue` where it is neither cached nor stored. Text, as SQLite
@@ -48,8 +56,8 @@ public:
     bool setDouble(const QString& key, const double& value);
     void del(const QString& key);
 
-    /// The value of a typed key, converted from any stored form; the key's own fallback where there is
-    /// none or where the stored text is no such value.
+    /// The value of a typed key, converted from any stored form; the key's own fallback where there
+    /// is none or where the stored text is no such value.
     template <typename T>
     T value(const SettingKey<T>& key) const
     {
@@ -62,7 +70,25 @@ public:
         return set(key.name(), QVariant::fromValue(value));
     }
 
+    template <typename T>
+    bool has(const SettingKey<T>& key) const
+    {
+        return has(key.name());
+    }
+
 private:
     Settings();
     ~Settings();
+
+    QVariant readRow(const QString& key) const; ///< Invalid where there is none.
+
+    mutable QReadWriteLock m_lock; ///< Guards `m_cache`.
+    QHash<QString, QVariant> m_cache;
+
+    Database* m_database = nullptr;
+    std::atomic<QThread*> m_databaseThread =
+        nullptr; ///< Where the statements may run; null: nowhere.
+    std::unique_ptr<DSqlQuery> m_select;
+    std::unique_ptr<DSqlQuery> m_replace;
+    std::unique_ptr<DSqlQuery> m_insertDefault;
 };

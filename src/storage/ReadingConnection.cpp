@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "storage/ReadingConnection.h"
+
+#include "base/Log.h"
+#include "storage/Database.h"
+
+#include <QSqlError>
+
+#include <atomic>
+
+namespace {
+
+QString nextName()
+{
+    constexpr int hexadecimal = 16;
+    static std::atomic<quintptr> s_next = 1;
+    return Database::ConnectionName + QStringLiteral("-0x") +
+           QString::number(s_next++, hexadecimal);
+}
+
+} // namespace
+
+ReadingConnection::ReadingConnection(const QString& fileName)
+    : m_connection(Database::connectionNamed(nextName()))
+{
+    m_connection.setDatabaseName(fileName);
+    m_connection.setConnectOptions(Database::connectOptions(DatabaseFiles::Access::ReadOnly));
+    if (!m_connection.open()) {
+        Log::error("Unable to open database: {}", m_connection.lastError().text());
+    }
+}
+
+ReadingConnection::~ReadingConnection()
+{
+    const QString name = m_connection.connectionName();
+    m_connection = QSqlDatabase();
+    QSqlDatabase::removeDatabase(name);
+}
+
+bool ReadingConnection::isOpen() const
+{
+    return m_connection.isOpen();
+}
+
+const QSqlDatabase& ReadingConnection::database() const
+{
+    return m_connection;
+}

@@ -1,0 +1,177 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "storage/Settings.h"
+
+#include "base/Log.h"
+#include "storage/DSqlQuery.h"
+#include "storage/Database.h"
+#include "storage/DefaultSettings.h"
+
+#include <QThread>
+
+namespace {
+
+/// The column is NOT NULL, and a null text or time would be bound as NULL.
+QVariant storable(const QVariant& value)
+{
+    return value.isNull() ? QVariant(QLatin1String("")) : value;
+}
+
+} // namespace
+
+Settings::Settings() = default;
+Settings::~Settings() = default;
+
+Settings& Settings::instance()
+{
+    static Settings settings;
+    return settings;
+}
+
+void Settings::init(Database* database)
+{
+    m_database = database;
+    m_databaseThread = database->thread();
+    QObject::connect(database, &Database::aboutToClose, database, [this] { close(); });
+    m_select = std::make_unique<DSqlQuery>(
+        database, QStringLiteral("SELECT value FROM settings WHERE \"name\"=?"), false);
+    m_replace = std::make_unique<DSqlQuery>(
+        database, QStringLiteral("REPLACE INTO settings (\"value\", \"name\") VALUES (?, ?)"),
+        false);
+    m_insertDefault = std::make_unique<DSqlQuery>(
+        database,
+        QStringLiteral("INSERT OR IGNORE INTO settings (\"name\", \"value\") VALUES(?, ?)"), false);
+
+    QHash<QString, QVariant> rows;
+    DSqlQuery query(database, QStringLiteral("SELECT name, value FROM settings"), true);
+    while (query.next()) {
+        rows.insert(query.value(0).toString(), query.value(1));
+    }
+    const QWriteLocker locker(&m_lock);
+    m_cache = std::move(rows);
+}
+
+void Settings::close()
+{
+    m_select.reset();
+    m_replace.reset();
+    m_insertDefault.reset();
+    m_database = nullptr;
+    m_databaseThread = nullptr;
+}
+
+void Settings::initializeDefaultSettings()
+{
+    static const DefaultSettings::Table defaults = DefaultSettings::table();
+    if (m_database == nullptr) {
+        return;
+    }
+    // One transaction: a new database would otherwise wait for the disk some sixty times.
+    QSqlDatabase connection = m_database->connection();
+    connection.transaction();
+    for (const auto& [key, value] : defaults) {
+        setDefault(key, value);
+    }
+    for (const auto& [key, value] : DefaultSettings::ofThisMoment(QDateTime::currentDateTime())) {
+        setDefault(key, value);
+    }
+    connection.commit();
+}
+
+bool Settings::setDefault(const QString& key, const QVariant& value)
+{
+    Log::trace("Settings::setDefault({})", key);
+    if (!m_insertDefault) {
+        return false;
+    }
+    m_insertDefault->bindValue(0, key);
+    m_insertDefault->bindValue(1, storable(value));
+    const bool ok = m_insertDefault->exec();
+    const bool added = ok && m_insertDefault->numRowsAffected() > 0;
+    m_insertDefault->finish();
+    if (added) {
+        const QWriteLocker locker(&m_lock);
+        m_cache.insert(key, value);
+    }
+    return ok;
+}
+
+QVariant Settings::get(const QString& key, const QVariant& defaultValue) const
+{
+    Log::trace("Settings::get({})", key);
+    {
+        const QReadLocker locker(&m_lock);
+        const auto cached = m_cache.constFind(key);
+        if (cached != m_cache.constEnd()) {
+            return *cached;
+        }
+    }
+    const QVariant stored = readRow(key);
+    return stored.isValid() ? stored : defaultValue;
+}
+
+bool Settings::has(const QString& key) const
+{
+    Log::trace("Settings::has({})", key);
+    {
+        const QReadLocker locker(&m_lock);
+        if (m_cache.contains(key)) {
+            return true;
+        }
+    }
+    return readRow(key).isValid();
+}
+
+bool Settings::set(const QString& key, const QVariant& value)
+{
+    Log::trace("Settings::set({})", key);
+    {
+        const QWriteLocker locker(&m_lock);
+        m_cache.insert(key, value);
+    }
+    if (!m_replace) {
+        return false;
+    }
+    m_replace->bindValue(0, storable(value));
+    m_replace->bindValue(1, key);
+    const bool ok = m_replace->exec();
+    m_replace->finish();
+    return ok;
+}
+
+bool Settings::set(const QString& key, const long& value)
+{
+    return set(key, QVariant(QString::number(value)));
+}
+
+bool Settings::setDouble(const QString& key, const double& value)
+{
+    return set(key, QVariant(value));
+}
+
+void Settings::del(const QString& key)
+{
+    Log::trace("Settings::del({})", key);
+    {
+        const QWriteLocker locker(&m_lock);
+        m_cache.remove(key);
+    }
+    if (m_database == nullptr) {
+        return;
+    }
+    DSqlQuery query(m_database, QStringLiteral("DELETE FROM settings WHERE \"name\"=?"), false);
+    query.bindValue(0, key);
+    query.exec();
+}
+
+QVariant Settings::readRow(const QString& key) const
+{
+    // Off the main thread the cache alone answers; it was filled with every row there is.
+    if (m_databaseThread != QThread::currentThread()) {
+        return {};
+    }
+    m_select->bindValue(0, key);
+    const bool found = m_select->exec() && m_select->next();
+    const QVariant value = found ? m_select->value(0) : QVariant();
+    m_select->finish();
+    return value;
+}
