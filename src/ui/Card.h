@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "ui/CountsModel.h"
+
+#include <QFrame>
+
+class CountsTable;
+class QLabel;
+class QStackedLayout;
+class QToolButton;
+class QVBoxLayout;
+
+/// One card of a view: a title, at most one line of explanation, a picture of its data, and a menu
+/// with what can be done with them. The table behind the menu is made when it is first wanted.
+/// Thread: main.
+class Card : public QFrame
+{
+    Q_OBJECT
+
+public:
+    /// Draws `picture`, which it takes over; `model` is the same data as a table and must live
+    /// longer. `name` becomes part of object names and of the names of saved files.
+    Card(const QString& name, const QString& title, QWidget* picture, CountsModel* model,
+         QWidget* parent = nullptr);
+
+    void setExplanation(const QString& text);
+
+    /// How the table is sorted when it is first shown; by count, most first, unless told otherwise.
+    void setTableOrder(CountsModel::Column column, Qt::SortOrder order);
+
+    /// Moves the focus to the table's filter; false where the table is not shown.
+    bool focusFilter();
+
+protected:
+    void changeEvent(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    void buildMenu();
+    void applyTheme();
+    void toggleTable();
+    void copy() const;
+    void savePicture();
+    void exportData();
+    QString fileName(const QString& suffix) const;
+    void askForFile(const QString& title, const QString& filter, const QString& suffix,
+                    const std::function<QString(const QString&)>& write);
+
+    QString m_name;
+    CountsModel* m_model;
+    QLabel* m_title;
+    QLabel* m_explanation;
+    QToolButton* m_menuButton;
+    QAction* m_tableAction = nullptr;
+    QStackedLayout* m_pages;
+    CountsTable* m_table = nullptr; ///< Null until it was first shown.
+    CountsModel::Column m_sortColumn = CountsModel::CountColumn;
+    Qt::SortOrder m_sortOrder = Qt::DescendingOrder;
+};

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QWidget>
+
+class QAbstractItemModel;
+class QLineEdit;
+class QSortFilterProxyModel;
+class QTableView;
+
+/// A table with a filter above it: sorted by its header, filtered by typing, copied with Ctrl+C.
+/// Thread: main.
+class CountsTable : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// Sorts by `sortColumn` at first. `model` is not owned and must live longer.
+    CountsTable(QAbstractItemModel* model, int sortColumn, Qt::SortOrder order,
+                QWidget* parent = nullptr);
+
+    void focusFilter();
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void buildView(int sortColumn, Qt::SortOrder order);
+    void copySelection() const;
+    void showMenu(const QPoint& position);
+
+    QSortFilterProxyModel* m_proxy;
+    QLineEdit* m_filter;
+    QTableView* m_view;
+};

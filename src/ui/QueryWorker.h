@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QHash>
+#include <QObject>
+#include <QPointer>
+#include <QSqlDatabase>
+#include <QString>
+#include <QThread>
+
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <type_traits>
+
+class WorkerConnection;
+
+/// Runs queries on one thread of its own, over one read-only connection, and hands the answers back
+/// to the main thread. A topic (a view, say) has one question at a time: asking again drops the
+/// older one, whether it still waits or is being answered. Thread: main, but for what `ask` says.
+class QueryWorker : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit QueryWorker(const QString& databaseFile, QObject* parent = nullptr);
+
+    /// Drops what waits, lets the statement that runs end, and joins the thread.
+    ~QueryWorker() override;
+
+    /// Runs `query` on the worker's thread and `deliver` with its result on this one, unless the
+    /// question was outrun or `receiver` is gone by then. `query` returns nothing (`std::nullopt`)
+    /// where the database could not be read.
+    template <typename Answer>
+    void ask(const QString& topic, QObject* receiver,
+             std::function<std::optional<Answer>(const QSqlDatabase&)> query,
+             std::function<void(const std::optional<Answer>&)> deliver)
+    {
+        enqueue(topic, receiver,
+                [query = std::move(query),
+                 deliver = std::move(deliver)](const QSqlDatabase& connection) {
+                    const std::optional<Answer> answer =
+                        connection.isOpen() ? query(connection) : std::nullopt;
+                    return Delivery([deliver, answer] { deliver(answer); });
+                });
+    }
+
+private:
+    using Delivery = std::function<void()>;
+    using Job = std::function<Delivery(const QSqlDatabase&)>;
+    using Latest = std::shared_ptr<std::atomic<quint64>>; ///< The newest question of a topic.
+
+    void enqueue(const QString& topic, QObject* receiver, Job job);
+
+    QHash<QString, Latest> m_latest;
+    QThread m_thread;
+    WorkerConnection* m_connection; ///< Lives in the thread, which deletes it as it ends.
+};

@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QWidget>
+
+class QButtonGroup;
+class QAbstractButton;
+class QVBoxLayout;
+
+/// The list of views at the window's left: an icon and a label each, or the icons alone.
+/// Thread: main.
+class SideBar : public QWidget
+{
+    Q_OBJECT
+
+public:
+    enum class Form
+    {
+        Full,
+        Collapsed,
+    };
+
+    explicit SideBar(QWidget* parent = nullptr);
+
+    /// Adds a view at the end, as number `index` of `chosen`; Ctrl and the next digit choose it,
+    /// too.
+    void addView(const QString& name, const QString& icon, const QString& label);
+
+    void choose(int index);
+    void setForm(Form form);
+    Form form() const;
+
+Q_SIGNALS:
+    void chosen(int index);
+    void formChanged();
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    void updateCollapseButton();
+
+    QButtonGroup* m_views;
+    QVBoxLayout* m_layout;
+    QAbstractButton* m_collapse;
+    Form m_form = Form::Full;
+};

@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/TodayNotice.h"
+
+#include <QCoreApplication>
+
+namespace {
+
+/// Gives the context of the translations.
+struct Text
+{
+    Q_DECLARE_TR_FUNCTIONS(TodayNotice)
+};
+
+QString grantAccess()
+{
+    return QStringLiteral("sudo usermod -aG input $USER");
+}
+
+Notice::Content empty()
+{
+    return {.icon = QStringLiteral("keyboard"),
+            .title = Text::tr("No keys counted yet today"),
+            .text =
+                Text::tr("As you type, this page shows how many keys you press, in which hours, "
+                         "which ones, and in which applications."),
+            .command = {},
+            .button = {}};
+}
+
+Notice::Content noDevices()
+{
+    return {.icon = QStringLiteral("unplugged"),
+            .title = Text::tr("No keyboard found"),
+            .text = Text::tr("There is no input device that can be read, so no keys are counted. "
+                             "Counting begins by itself when one is connected. If one is connected "
+                             "already, run this command in a terminal and log in again."),
+            .command = grantAccess(),
+            .button = {}};
+}
+
+Notice::Content noPermission()
+{
+    return {.icon = QStringLiteral("locked"),
+            .title = Text::tr("Your keys are not counted yet"),
+            .text =
+                Text::tr("You may not read the input devices of this computer. To grant access, "
+                         "run this command in a terminal and log in again."),
+            .command = grantAccess(),
+            .button = {}};
+}
+
+Notice::Content off()
+{
+    return {.icon = QStringLiteral("off"),
+            .title = Text::tr("Keyboard counting is off"),
+            .text = Text::tr("New keys are not counted. What was counted before is kept."),
+            .command = {},
+            .button = Text::tr("Count keys")};
+}
+
+Notice::Content paused()
+{
+    return {.icon = QStringLiteral("pause"),
+            .title = Text::tr("Counting is paused"),
+            .text = Text::tr("Keys you press now are not counted."),
+            .command = {},
+            .button = {}};
+}
+
+} // namespace
+
+std::optional<Notice::Content> TodayNotice::forState(InputState state, Figures figures)
+{
+    switch (state) {
+    case InputState::Reading:
+        break;
+    case InputState::NoDevices:
+        return noDevices();
+    case InputState::NoPermission:
+        return noPermission();
+    case InputState::Off:
+        return off();
+    case InputState::Paused:
+        return paused();
+    }
+    return figures == Figures::None ? std::optional(empty()) : std::nullopt;
+}
+
+Notice::Content TodayNotice::unreadable()
+{
+    return {.icon = QStringLiteral("warning"),
+            .title = Text::tr("The figures cannot be read"),
+            .text =
+                Text::tr("The database did not answer. What was counted is not lost, and this page "
+                         "tries again every half minute. The log file, app.log, tells the reason."),
+            .command = {},
+            .button = {}};
+}

@@ -1,0 +1,248 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/TrayIcon.h"
+
+#include "base/Format.h"
+#include "storage/Settings.h"
+#include "ui/Icons.h"
+#include "ui/Theme.h"
+#include "ui/WindowSettings.h"
+
+#include <QApplication>
+#include <QEvent>
+#include <QMenu>
+#include <QMessageBox>
+
+namespace {
+
+constexpr int BlinkMs = 150;
+constexpr int BlinkPeriodMs = 500;   ///< From the start of a blink to the start of the next one.
+constexpr int ToolTipDelayMs = 6000; ///< What was typed is stored up to five seconds later.
+
+QString symbolOf(TrayIcon::Shape shape)
+{
+    switch (shape) {
+    case TrayIcon::Shape::Activity:
+        return QStringLiteral("tray-activity");
+    case TrayIcon::Shape::Paused:
+        return QStringLiteral("tray-paused");
+    case TrayIcon::Shape::Counting:
+        break;
+    }
+    return QStringLiteral("tray-counting");
+}
+
+/// Whether the light variant is wanted: as the user says, or where the desktop is dark.
+bool wantsLight(const QString& colour)
+{
+    if (colour == QLatin1String("light") || colour == QLatin1String("dark")) {
+        return colour == QLatin1String("light");
+    }
+    return Theme::isDark(QApplication::palette());
+}
+
+} // namespace
+
+TrayIcon::TrayIcon(KeysToday keysToday, QObject* parent)
+    : QObject(parent)
+    , m_keysToday(std::move(keysToday))
+    , m_menu(std::make_unique<QMenu>())
+{
+    buildMenu();
+    m_icon.setObjectName(QStringLiteral("trayIcon"));
+    m_icon.setContextMenu(m_menu.get());
+    m_icon.installEventFilter(this);
+    qApp->installEventFilter(this);
+    connect(&m_icon, &QSystemTrayIcon::activated, this, &TrayIcon::onActivated);
+
+    m_blinkEnd.setSingleShot(true);
+    m_blinkEnd.setInterval(BlinkMs);
+    connect(&m_blinkEnd, &QTimer::timeout, this, &TrayIcon::showRestingShape);
+    m_toolTipRefresh.setSingleShot(true);
+    m_toolTipRefresh.setInterval(ToolTipDelayMs);
+    m_toolTipRefresh.setTimerType(Qt::VeryCoarseTimer);
+    connect(&m_toolTipRefresh, &QTimer::timeout, this, &TrayIcon::refreshToolTip);
+    m_midnight.setSingleShot(true);
+    m_midnight.setTimerType(Qt::VeryCoarseTimer);
+    connect(&m_midnight, &QTimer::timeout, this, &TrayIcon::refreshToolTip);
+    refreshSettings();
+    refreshToolTip();
+}
+
+TrayIcon::~TrayIcon() = default;
+
+void TrayIcon::buildMenu()
+{
+    m_menu->setObjectName(QStringLiteral("trayMenu"));
+    const auto add = [this](const QString& name, const QString& icon, const QString& text) {
+        QAction* action = m_menu->addAction(Icons::symbol(icon), text);
+        action->setObjectName(name);
+        return action;
+    };
+    QAction* open = add(QStringLiteral("open"), QStringLiteral("open"), tr("Open Tallyvane"));
+    m_menu->setDefaultAction(open);
+    connect(open, &QAction::triggered, this, &TrayIcon::openRequested);
+    m_countingAction =
+        add(QStringLiteral("counting"), QStringLiteral("pause"), tr("Pause counting"));
+    connect(m_countingAction, &QAction::triggered, this, &TrayIcon::toggleCounting);
+    m_menu->addSeparator();
+    connect(add(QStringLiteral("quit"), QStringLiteral("quit"), tr("Quit")), &QAction::triggered,
+            this, &TrayIcon::quitRequested);
+}
+
+void TrayIcon::show()
+{
+    m_icon.show();
+}
+
+void TrayIcon::hide()
+{
+    m_icon.hide();
+    m_blinkEnd.stop();
+    m_toolTipRefresh.stop();
+    m_midnight.stop();
+}
+
+void TrayIcon::toggleCounting()
+{
+    if (m_counting == Counting::Paused) {
+        Q_EMIT resumeRequested();
+    } else {
+        Q_EMIT pauseRequested();
+    }
+}
+
+void TrayIcon::setCounting(Counting counting)
+{
+    m_counting = counting;
+    const bool paused = counting == Counting::Paused;
+    m_countingAction->setText(paused ? tr("Resume counting") : tr("Pause counting"));
+    m_countingAction->setIcon(
+        Icons::symbol(paused ? QStringLiteral("resume") : QStringLiteral("pause")));
+    showRestingShape();
+    refreshToolTip();
+}
+
+void TrayIcon::refreshSettings()
+{
+    const Settings& settings = Settings::instance();
+    m_blinks = settings.value(SettingsKeys::TrayiconBlinkOnActivity);
+    const bool light = wantsLight(settings.value(SettingsKeys::LogoColor));
+    if (m_icons.isEmpty() || light != m_isLight) {
+        m_isLight = light;
+        const QColor ink = light ? QColor(Qt::white) : QColor(QRgb(0xff1d2127));
+        // A faint rim keeps the icon legible where the panel is not as the desktop is.
+        QColor rim = light ? QColor(Qt::black) : QColor(Qt::white);
+        constexpr float rimOpacity = 0.4F;
+        rim.setAlphaF(rimOpacity);
+        for (const Shape shape : {Shape::Counting, Shape::Activity, Shape::Paused}) {
+            m_icons.insert(shape, Icons::outlined(symbolOf(shape), ink, rim));
+        }
+        m_icon.setIcon(m_icons.value(m_shape));
+    }
+    showRestingShape();
+}
+
+TrayIcon::Shape TrayIcon::shape() const
+{
+    return m_shape;
+}
+
+QString TrayIcon::toolTip() const
+{
+    return m_icon.toolTip();
+}
+
+void TrayIcon::noteActivity()
+{
+    if (m_counting == Counting::Paused) {
+        return;
+    }
+    if (!m_toolTipRefresh.isActive()) {
+        m_toolTipRefresh.start();
+    }
+    const bool justBlinked = m_lastBlink.isValid() && !m_lastBlink.hasExpired(BlinkPeriodMs);
+    if (m_blinks && !justBlinked) {
+        m_lastBlink.start();
+        setShape(Shape::Activity);
+        m_blinkEnd.start();
+    }
+}
+
+void TrayIcon::showRestingShape()
+{
+    m_blinkEnd.stop();
+    setShape(m_counting == Counting::Paused ? Shape::Paused : Shape::Counting);
+}
+
+void TrayIcon::setShape(Shape shape)
+{
+    if (shape != m_shape) {
+        m_shape = shape;
+        m_icon.setIcon(m_icons.value(shape));
+    }
+}
+
+void TrayIcon::refreshToolTip()
+{
+    const QString keys = tr("%1 keys today").arg(Format::count(m_keysToday()));
+    const QString text =
+        m_counting == Counting::Paused ? tr("%1, counting is paused").arg(keys) : keys;
+    if (text != m_icon.toolTip()) {
+        m_icon.setToolTip(text);
+    }
+    scheduleMidnight();
+}
+
+void TrayIcon::scheduleMidnight()
+{
+    const QDateTime now = QDateTime::currentDateTime();
+    const QDateTime midnight = now.date().addDays(1).startOfDay();
+    m_midnight.start(std::chrono::milliseconds(now.msecsTo(midnight)) + std::chrono::seconds(1));
+}
+
+void TrayIcon::showMessage(const QString& title, const QString& text)
+{
+    if (m_icon.isVisible() && QSystemTrayIcon::supportsMessages()) {
+        m_icon.showMessage(title, text, m_icons.value(Shape::Counting));
+    }
+}
+
+void TrayIcon::explainClosedWindow()
+{
+    Settings& settings = Settings::instance();
+    if (settings.value(WindowSettings::ClosingExplained)) {
+        return;
+    }
+    settings.setValue(WindowSettings::ClosingExplained, true);
+    const QString title = tr("Tallyvane is still running");
+    if (m_icon.isVisible() && QSystemTrayIcon::isSystemTrayAvailable()) {
+        showMessage(title,
+                    tr("It goes on counting. To open it or to quit, use its icon in the tray."));
+        return;
+    }
+    auto* box = new QMessageBox(
+        QMessageBox::Information, title,
+        tr("It goes on counting without a window. This desktop has no tray, so to open it again, "
+           "start Tallyvane once more."),
+        QMessageBox::Ok);
+    box->setObjectName(QStringLiteral("closingExplained"));
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->open();
+}
+
+void TrayIcon::onActivated(QSystemTrayIcon::ActivationReason reason)
+{
+    if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::DoubleClick) {
+        Q_EMIT openRequested();
+    }
+}
+
+bool TrayIcon::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == &m_icon && event->type() == QEvent::ToolTip) {
+        refreshToolTip();
+    } else if (watched == qApp && event->type() == QEvent::ApplicationPaletteChange) {
+        refreshSettings();
+    }
+    return QObject::eventFilter(watched, event);
+}

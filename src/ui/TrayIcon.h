@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QElapsedTimer>
+#include <QHash>
+#include <QIcon>
+#include <QObject>
+#include <QSystemTrayIcon>
+#include <QTimer>
+
+#include <functional>
+#include <memory>
+
+class QAction;
+class QMenu;
+
+/// The icon in the system tray: shows by its shape whether keys are counted, blinks when they are,
+/// and carries the menu. Nothing here runs while nothing happens, but for one wake-up at midnight.
+/// Thread: main.
+class TrayIcon : public QObject
+{
+    Q_OBJECT
+
+public:
+    enum class Counting
+    {
+        Running,
+        Paused,
+    };
+
+    /// What the icon shows at a moment, told apart by its shape.
+    enum class Shape
+    {
+        Counting,
+        Activity,
+        Paused,
+    };
+
+    /// Tells how many keys were counted today. Asked at most every few seconds, while keys arrive.
+    using KeysToday = std::function<qint64()>;
+
+    explicit TrayIcon(KeysToday keysToday, QObject* parent = nullptr);
+    ~TrayIcon() override;
+
+    void show();
+    void hide();
+
+    void setCounting(Counting counting);
+
+    /// Takes over `trayicon_blink_on_activity`, `logo_color` and the present palette.
+    void refreshSettings();
+
+    Shape shape() const;
+    QString toolTip() const;
+
+public Q_SLOTS:
+    /// A key or button was used: blinks, unless a blink is under way, just over or not wanted.
+    void noteActivity();
+
+    /// Shows a message beside the tray, or does nothing where there is no tray.
+    void showMessage(const QString& title, const QString& text);
+
+    /// Says, the first time only, that the program goes on counting without its window.
+    void explainClosedWindow();
+
+Q_SIGNALS:
+    void openRequested();
+    void pauseRequested();
+    void resumeRequested();
+    void quitRequested();
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void buildMenu();
+    void toggleCounting();
+    void showRestingShape();
+    void setShape(Shape shape);
+    void refreshToolTip();
+    void scheduleMidnight();
+    void onActivated(QSystemTrayIcon::ActivationReason reason);
+
+    KeysToday m_keysToday;
+    std::unique_ptr<QMenu> m_menu;
+    QSystemTrayIcon m_icon;
+    QAction* m_countingAction = nullptr; ///< Owned by the menu.
+    QTimer m_blinkEnd;
+    QTimer m_toolTipRefresh;
+    QTimer m_midnight;
+    QElapsedTimer m_lastBlink;
+    Counting m_counting = Counting::Running;
+    Shape m_shape = Shape::Counting;
+    QHash<Shape, QIcon> m_icons; ///< In the variant in force.
+    bool m_isLight = false;
+    bool m_blinks = true;
+};
