@@ -1,0 +1,551 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/Application.h"
+
+#include "account/Aes.h"
+#include "account/LocalStats.h"
+#include "account/ProxySettings.h"
+#include "app/PortableMode.h"
+#include "app/UnixSignals.h"
+#include "base/Log.h"
+#include "base/SnapStandardPaths.h"
+#include "base/Version.h"
+#include "profiles/ProfileManager.h"
+#include "stats/Collector.h"
+#include "stats/KeypressesStat.h"
+#include "stats/StatSwitches.h"
+#include "storage/Database.h"
+#include "storage/MousePointPruning.h"
+#include "storage/Settings.h"
+#include "storage/StartupRepair.h"
+#include "system/Autostart.h"
+#include "system/CachedSystem.h"
+#include "system/CommonSystem.h"
+#include "system/InputAccess.h"
+#include "system/PowerMonitor.h"
+#include "ui/MainWindow.h"
+#include "ui/Theme.h"
+#include "ui/TodayQuery.h"
+#include "ui/TrayIcon.h"
+
+#include <QGuiApplication>
+#include <QIcon>
+#include <QLocale>
+#include <QProcess>
+#include <QSystemTrayIcon>
+
+#include <cstdlib>
+
+namespace {
+
+constexpr int MemoryCleanupMs = 10'000;
+constexpr int PruneMs = 3'600'000;
+constexpr int InputStateMs = 2'000;
+constexpr int TimeSeriesOverlapDays = 7;
+
+} // namespace
+
+Application* Application::m_instance = nullptr;
+
+Application::Application()
+{
+    m_instance = this;
+    m_profiles = new ProfileManager(this);
+    m_localStats = new LocalStats(this);
+    m_signals = new UnixSignals(this);
+    QCoreApplication::setApplicationName(QStringLiteral("Tallyvane"));
+    QCoreApplication::setApplicationVersion(versionString());
+    QCoreApplication::setOrganizationDomain(QStringLiteral("tallyvane.example"));
+    QGuiApplication::setDesktopFileName(QStringLiteral("tallyvane"));
+    QGuiApplication::setQuitOnLastWindowClosed(false);
+    connect(this, &Application::refreshTrayIcon, this, &Application::updateTrayIcon);
+    watchForTheEnd();
+}
+
+Application::~Application()
+{
+    closeProcesses();
+    m_instance = nullptr;
+}
+
+Application* Application::instance()
+{
+    return m_instance;
+}
+
+void Application::watchForTheEnd()
+{
+    connect(m_signals, &UnixSignals::terminationRequested, this, &Application::exitClient);
+    // The session manager's way to end a program, once no other has objected.
+    connect(qApp, &QCoreApplication::aboutToQuit, this, &Application::exitClient);
+    connect(qApp, &QGuiApplication::commitDataRequest, this, [this] {
+        if (m_collector) {
+            m_collector->saveLocal();
+        }
+    });
+}
+
+bool Application::start(bool networkingDisabled, bool openMainWindow,
+                        const QString& translationFile)
+{
+    m_portable = PortableMode::isActive();
+    if (!hasTray() || !hasEncryption()) {
+        return false;
+    }
+    const bool restored = StartupRepair::applyPendingRestore(getDataDir());
+    if (!openDatabase()) {
+        return false;
+    }
+    prepareStores(networkingDisabled, translationFile, restored);
+    prepareCounting();
+    QTimer::singleShot(0, this, &Application::slotStartupDelayed);
+    prepareTray();
+    Log::info("Tallyvane {} has started", versionString());
+    if (openMainWindow && Settings::instance().value(SettingsKeys::MainwindowOpenOnStart)) {
+        this->openMainWindow();
+    }
+    StartupRepair::removeNegativeDistances(*m_database);
+    m_started = true;
+    // Every start of this series sends the last week's time series again.
+    if (versionString().startsWith(QLatin1String("5.8."))) {
+        Settings::instance().setValue(SettingsKeys::TimeSeriesLastSent,
+                                      QDateTime::currentDateTime().addDays(-TimeSeriesOverlapDays));
+    }
+    return true;
+}
+
+bool Application::hasTray()
+{
+    // A Wayland desktop may show the icon by means that Qt does not know of.
+    if (QSystemTrayIcon::isSystemTrayAvailable() ||
+        qEnvironmentVariable("XDG_SESSION_TYPE") == QLatin1String("wayland")) {
+        return true;
+    }
+    m_messageBoxes.showFailure(
+        QStringLiteral("No system tray"),
+        tr("Couldn't detect any system tray on this system, and I need that to run."));
+    return false;
+}
+
+bool Application::hasEncryption()
+{
+    if (Aes::isSupported()) {
+        return true;
+    }
+    m_messageBoxes.showFailure(QStringLiteral("AES failure"),
+                               tr("AES functions not available. Is OpenSSL library present?"));
+    return false;
+}
+
+bool Application::openDatabase()
+{
+    m_database = std::make_unique<Database>(getDataDir(), m_messageBoxes);
+    switch (m_database->state()) {
+    case Database::State::Open:
+    case Database::State::ReadOnly:
+        return true;
+    case Database::State::NewerVersion:
+        exitClient();
+        return false;
+    case Database::State::Closed:
+    case Database::State::Failed:
+        break;
+    }
+    return false;
+}
+
+void Application::prepareStores(bool networkingDisabled, const QString& translationFile,
+                                bool restored)
+{
+    Settings& settings = Settings::instance();
+    settings.init(m_database.get());
+    settings.initializeDefaultSettings();
+    installTranslation(translationFile);
+    if (networkingDisabled) {
+        settings.setValue(SettingsKeys::StatsNetEnable, false);
+    }
+    m_localStats->setup(getDataDir());
+    if (restored) {
+        // What was just restored counts as freshly backed up.
+        settings.setValue(SettingsKeys::OnlineBackupLast, QDateTime::currentDateTime());
+    }
+    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+    m_profiles->refreshProfileFromDatabase();
+    if (settings.value(SettingsKeys::ProfilesResetOnSleep)) {
+        m_profiles->activateDefaultProfile();
+    }
+}
+
+void Application::installTranslation(const QString& path)
+{
+    const QString language = Settings::instance().value(SettingsKeys::ClientLanguage);
+    const QString file =
+        path.isEmpty() ? QStringLiteral(":/i18n/tallyvane_%1.qm").arg(language) : path;
+    if (path.isEmpty() && language == QLatin1String("en")) {
+        return;
+    }
+    if (!m_translator.load(file)) {
+        Log::warn("Unable to load the translation {}", file);
+        return;
+    }
+    QCoreApplication::installTranslator(&m_translator);
+}
+
+void Application::prepareCounting()
+{
+    m_collector = new Collector(this);
+    m_collector->setUiModeSource([this] { return isMainWindowOpen(); });
+    m_collector->start();
+    m_collector->startCollector();
+    SystemPlaces places;
+    places.dataDirectory = getDataDir();
+    auto system = CommonSystem::createPlatformSpecificSystem(m_database.get(), this, places);
+    if (PowerMonitor* power = system->powerMonitor()) {
+        connect(power, &PowerMonitor::sessionEnding, this, &Application::exitClient);
+    }
+    m_system = std::make_unique<CachedSystem>(std::move(system));
+    QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/tallyvane-logo.ico")));
+    m_collector->addStat(new KeypressesStat(m_system.get(), this));
+}
+
+void Application::prepareTray()
+{
+    Theme::apply();
+    m_tray = new TrayIcon(
+        [this] { return TodayQuery::keys(m_database->connection(), QDate::currentDate()); }, this);
+    connect(m_tray, &TrayIcon::openRequested, this, &Application::openMainWindow);
+    connect(m_tray, &TrayIcon::pauseRequested, this, &Application::pauseCounting);
+    connect(m_tray, &TrayIcon::resumeRequested, this, &Application::resumeCounting);
+    connect(m_tray, &TrayIcon::quitRequested, this, &Application::exitClient);
+    Q_EMIT refreshTrayIcon();
+    m_tray->show();
+}
+
+void Application::slotStartupDelayed()
+{
+    Log::info("Starting timers and collector..");
+    connect(&m_memoryTimer, &QTimer::timeout, this, &Application::cleanupMemory);
+    m_memoryTimer.start(MemoryCleanupMs);
+    connect(&m_pruneTimer, &QTimer::timeout, this, &Application::pruneMousePoints);
+    m_pruneTimer.start(PruneMs);
+    connect(&m_inputStateTimer, &QTimer::timeout, this, &Application::updateInputState);
+    m_mousePointPruning = std::make_unique<MousePointPruning>(*m_database, Settings::instance());
+    m_mousePointPruning->start(QDateTime::currentDateTime());
+    Settings::instance().setValue(SettingsKeys::ClientVersion, versionString());
+    applySettings(false);
+    m_collector->start();
+    Q_EMIT refreshTrayIcon();
+    updateInputState();
+    // Qt ends the process from within its event loop when the display goes away. Registered this
+    // late, so that it runs before what was made up to here is destroyed.
+    std::atexit(&Application::leaveWithoutDisplay);
+}
+
+void Application::applySettings(bool changedByUser)
+{
+    Settings& settings = Settings::instance();
+    if (changedByUser) {
+        settings.setValue(SettingsKeys::SettingsLastSaved, QDateTime::currentDateTime());
+    }
+    applyStatisticSwitches();
+    Autostart(QCoreApplication::applicationFilePath())
+        .follow(settings.value(SettingsKeys::LaunchOnStart));
+    Theme::apply();
+    Q_EMIT refreshTrayIcon();
+    applyNetworkProxy(ProxySettings::from(settings).proxy());
+    updateInputState();
+}
+
+void Application::applySettingsSlot()
+{
+    applySettings(true);
+}
+
+void Application::applyStatisticSwitches()
+{
+    const auto isOn = [](const SettingKey<bool>& key) { return Settings::instance().value(key); };
+    for (StatSwitch statSwitch : StatSwitches::fromSettings(isOn)) {
+        if (Stat* stat = m_collector->getStat<Stat>(statSwitch.statistic)) {
+            statSwitch.enabled = statSwitch.enabled && !m_pausedByUser;
+            statSwitch.applyTo(*stat);
+        }
+    }
+}
+
+void Application::singleAppMessage(const QString& message)
+{
+    if (message == QLatin1String("open_window") && m_started) {
+        Log::info("Received message from another instance to open our main window!");
+        openMainWindow();
+    }
+    if (message == QLatin1String("zurge") && m_started) {
+        Log::info("Received message from another instance to zurge. Zurging!");
+        doZurge();
+    }
+    if (message == QLatin1String("exit_client")) {
+        Log::info("Received message from another instance to exit. Exiting cleanly!");
+        exitClient();
+    }
+    if (message == QLatin1String("ping")) {
+        Log::debug("Received ping from watchdog.");
+    }
+}
+
+void Application::doZurge()
+{
+    // Counts are sent to an account, and this version cannot sign in to one: they stay unzurged.
+    Log::info("No account is signed in, nothing is sent.");
+}
+
+void Application::exitClient()
+{
+    if (m_exiting) {
+        return;
+    }
+    m_exiting = true;
+    resetProfileBeforeExit();
+    Log::info("Shutting down client, we've had enough!");
+    closeProcesses();
+    QCoreApplication::quit();
+    QCoreApplication::quit();
+    endProcess();
+}
+
+void Application::endProcess()
+{
+    Q_EMIT aboutToEnd();
+    Log::flush();
+    std::_Exit(EXIT_SUCCESS);
+}
+
+void Application::resetProfileBeforeExit()
+{
+    if (!m_started || m_profiles->getActiveStatsProfileId() == ProfileManager::DefaultProfileId ||
+        !Settings::instance().value(SettingsKeys::ProfilesResetOnSleep)) {
+        return;
+    }
+    Log::info("Resetting to default profile because we're exiting the client and the setting is "
+              "enabled.");
+    m_profiles->activateDefaultProfile();
+}
+
+void Application::closeProcesses()
+{
+    if (m_closed) {
+        return;
+    }
+    stopCollecting();
+    m_mainWindow.reset();
+    saveState();
+    if (m_tray) {
+        m_tray->hide();
+    }
+}
+
+void Application::stopCollecting()
+{
+    m_closed = true;
+    if (m_collector) {
+        m_collector->stopCollector();
+        m_collector->finish();
+    }
+}
+
+void Application::saveState()
+{
+    if (m_system) {
+        m_system->stop();
+    }
+    if (m_started) {
+        m_localStats->saveSettings();
+    }
+    Settings::instance().close();
+    m_database.reset();
+}
+
+void Application::leaveWithoutDisplay()
+{
+    if (!m_instance || m_instance->m_closed) {
+        return;
+    }
+    m_instance->m_exiting = true;
+    m_instance->resetProfileBeforeExit();
+    Log::info("Shutting down client, the display is gone!");
+    m_instance->stopCollecting();
+    m_instance->saveState();
+    m_instance->endProcess();
+}
+
+void Application::restartClient()
+{
+    // Before the new process looks for a running client.
+    Q_EMIT aboutToEnd();
+    if (!QProcess::startDetached(QCoreApplication::applicationFilePath(), {})) {
+        Log::error("Unable to start the client anew");
+    }
+    endProcess();
+}
+
+void Application::clientRestart()
+{
+    closeProcesses();
+    restartClient();
+}
+
+void Application::startCollector()
+{
+    if (m_collector && !m_collector->isCollecting()) {
+        m_collector->startCollector();
+    }
+}
+
+void Application::pauseCollector()
+{
+    if (m_collector && m_collector->isCollecting()) {
+        m_collector->pauseCollector();
+    }
+}
+
+void Application::pauseCounting()
+{
+    m_pausedByUser = true;
+    pauseCollector();
+    applyStatisticSwitches();
+    Q_EMIT refreshTrayIcon();
+    updateInputState();
+}
+
+void Application::resumeCounting()
+{
+    m_pausedByUser = false;
+    startCollector();
+    applyStatisticSwitches();
+    Q_EMIT refreshTrayIcon();
+    updateInputState();
+}
+
+QString Application::getDataDir()
+{
+    if (m_portable) {
+        return PortableMode::directory();
+    }
+    if (m_userDataDirectory.isEmpty()) {
+        m_userDataDirectory = SnapStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
+    }
+    return m_userDataDirectory;
+}
+
+void Application::togglePortableMode()
+{
+    closeProcesses();
+    PortableMode::toggle(SnapStandardPaths::writableLocation(QStandardPaths::AppDataLocation));
+    restartClient();
+}
+
+void Application::cleanDatabase()
+{
+    m_database->cleanDatabase();
+}
+
+void Application::cleanDatabaseUser()
+{
+    m_database->cleanDatabaseUser();
+}
+
+void Application::pruneMousePoints()
+{
+    m_mousePointPruning->pruneMousePoints(QDateTime::currentDateTime());
+}
+
+void Application::cleanupMemory()
+{
+    if (!isMainWindowOpen()) {
+        m_inputStateTimer.stop();
+        m_mainWindow.reset();
+    }
+}
+
+void Application::openMainWindow()
+{
+    if (!m_mainWindow) {
+        createMainWindow();
+    }
+    m_mainWindow->show();
+    m_mainWindow->raise();
+    m_mainWindow->activateWindow();
+    m_inputStateTimer.start(InputStateMs);
+    updateInputState();
+}
+
+void Application::createMainWindow()
+{
+    m_mainWindow = std::make_unique<MainWindow>(
+        m_database->getDatabaseFileName(),
+        [this](const QString& path) { return m_system->getApplicationNameCached(path); });
+    connect(m_mainWindow.get(), &MainWindow::closed, m_tray, &TrayIcon::explainClosedWindow);
+    connect(m_mainWindow.get(), &MainWindow::pauseRequested, this, &Application::pauseCounting);
+    connect(m_mainWindow.get(), &MainWindow::resumeRequested, this, &Application::resumeCounting);
+    connect(m_mainWindow.get(), &MainWindow::keyboardCountingRequested, this,
+            &Application::switchKeyboardCountingOn);
+}
+
+void Application::switchKeyboardCountingOn()
+{
+    Settings::instance().setValue(SettingsKeys::StatsInputEnable, true);
+    Settings::instance().setValue(SettingsKeys::StatKeyboardEnable, true);
+    applySettingsSlot();
+}
+
+void Application::updateInputState()
+{
+    if (!m_mainWindow) {
+        return;
+    }
+    const Stat* keyboard = m_collector->getStat<Stat>(QStringLiteral("KeypressesStat"));
+    if (m_pausedByUser) {
+        m_mainWindow->setInputState(InputState::Paused);
+    } else if (!keyboard->isEnabled()) {
+        m_mainWindow->setInputState(InputState::Off);
+    } else if (m_system->hasInputListeners()) {
+        m_mainWindow->setInputState(InputState::Reading);
+    } else {
+        m_mainWindow->setInputState(hasInputDevices() ? InputState::NoPermission
+                                                      : InputState::NoDevices);
+    }
+}
+
+void Application::updateTrayIcon()
+{
+    if (!m_tray) {
+        return;
+    }
+    m_tray->refreshSettings();
+    m_tray->setCounting(m_pausedByUser ? TrayIcon::Counting::Paused : TrayIcon::Counting::Running);
+}
+
+void Application::slotNeedTrayIconMessage(const QString& title, const QString& text)
+{
+    m_tray->showMessage(title, text);
+}
+
+bool Application::isMainWindowOpen() const
+{
+    return m_mainWindow && m_mainWindow->isVisible();
+}
+
+void Application::onKeyDown()
+{
+    if (m_tray) {
+        m_tray->noteActivity();
+    }
+}
+
+void Application::onKeyUp() {}
+
+void Application::onMouseButtonDown()
+{
+    if (m_tray) {
+        m_tray->noteActivity();
+    }
+}
+
+void Application::onMouseButtonUp() {}

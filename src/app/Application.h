@@ -1,0 +1,143 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "system/AbstractSystemListener.h"
+#include "ui/MessageBoxes.h"
+
+#include <QObject>
+#include <QString>
+#include <QTimer>
+#include <QTranslator>
+
+#include <memory>
+
+class CachedSystem;
+class Collector;
+class Database;
+class LocalStats;
+class MainWindow;
+class MousePointPruning;
+class ProfileManager;
+class TrayIcon;
+class UnixSignals;
+
+/// Creates, connects, schedules and stops the parts of the client, and decides nothing that one of
+/// them can decide. One instance, on the entry point's stack. Thread: main.
+class Application : public QObject, private AbstractSystemListener
+{
+    Q_OBJECT
+
+public:
+    Application();
+
+    /// Stops what still runs, as `closeProcesses`.
+    ~Application() override;
+
+    static Application* instance();
+
+    /// Builds the client; false means that it cannot run, and the user was told why. An empty
+    /// translation file selects the language of the settings.
+    bool start(bool networkingDisabled, bool openMainWindow, const QString& translationFile);
+
+    /// Where the data lies: the per-user directory, or in portable mode the executable's.
+    QString getDataDir();
+
+public Q_SLOTS:
+    /// Acts on what another instance, or an outside watchdog, says. Unknown text is ignored.
+    void singleAppMessage(const QString& message);
+
+    /// Saves everything and ends the process with exit code 0, without returning. Further calls,
+    /// from within the first, do nothing.
+    void exitClient();
+
+    /// Stops the working parts and saves their state; the process may end at any moment after.
+    void closeProcesses();
+
+    /// Starts the executable anew, without arguments, and ends this process with exit code 0.
+    void restartClient();
+    void clientRestart(); ///< `closeProcesses`, then `restartClient`.
+
+    /// Hold the writing of statistics, and go on with it. What is counted meanwhile is kept.
+    void startCollector();
+    void pauseCollector();
+
+    /// The user's pause and resume: until the user resumes, no input is read at all.
+    void pauseCounting();
+    void resumeCounting();
+
+    void applySettings(bool changedByUser);
+    void applySettingsSlot(); ///< The user changed a setting.
+
+    void doZurge();
+    void cleanDatabase();
+    void cleanDatabaseUser();
+    void pruneMousePoints();
+    void togglePortableMode(); ///< Restarts the client on the other data directory.
+    void cleanupMemory();      ///< Gives back what the main window held, once it is closed.
+    void slotNeedTrayIconMessage(const QString& title, const QString& text);
+    void openMainWindow();
+
+Q_SIGNALS:
+    void refreshTrayIcon();
+
+    /// The process is about to end without destructors.
+    void aboutToEnd();
+
+private Q_SLOTS:
+    void slotStartupDelayed();
+    void updateTrayIcon();
+
+private:
+    void onKeyDown() override;
+    void onKeyUp() override;
+    void onMouseButtonDown() override;
+    void onMouseButtonUp() override;
+
+    bool hasTray();
+    bool hasEncryption();
+    bool openDatabase();
+    void prepareStores(bool networkingDisabled, const QString& translationFile, bool restored);
+    void prepareCounting();
+    void prepareTray();
+    void watchForTheEnd();
+    void installTranslation(const QString& path);
+    void applyStatisticSwitches();
+    void createMainWindow();
+    void updateInputState();
+    void switchKeyboardCountingOn();
+    void resetProfileBeforeExit();
+    bool isMainWindowOpen() const;
+
+    void stopCollecting();
+    void saveState();
+    [[noreturn]] void endProcess(); ///< Exit code 0, without destructors.
+
+    /// The way out where nothing can be drawn any more: as `exitClient`, the windows left as they
+    /// are.
+    static void leaveWithoutDisplay();
+
+    static Application* m_instance;
+
+    bool m_started = false;
+    bool m_exiting = false;
+    bool m_closed = false; ///< The working parts are stopped, or about to be.
+    bool m_portable = false;
+    bool m_pausedByUser = false;
+    QString m_userDataDirectory;
+    QTranslator m_translator;
+    MessageBoxes m_messageBoxes;
+
+    ProfileManager* m_profiles;
+    LocalStats* m_localStats;
+    UnixSignals* m_signals;
+    std::unique_ptr<Database> m_database;
+    std::unique_ptr<CachedSystem> m_system;
+    Collector* m_collector = nullptr;
+    std::unique_ptr<MousePointPruning> m_mousePointPruning;
+    TrayIcon* m_tray = nullptr;
+    std::unique_ptr<MainWindow> m_mainWindow;
+
+    QTimer m_memoryTimer;
+    QTimer m_pruneTimer;
+    QTimer m_inputStateTimer; ///< Runs while the main window is open.
+};

@@ -1,0 +1,80 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""Databases that cannot be used, met by the real client."""
+import time
+import unittest
+
+from harness import PATIENCE, DesktopTest, wait_for
+
+
+class Damage(DesktopTest):
+    def setUp(self):
+        super().setUp()
+        process = self.client.start_fully("--closedwindow")
+        self.client.wait_for_log("Starting timers and collector..")
+        self.assertEqual(self.client.terminate(process), 0)
+        self.database = self.client.data / "tallyvane.db"
+
+    def box(self, title):
+        wait_for(lambda: self.desktop.windows(title), f"the message box {title!r}")
+
+    def kept_aside(self):
+        return [path for path in self.client.data.iterdir() if ".damaged-" in path.name]
+
+    def test_newer_database_is_left_alone(self):
+        self.client.execute("PRAGMA user_version = 12")
+        before = self.database.read_bytes()
+        process = self.client.start("--closedwindow")
+        self.box("Version")
+        # Too early for the window; never too early for the end.
+        self.client.send_message(b"open_window\n")
+        time.sleep(0.5)
+        self.assertNotIn("to open our main window!", self.client.log())
+        self.client.send_message(b"exit_client\n")
+        self.assertEqual(process.wait(timeout=PATIENCE), 0)
+        self.assertEqual(self.database.read_bytes(), before)
+
+    def test_newer_database_ends_the_client(self):
+        self.client.execute("PRAGMA user_version = 12")
+        process = self.client.start("--closedwindow")
+        self.box("Version")
+        self.desktop.press("Return")
+        self.assertEqual(process.wait(timeout=PATIENCE), 0)
+        self.assertIn("Database version (12) is higher then supported (11). This is very bad and I "
+                      "will now reset the database to be safe!", self.client.log())
+
+    def test_fresh_database_keeps_the_unzurged_counts(self):
+        keyboard = self.client.device("event0")
+        process = self.client.start_fully("--closedwindow")
+        self.client.wait_for_log("Creating device listener for")
+        keyboard.type("a", "b", "c")
+        time.sleep(0.3)
+        self.assertEqual(self.client.terminate(process), 0)
+        damaged = b"not a database at all" * 500
+        self.database.write_bytes(damaged)
+        self.client.data.joinpath("tallyvane.db.backup").write_bytes(damaged)
+
+        process = self.client.start("--closedwindow")
+        wait_for(lambda: "Unable to recover from database backup file!" in self.client.log(),
+                 "both copies to fail")
+        wait_for(lambda: self.desktop.run("xdotool", "search", "--onlyvisible", "--pid",
+                                          str(process.pid)).split(), "the question")
+        self.desktop.press("alt+c")  # "Create new database"
+        wait_for(lambda: self.client.log().count("Starting collector") == 3, "the start's end")
+        self.assertEqual(self.client.terminate(process), 0)
+        self.assertEqual(self.client.query("SELECT value FROM unzurged_stats WHERE name = 'keys'"),
+                         [("3",)])
+        self.assertIn(damaged, [path.read_bytes() for path in self.kept_aside()])
+
+    def test_backup_is_put_in_place_of_a_damaged_database(self):
+        good = self.database.read_bytes()
+        self.client.data.joinpath("tallyvane.db.backup").write_bytes(good)
+        self.database.write_bytes(good[:5000])
+        process = self.client.start("--closedwindow")
+        self.client.wait_for_log("Recovered database from backup file!")
+        self.client.wait_for_log("Starting collector", count=2)
+        self.assertEqual(self.client.terminate(process), 0)
+        self.assertEqual([path.stat().st_size for path in self.kept_aside()], [5000])
+
+
+if __name__ == "__main__":
+    unittest.main()
