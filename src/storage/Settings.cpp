@@ -10,10 +10,24 @@
 
 namespace {
 
-/// The column is NOT NULL, and a null text or time would be bound as NULL.
+bool isNull(const QVariant& value)
+{
+    switch (value.typeId()) {
+    case QMetaType::QString:
+        return value.toString().isNull();
+    case QMetaType::QByteArray:
+        return value.toByteArray().isNull();
+    case QMetaType::QDateTime:
+        return value.toDateTime().isNull();
+    default:
+        return value.isNull();
+    }
+}
+
+/// The column is NOT NULL, and an empty text or time would be bound as NULL.
 QVariant storable(const QVariant& value)
 {
-    return value.isNull() ? QVariant(QLatin1String("")) : value;
+    return isNull(value) ? QVariant(QStringLiteral("")) : value;
 }
 
 } // namespace

@@ -5,6 +5,8 @@
 #include "storage/Database.h"
 #include "storage/Settings.h"
 
+#include <QDir>
+#include <QFileInfo>
 #include <QSqlRecord>
 #include <QStringList>
 #include <QTemporaryDir>
@@ -39,6 +41,15 @@ public:
     QStringList texts;
     QStringList questions;
 };
+
+/// The template of a temporary directory, in memory where that can be: a database waits for the disk
+/// many times, and tests open hundreds.
+inline QString fastTemporaryDirectory()
+{
+    const QString memory = QStringLiteral("/dev/shm");
+    return (QFileInfo(memory).isWritable() ? memory : QDir::tempPath())
+           + QStringLiteral("/tallyvane-XXXXXX");
+}
 
 /// A temporary data directory with a new database in it and the settings initialised on that. Only
 /// one may live at a time, as there is only one database.
@@ -107,7 +118,7 @@ private:
         Settings::instance().initializeDefaultSettings();
     }
 
-    QTemporaryDir m_directory;
+    QTemporaryDir m_directory{fastTemporaryDirectory()};
     TestPrompts m_prompts;
     std::unique_ptr<Database> m_database;
 };

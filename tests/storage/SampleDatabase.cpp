@@ -1,0 +1,123 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "storage/SampleDatabase.h"
+
+#include "storage/DSqlQuery.h"
+
+#include <QFile>
+#include <QSqlRecord>
+
+namespace {
+
+QString testFile(const QString& name)
+{
+    return QStringLiteral(TALLYVANE_SOURCE_DIR "/tests/storage/") + name;
+}
+
+} // namespace
+
+SampleDatabase::SampleDatabase(const QString& fileName)
+    : m_connection(QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("sample")))
+{
+    m_connection.setDatabaseName(fileName);
+    m_connection.open();
+}
+
+SampleDatabase::~SampleDatabase()
+{
+    m_connection = QSqlDatabase();
+    QSqlDatabase::removeDatabase(QStringLiteral("sample"));
+}
+
+void SampleDatabase::create(const QString& fileName, int version)
+{
+    SampleDatabase sample(fileName);
+    sample.runScript(testFile(QStringLiteral("databases/common.sql")));
+    sample.runScript(testFile(QStringLiteral("databases/v%1.sql").arg(version)));
+}
+
+void SampleDatabase::runScript(const QString& path)
+{
+    DSqlQuery(m_connection).executeSqlFile(path);
+}
+
+bool SampleDatabase::exec(const QString& statement)
+{
+    return DSqlQuery(m_connection).exec(statement);
+}
+
+int SampleDatabase::version()
+{
+    return rows(QStringLiteral("PRAGMA user_version")).toInt();
+}
+
+bool SampleDatabase::isSound()
+{
+    return rows(QStringLiteral("PRAGMA integrity_check")) == QStringLiteral("ok");
+}
+
+QStringList SampleDatabase::tables()
+{
+    return rows(QStringLiteral("SELECT name FROM sqlite_master WHERE type = 'table' "
+                               "AND name NOT LIKE 'sqlite_%' ORDER BY name"))
+        .split(QStringLiteral("; "));
+}
+
+QStringList SampleDatabase::columns(const QString& table)
+{
+    return rows(QStringLiteral("SELECT name FROM pragma_table_info('%1')").arg(table))
+        .split(QStringLiteral("; "));
+}
+
+QString SampleDatabase::rows(const QString& query)
+{
+    DSqlQuery select(m_connection);
+    select.exec(query);
+    QStringList rows;
+    while (select.next()) {
+        QStringList columns;
+        for (int i = 0; i < select.record().count(); ++i) {
+            columns << select.value(i).toString();
+        }
+        rows << columns.join(QLatin1Char('|'));
+    }
+    return rows.join(QStringLiteral("; "));
+}
+
+QString SampleDatabase::description(const QString& table, const QString& schema)
+{
+    const QString columns =
+        rows(QStringLiteral("SELECT c.name || ' ' || c.type || iif(c.pk, ' PRIMARY KEY', '')"
+                            " || iif(c.pk AND t.sql LIKE '%AUTOINCREMENT%', ' AUTOINCREMENT', '')"
+                            " || iif(c.\"notnull\", ' NOT NULL', '')"
+                            " || coalesce(' DEFAULT ' || c.dflt_value, '')"
+                            " FROM %1.sqlite_master t JOIN pragma_table_info(t.name, '%1') c"
+                            " WHERE t.name = '%2' ORDER BY c.cid")
+                 .arg(schema, table));
+    return columns + QStringLiteral(" | ") + indexDescription(table, schema);
+}
+
+QString SampleDatabase::indexDescription(const QString& table, const QString& schema)
+{
+    return rows(
+        QStringLiteral(
+            "SELECT iif(i.\"unique\", 'unique ', '') || i.name || ' (' || (SELECT group_concat("
+            "name, ', ') FROM (SELECT name FROM pragma_index_info(i.name, '%1') ORDER BY seqno))"
+            " || ')' FROM pragma_index_list('%2', '%1') i ORDER BY i.name")
+            .arg(schema, table));
+}
+
+QMap<QString, QString> expectedSchema(const QString& fileName)
+{
+    QMap<QString, QString> tables;
+    QFile file(testFile(fileName));
+    file.open(QIODevice::ReadOnly);
+    const QString text = QString::fromUtf8(file.readAll());
+    for (const QString& line : text.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
+        if (!line.startsWith(QLatin1Char('#'))) {
+            const QStringList parts = line.split(QLatin1Char('|'));
+            tables.insert(parts.at(0).trimmed(),
+                          parts.at(1).trimmed() + QStringLiteral(" | ") + parts.at(2).trimmed());
+        }
+    }
+    return tables;
+}

@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QMap>
+#include <QSqlDatabase>
+#include <QString>
+#include <QStringList>
+
+/// A connection to a database file beside the client's own, to prepare it and to look at it.
+class SampleDatabase
+{
+public:
+    explicit SampleDatabase(const QString& fileName);
+    ~SampleDatabase();
+
+    SampleDatabase(const SampleDatabase&) = delete;
+    SampleDatabase& operator=(const SampleDatabase&) = delete;
+
+    /// Writes a database as a client of schema version `version` left it, with rows in every table.
+    static void create(const QString& fileName, int version);
+
+    void runScript(const QString& path);
+    bool exec(const QString& statement);
+    int version();
+    bool isSound();
+    QStringList tables();
+    QStringList columns(const QString& table);
+
+    /// All rows, joined by "; ", their columns by "|".
+    QString rows(const QString& query);
+
+    /// A table's columns and its index, as in schema.txt.
+    QString description(const QString& table, const QString& schema = QStringLiteral("main"));
+
+private:
+    QString indexDescription(const QString& table, const QString& schema);
+
+    QSqlDatabase m_connection;
+};
+
+/// The lines of a file such as schema.txt: what each table should look like, by its name.
+QMap<QString, QString> expectedSchema(const QString& fileName);
