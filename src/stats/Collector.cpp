@@ -20,24 +20,32 @@ constexpr int SaveMs = 600'000;
 constexpr qint64 CopyMs = 60'000;
 constexpr qint64 FailureReportMs = 60'000;
 
+QSqlDatabase openConnection()
+{
+    return QSqlDatabase::database(Database::ConnectionName, false);
+}
+
 } // namespace
 
 Collector::Collector(QObject* parent)
     : QThread(parent)
-    , m_database(QSqlDatabase::database(Database::ConnectionName, false))
+    , m_database(openConnection())
 {
     m_updateTimer.setInterval(TickMs);
     connect(&m_updateTimer, &QTimer::timeout, this, qOverload<>(&Collector::update));
     m_saveTimer.setInterval(SaveMs);
     connect(&m_saveTimer, &QTimer::timeout, this, &Collector::saveLocal);
     m_saveTimer.start();
+
+    if (const Database* database = Database::instance()) {
+        connect(database, &Database::aboutToClose, this, [this] { m_database = QSqlDatabase(); });
+    }
 }
 
 Collector::~Collector()
 {
     quit();
     wait();
-    TimeGuard::release();
 }
 
 void Collector::addStat(Stat* stat)
@@ -122,9 +130,6 @@ void Collector::stopCollectorInternal()
     m_updateTimer.stop();
     m_saveTimer.stop();
     m_running = false;
-    // Nothing may hold on to the connection when the database closes.
-    TimeGuard::release();
-    m_database = QSqlDatabase();
 }
 
 void Collector::saveLocal()
@@ -213,10 +218,16 @@ bool Collector::copyTotals(const QDateTime& now)
     return true;
 }
 
-bool Collector::isWritable() const
+bool Collector::isWritable()
 {
     const Database* database = Database::instance();
-    return database != nullptr && database->state() == Database::State::Open && m_database.isOpen();
+    if (database == nullptr || database->state() != Database::State::Open) {
+        return false;
+    }
+    if (!m_database.isOpen()) {
+        m_database = openConnection(); // It may have been closed and opened again.
+    }
+    return m_database.isOpen();
 }
 
 bool Collector::begin()
@@ -249,8 +260,8 @@ void Collector::reportFailure(const char* operation)
     if (m_lastFailureReport.isValid() && !m_lastFailureReport.hasExpired(FailureReportMs)) {
         return;
     }
-    Log::error("Unable to {} a transaction of the collector: {} ({} ticks without effect)",
-               operation, m_database.lastError().text(), m_unreportedFailures);
+    Log::error("Unable to {} the collector's transaction: {} (failures since the last report: {})",
+               operation, m_database.lastError().databaseText(), m_unreportedFailures);
     m_unreportedFailures = 0;
     m_lastFailureReport.start();
 }

@@ -88,7 +88,7 @@ private:
     QList<Stat*> preparedStats();
     void restartIntervals();
     bool copyTotals(const QDateTime& now);
-    bool isWritable() const;
+    bool isWritable();
     bool begin();
     bool commit();
     void reportFailure(const char* operation);

@@ -2,7 +2,6 @@
 #include "stats/KeypressesStat.h"
 
 #include "account/LocalStats.h"
-#include "storage/Database.h"
 #include "system/AbstractSystem.h"
 
 #include <QHash>
@@ -30,21 +29,18 @@ std::uint32_t randomSeed()
 
 KeypressesStat::KeypressesStat(AbstractSystem* system, QObject* parent)
     : Stat(system, parent)
-    , m_total(Database::instance(),
-              QStringLiteral(R"(UPDATE OR IGNORE keypresses SET "count"="count"+? )"
+    , m_total(QStringLiteral(R"(UPDATE OR IGNORE keypresses SET "count"="count"+? )"
                              R"(WHERE "day"=date('now', 'localtime') AND "hour"=? )"
                              R"(AND "profile_id"=?)"),
               QStringLiteral(R"(INSERT OR IGNORE INTO keypresses ("day", "hour", "count", )"
                              R"("profile_id") VALUES(date('now', 'localtime'), ?, 0, ?);)"))
-    , m_perKey(Database::instance(),
-               QStringLiteral(R"(UPDATE OR IGNORE keypress_frequency SET "count"="count"+? )"
+    , m_perKey(QStringLiteral(R"(UPDATE OR IGNORE keypress_frequency SET "count"="count"+? )"
                               R"(WHERE "day"=date('now', 'localtime') AND "hour"=? AND "key"=? )"
                               R"(AND "profile_id"=?)"),
                QStringLiteral(R"(INSERT OR IGNORE INTO keypress_frequency ("day", "hour", "key", )"
                               R"("count","profile_id") )"
                               R"(VALUES(date('now', 'localtime'), ?, ?, ?, ?);)"))
     , m_perApplication(
-          Database::instance(),
           QStringLiteral(R"(UPDATE OR IGNORE input_per_application SET "keys"="keys"+? )"
                          R"(WHERE "day"=date('now', 'localtime') AND "hour"=? AND "path"=? )"
                          R"(AND "profile_id"=?)"),
@@ -52,7 +48,6 @@ KeypressesStat::KeypressesStat(AbstractSystem* system, QObject* parent)
                          R"("keys", "clicks","profile_id") )"
                          R"(VALUES(date('now', 'localtime'), ?, ?, ?, 0, ?);)"))
     , m_perKeyAndApplication(
-          Database::instance(),
           QStringLiteral(R"(UPDATE OR IGNORE keypress_frequency_application SET "count"="count"+? )"
                          R"(WHERE "day"=date('now', 'localtime') AND "hour"=? AND "key"=? )"
                          R"(AND "path"=? AND "profile_id"=?)"),
@@ -60,7 +55,6 @@ KeypressesStat::KeypressesStat(AbstractSystem* system, QObject* parent)
                          R"("key", "count", "path","profile_id") )"
                          R"(VALUES(date('now', 'localtime'), ?, ?, ?, ?, ?);)"))
     , m_combination(
-          Database::instance(),
           QStringLiteral(R"(UPDATE OR IGNORE keycombo_frequency SET "count"="count"+1 )"
                          R"(WHERE "day"=date('now', 'localtime') AND "hour"=? AND "combo"=? )"
                          R"(AND "profile_id"=?)"),
@@ -68,7 +62,6 @@ KeypressesStat::KeypressesStat(AbstractSystem* system, QObject* parent)
                          R"("count", "profile_id") )"
                          R"(VALUES (date('now', 'localtime'), ?, ?, 0, ?);)"))
     , m_combinationPerApplication(
-          Database::instance(),
           QStringLiteral(R"(UPDATE OR IGNORE keycombo_frequency_application SET "count"="count"+1 )"
                          R"(WHERE "day"=date('now', 'localtime') AND "hour"=? AND "combo"=? )"
                          R"(AND "path"=? AND "profile_id"=?)"),

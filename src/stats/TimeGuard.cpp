@@ -38,14 +38,13 @@ QDateTime fromStoredText(const QString& text)
 TimeGuard& TimeGuard::instance()
 {
     if (!s_instance) {
-        s_instance.reset(new TimeGuard(Database::instance()));
+        Database* database = Database::instance();
+        s_instance.reset(new TimeGuard(database));
+        QObject::connect(
+            database, &Database::aboutToClose, database, [] { s_instance.reset(); },
+            Qt::SingleShotConnection);
     }
     return *s_instance;
-}
-
-void TimeGuard::release()
-{
-    s_instance.reset();
 }
 
 TimeGuard::TimeGuard(Database* database)
