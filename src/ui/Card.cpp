@@ -50,7 +50,10 @@ Card::Card(const QString& name, const QString& title, QWidget* picture, CountsMo
     layout->addLayout(head);
     layout->addWidget(m_explanation);
     layout->addSpacing(Theme::Rhythm);
-    layout->addLayout(m_pages, 1);
+    auto* body = new QHBoxLayout;
+    body->setContentsMargins(0, 0, Theme::Rhythm, 0);
+    body->addLayout(m_pages);
+    layout->addLayout(body, 1);
     buildMenu();
     applyTheme();
 }

@@ -22,6 +22,7 @@ public:
 
     enum Column
     {
+        NoColumn = -1, ///< To sort by: the order of the rows as they are.
         LabelColumn,
         CountColumn,
         ShareColumn, ///< Of the sum of all rows; only where parts of a whole are counted.

@@ -36,6 +36,7 @@ CountsTable::CountsTable(QAbstractItemModel* model, int sortColumn, Qt::SortOrde
     connect(m_filter, &QLineEdit::textChanged, m_proxy,
             &QSortFilterProxyModel::setFilterFixedString);
 
+    m_filter->setPalette(Theme::fieldPalette(palette()));
     buildView(sortColumn, order);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -57,6 +58,7 @@ void CountsTable::buildView(int sortColumn, Qt::SortOrder order)
     m_view->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_view->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
     m_view->verticalHeader()->hide();
+    m_view->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + Theme::Rhythm);
     m_view->horizontalHeader()->setHighlightSections(false);
     m_view->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
     m_view->horizontalHeader()->setSectionResizeMode(CountsModel::LabelColumn,
@@ -70,6 +72,14 @@ void CountsTable::focusFilter()
 {
     m_filter->setFocus(Qt::ShortcutFocusReason);
     m_filter->selectAll();
+}
+
+void CountsTable::changeEvent(QEvent* event)
+{
+    if (event->type() == QEvent::PaletteChange) {
+        m_filter->setPalette(Theme::fieldPalette(palette()));
+    }
+    QWidget::changeEvent(event);
 }
 
 bool CountsTable::eventFilter(QObject* watched, QEvent* event)

@@ -15,13 +15,15 @@ class CountsTable : public QWidget
     Q_OBJECT
 
 public:
-    /// Sorts by `sortColumn` at first. `model` is not owned and must live longer.
+    /// Sorts by `sortColumn` at first; -1 keeps the model's order. `model` is not owned and must
+    /// live longer.
     CountsTable(QAbstractItemModel* model, int sortColumn, Qt::SortOrder order,
                 QWidget* parent = nullptr);
 
     void focusFilter();
 
 protected:
+    void changeEvent(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:

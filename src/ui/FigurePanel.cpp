@@ -8,10 +8,12 @@
 #include <QEvent>
 #include <QLabel>
 
-FigurePanel::FigurePanel(CountsModel* model, QString unit, int facts, QWidget* parent)
+FigurePanel::FigurePanel(CountsModel* model, QString unit, int facts, int factsWhenLow,
+                         QWidget* parent)
     : QWidget(parent)
     , m_model(model)
     , m_unit(std::move(unit))
+    , m_factsWhenLow(factsWhenLow)
     , m_figure(new QLabel(this))
     , m_unitLabel(new QLabel(m_unit, this))
     , m_layout(new QBoxLayout(QBoxLayout::TopToBottom, this))
@@ -19,34 +21,58 @@ FigurePanel::FigurePanel(CountsModel* model, QString unit, int facts, QWidget* p
 {
     m_figure->setObjectName(QStringLiteral("figure"));
     m_figure->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    auto* figure = new QHBoxLayout;
-    figure->setSpacing(Theme::Rhythm);
-    figure->addWidget(m_figure, 0, Qt::AlignBaseline);
-    figure->addWidget(m_unitLabel, 0, Qt::AlignBaseline);
-    figure->addStretch();
-    m_layout->setContentsMargins(0, 0, Theme::Rhythm, 0);
-    m_layout->setSpacing(Theme::Gap);
-    m_layout->addLayout(figure);
+    m_layout->setContentsMargins(0, 0, 0, 0);
+    m_layout->addWidget(buildFigure());
     m_layout->addLayout(m_factsLayout);
     m_layout->addStretch();
-    m_factsLayout->setSpacing(Theme::Rhythm);
     for (int fact = 0; fact < facts; ++fact) {
-        auto* pair = new QHBoxLayout;
-        pair->setSpacing(Theme::Rhythm);
-        m_facts.append(Fact{.caption = new QLabel(this), .value = new QLabel(this)});
-        pair->addWidget(m_facts.constLast().caption, 1);
-        pair->addWidget(m_facts.constLast().value, 0, Qt::AlignRight);
-        m_factsLayout->addLayout(pair);
+        addFact();
     }
+    setForm(Form::Tall);
     connect(model, &QAbstractItemModel::dataChanged, this, &FigurePanel::follow);
     connect(model, &QAbstractItemModel::rowsInserted, this, &FigurePanel::follow);
     connect(model, &QAbstractItemModel::rowsRemoved, this, &FigurePanel::follow);
     applyTheme();
 }
 
-void FigurePanel::setDirection(QBoxLayout::Direction direction)
+QWidget* FigurePanel::buildFigure()
 {
-    m_layout->setDirection(direction);
+    auto* figure = new QWidget(this);
+    auto* layout = new QHBoxLayout(figure);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(Theme::Rhythm);
+    layout->addWidget(m_figure, 0, Qt::AlignBaseline);
+    layout->addWidget(m_unitLabel, 0, Qt::AlignBaseline);
+    layout->addStretch();
+    return figure;
+}
+
+void FigurePanel::addFact()
+{
+    const Fact fact{.caption = new QLabel(this),
+                    .value = new QLabel(this),
+                    .layout = new QBoxLayout(QBoxLayout::LeftToRight)};
+    fact.layout->addWidget(fact.caption, 1);
+    fact.layout->addWidget(fact.value);
+    m_factsLayout->addLayout(fact.layout);
+    m_facts.append(fact);
+}
+
+void FigurePanel::setForm(Form form)
+{
+    const bool tall = form == Form::Tall;
+    m_layout->setDirection(tall ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
+    m_layout->setSpacing(tall ? Theme::Gap : 4 * Theme::Rhythm);
+    m_factsLayout->setDirection(tall ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
+    m_factsLayout->setSpacing(tall ? Theme::Rhythm : 4 * Theme::Rhythm);
+    for (int index = 0; index < m_facts.size(); ++index) {
+        const Fact& fact = m_facts.at(index);
+        fact.caption->setVisible(tall || index < m_factsWhenLow);
+        fact.value->setVisible(tall || index < m_factsWhenLow);
+        // The value stands above its caption where there is little height.
+        fact.layout->setDirection(tall ? QBoxLayout::LeftToRight : QBoxLayout::BottomToTop);
+        fact.layout->setSpacing(tall ? Theme::Rhythm : 0);
+    }
 }
 
 void FigurePanel::setNote(const QString& note)

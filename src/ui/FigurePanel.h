@@ -14,11 +14,18 @@ class FigurePanel : public QWidget
     Q_OBJECT
 
 public:
-    /// Shows up to `facts` rows after the first. `model` must live longer.
-    FigurePanel(CountsModel* model, QString unit, int facts, QWidget* parent = nullptr);
+    /// Shows up to `facts` rows after the first, or `factsWhenLow` of them. `model` must live
+    /// longer.
+    FigurePanel(CountsModel* model, QString unit, int facts, int factsWhenLow,
+                QWidget* parent = nullptr);
 
-    /// Where the facts stand: below the figure, or beside it where the card is wide and low.
-    void setDirection(QBoxLayout::Direction direction);
+    enum class Form
+    {
+        Tall, ///< The facts below the figure, one a line.
+        Low,  ///< The facts beside the figure, one a column.
+    };
+
+    void setForm(Form form);
 
     /// What hovering over the figure tells after the full number.
     void setNote(const QString& note);
@@ -31,14 +38,18 @@ private:
     {
         QLabel* caption;
         QLabel* value;
+        QBoxLayout* layout;
     };
 
+    QWidget* buildFigure();
+    void addFact();
     void follow();
     void applyTheme();
 
     CountsModel* m_model;
     QString m_unit;
     QString m_note;
+    int m_factsWhenLow;
     QLabel* m_figure;
     QLabel* m_unitLabel;
     QList<Fact> m_facts;

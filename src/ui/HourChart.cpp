@@ -18,6 +18,7 @@
 
 namespace {
 
+constexpr QSize LeastSize(320, 168);
 constexpr int LabelEveryHours = 3;
 constexpr int Intervals = 4; ///< Of the grid, from zero to the top.
 
@@ -48,6 +49,7 @@ HourChart::HourChart(QWidget* parent)
     setRenderHint(QPainter::Antialiasing);
     setFrameShape(QFrame::NoFrame);
     setBackgroundBrush(Qt::NoBrush);
+    setMinimumSize(LeastSize);
     setMouseTracking(true);
     setFocusPolicy(Qt::NoFocus);
     viewport()->setAutoFillBackground(false);
@@ -130,16 +132,6 @@ void HourChart::setTop(qint64 largest)
     if (!qFuzzyCompare(top, m_keyAxis->max())) {
         m_keyAxis->setRange(0, top);
     }
-}
-
-QSize HourChart::sizeHint() const
-{
-    return {480, 220};
-}
-
-QSize HourChart::minimumSizeHint() const
-{
-    return {320, 184};
 }
 
 void HourChart::changeEvent(QEvent* event)

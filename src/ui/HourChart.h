@@ -25,9 +25,6 @@ public:
     /// show half of its count, since the two are stored as one.
     void setDay(const QDate& day, const QHash<int, qint64>& keys);
 
-    QSize sizeHint() const override;
-    QSize minimumSizeHint() const override;
-
 protected:
     void changeEvent(QEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;

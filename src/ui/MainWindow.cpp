@@ -73,6 +73,7 @@ QWidget* MainWindow::buildBar()
     m_title->setObjectName(QStringLiteral("viewTitle"));
     m_subtitle->setObjectName(QStringLiteral("viewSubtitle"));
     m_countingButton->setObjectName(QStringLiteral("counting"));
+    m_countingButton->setMinimumHeight(4 * Theme::Rhythm);
     connect(m_countingButton, &QPushButton::clicked, this, &MainWindow::toggleCounting);
     auto* layout = new QHBoxLayout(bar);
     layout->setContentsMargins(Theme::Gap, 0, Theme::Gap, 0);

@@ -13,6 +13,7 @@
 #include <QLineEdit>
 #include <QPainter>
 #include <QPushButton>
+#include <QTimer>
 
 namespace {
 
@@ -25,15 +26,16 @@ Notice::Notice(QWidget* parent)
     , m_icon(new QLabel(this))
     , m_title(new QLabel(this))
     , m_text(new QLabel(this))
-    , m_commandRow(buildCommand())
     , m_button(new QPushButton(this))
 {
     setObjectName(QStringLiteral("notice"));
+    m_commandRow = buildCommand();
     m_title->setObjectName(QStringLiteral("noticeTitle"));
     m_text->setObjectName(QStringLiteral("noticeText"));
     m_text->setWordWrap(true);
     m_text->setTextInteractionFlags(Qt::TextSelectableByMouse);
     m_button->setObjectName(QStringLiteral("noticeButton"));
+    m_button->setMinimumHeight(4 * Theme::Rhythm);
     connect(m_button, &QPushButton::clicked, this, &Notice::buttonPressed);
 
     auto* layout = new QGridLayout(this);
@@ -60,6 +62,9 @@ QWidget* Notice::buildCommand()
     m_command->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     m_copy = new QPushButton(Icons::symbol(QStringLiteral("copy")), tr("Copy command"), row);
     m_copy->setObjectName(QStringLiteral("copyCommand"));
+    m_copy->setMinimumHeight(4 * Theme::Rhythm);
+    m_copy->setMinimumWidth(m_copy->sizeHint().width());
+    m_command->setMinimumHeight(4 * Theme::Rhythm);
     connect(m_copy, &QPushButton::clicked, this, &Notice::copyCommand);
     auto* layout = new QHBoxLayout(row);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -86,7 +91,10 @@ void Notice::setContent(const Content& content)
 
 void Notice::copyCommand()
 {
+    constexpr int confirmationMs = 2000;
     QApplication::clipboard()->setText(m_command->text());
+    m_copy->setText(tr("Copied"));
+    QTimer::singleShot(confirmationMs, m_copy, [this] { m_copy->setText(tr("Copy command")); });
 }
 
 void Notice::changeEvent(QEvent* event)
@@ -100,6 +108,7 @@ void Notice::changeEvent(QEvent* event)
 void Notice::applyTheme()
 {
     m_title->setFont(Theme::font(Theme::TextSize::Title));
+    m_command->setPalette(Theme::fieldPalette(palette()));
     if (!m_iconName.isEmpty()) {
         m_icon->setPixmap(
             Icons::symbol(m_iconName).pixmap(QSize(IconSize, IconSize), devicePixelRatioF()));

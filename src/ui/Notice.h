@@ -42,7 +42,7 @@ private:
     QLabel* m_icon;
     QLabel* m_title;
     QLabel* m_text;
-    QWidget* m_commandRow;
+    QWidget* m_commandRow = nullptr;
     QLineEdit* m_command = nullptr;
     QPushButton* m_copy = nullptr;
     QPushButton* m_button;

@@ -13,8 +13,8 @@
 
 namespace {
 
-constexpr int PreferredRows = 8;
 constexpr int LeastRows = 5;
+constexpr int RowsReadOut = 8;
 constexpr int BarHeight = 8;
 
 } // namespace
@@ -25,6 +25,7 @@ RankingView::RankingView(CountsModel* model, QString emptyText, QWidget* parent)
     , m_emptyText(std::move(emptyText))
 {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+    setMinimumHeight(rowHeight() * LeastRows);
     const auto follow = [this] {
         updateAccessibleText();
         update();
@@ -37,12 +38,8 @@ RankingView::RankingView(CountsModel* model, QString emptyText, QWidget* parent)
 
 QSize RankingView::sizeHint() const
 {
-    return {fontMetrics().averageCharWidth() * 40, rowHeight() * PreferredRows};
-}
-
-QSize RankingView::minimumSizeHint() const
-{
-    return {fontMetrics().averageCharWidth() * 24, rowHeight() * LeastRows};
+    constexpr int characters = 40;
+    return {fontMetrics().averageCharWidth() * characters, rowHeight() * LeastRows};
 }
 
 int RankingView::rowHeight() const
@@ -67,7 +64,7 @@ QString RankingView::describe(int row) const
 void RankingView::updateAccessibleText()
 {
     QStringList lines;
-    for (int row = 0; row < std::min(m_model->rowCount(), PreferredRows); ++row) {
+    for (int row = 0; row < std::min(m_model->rowCount(), RowsReadOut); ++row) {
         lines.append(describe(row));
     }
     setAccessibleDescription(lines.isEmpty() ? m_emptyText : lines.join(QLatin1Char('\n')));
@@ -105,7 +102,7 @@ void RankingView::paintEvent(QPaintEvent*)
 
 void RankingView::paintRow(QPainter& painter, int row, const QRect& area) const
 {
-    constexpr int labelPercent = 36;
+    constexpr int labelPercent = 32;
     const Theme::Colours colours = Theme::colours(palette());
     const CountsModel::Row& shown = m_model->rows().at(row);
     const qint64 largest = std::max<qint64>(1, m_model->rows().constFirst().count);

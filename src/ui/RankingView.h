@@ -17,7 +17,6 @@ public:
     RankingView(CountsModel* model, QString emptyText, QWidget* parent = nullptr);
 
     QSize sizeHint() const override;
-    QSize minimumSizeHint() const override;
 
 protected:
     bool event(QEvent* event) override;

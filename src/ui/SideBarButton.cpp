@@ -3,6 +3,7 @@
 
 #include "ui/Theme.h"
 
+#include <QFocusEvent>
 #include <QPainter>
 
 namespace {
@@ -26,6 +27,13 @@ QSize SideBarButton::sizeHint() const
     return {Height, Height};
 }
 
+void SideBarButton::focusInEvent(QFocusEvent* event)
+{
+    m_focusByKey =
+        event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
+    QAbstractButton::focusInEvent(event);
+}
+
 void SideBarButton::paintEvent(QPaintEvent*)
 {
     const Theme::Colours colours = Theme::colours(palette());
@@ -44,7 +52,7 @@ void SideBarButton::paintEvent(QPaintEvent*)
         painter.setBrush(colours.accent);
         painter.drawRoundedRect(QRectF(0, height() / 4.0, markWidth, height() / 2.0), 1, 1);
     }
-    if (hasFocus()) {
+    if (hasFocus() && m_focusByKey) {
         painter.setPen(QPen(colours.accent, 1));
         painter.setBrush(Qt::NoBrush);
         painter.drawRoundedRect(ground, Theme::Corner, Theme::Corner);

@@ -14,5 +14,9 @@ public:
     QSize sizeHint() const override;
 
 protected:
+    void focusInEvent(QFocusEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
+
+private:
+    bool m_focusByKey = false; ///< Focus that the mouse or the window gave needs no frame.
 };

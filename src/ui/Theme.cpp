@@ -150,6 +150,13 @@ Theme::Colours Theme::colours(const QPalette& palette)
             .track = blend(card, text, 0.07)};
 }
 
+QPalette Theme::fieldPalette(const QPalette& palette)
+{
+    QPalette field = palette;
+    field.setColor(QPalette::Base, palette.color(QPalette::Window));
+    return field;
+}
+
 double Theme::contrast(const QColor& one, const QColor& other)
 {
     const double a = luminance(one);

@@ -41,6 +41,9 @@ Colours colours(const QPalette& palette);
 /// The contrast of two colours, 1 to 21 (WCAG 2.1, relative luminance).
 double contrast(const QColor& one, const QColor& other);
 
+/// The palette of a field to type in, set off from the card it lies on.
+QPalette fieldPalette(const QPalette& palette);
+
 enum class TextSize
 {
     Caption, ///< 0.85 f

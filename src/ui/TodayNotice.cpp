@@ -55,7 +55,7 @@ Notice::Content off()
             .title = Text::tr("Keyboard counting is off"),
             .text = Text::tr("New keys are not counted. What was counted before is kept."),
             .command = {},
-            .button = Text::tr("Count keys")};
+            .button = Text::tr("Switch counting on")};
 }
 
 Notice::Content paused()

@@ -24,7 +24,10 @@ namespace {
 
 constexpr int RefreshMs = 1000;
 constexpr int RetryMs = 30'000; ///< After a failure, each of which stands in the log.
-constexpr int FactsShown = 4;
+constexpr int LoneNoticeWidth = 576;
+constexpr int FactsShown = 6;
+constexpr int FactsShownLow = 3;
+constexpr int CardHeightInOneColumn = 288;
 constexpr int TwoColumnsFrom = 760; ///< Pixels that the view is wide in a window of 1000.
 
 enum CardIndex
@@ -52,11 +55,11 @@ TodayView::TodayView(QueryWorker& worker, ApplicationName applicationName, QWidg
 
     auto* page = new QWidget;
     auto* pageLayout = new QVBoxLayout(page);
+    m_pageLayout = pageLayout;
     pageLayout->setContentsMargins(Theme::Gap, 0, Theme::Gap, Theme::Gap);
     pageLayout->setSpacing(Theme::Gap);
     pageLayout->addWidget(m_notice);
     pageLayout->addWidget(m_cards, 1);
-    pageLayout->addStretch();
     auto* scroll = new QScrollArea(this);
     scroll->setObjectName(QStringLiteral("scroll"));
     scroll->setFrameShape(QFrame::NoFrame);
@@ -89,7 +92,7 @@ void TodayView::buildModels()
 
 void TodayView::buildCards()
 {
-    m_figurePanel = new FigurePanel(m_facts, tr("keys"), FactsShown);
+    m_figurePanel = new FigurePanel(m_facts, tr("keys"), FactsShown, FactsShownLow);
     m_figurePanel->setNote(tr(
         "Over all profiles, since midnight. Keys are counted three times over: per hour, per key "
         "and per application. Each of these leaves some out, so the largest of the three stands "
@@ -115,6 +118,7 @@ void TodayView::buildCards()
                                                "input is counted per application.")),
             m_applications);
     applications->setExplanation(tr("Keys pressed today, by the application in front"));
+    m_cardList.at(FigureCard)->setTableOrder(CountsModel::NoColumn, Qt::AscendingOrder);
     m_cardList.at(FigureCard)->setExplanation(tr("All profiles, since midnight"));
     hours->setExplanation(tr("Keys pressed today, by local hour"));
 
@@ -138,6 +142,8 @@ void TodayView::arrange()
     for (int card = 0; card < m_cardList.size(); ++card) {
         const Place& place = places.at(static_cast<size_t>(card));
         m_grid->addWidget(m_cardList.at(card), place.row, place.column, 1, place.span);
+        m_cardList.at(card)->setMinimumHeight(isWide || card == FigureCard ? 0
+                                                                           : CardHeightInOneColumn);
     }
     constexpr int columns = 6;
     for (int column = 0; column < columns; ++column) {
@@ -145,9 +151,10 @@ void TodayView::arrange()
         m_grid->setColumnMinimumWidth(column, 0);
     }
     for (int row = 0; row < m_cardList.size(); ++row) {
-        m_grid->setRowStretch(row, isWide || row > 0 ? 1 : 0);
+        const bool fills = isWide ? row < 2 : row > 0;
+        m_grid->setRowStretch(row, fills ? 1 : 0);
     }
-    m_figurePanel->setDirection(isWide ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
+    m_figurePanel->setForm(isWide ? FigurePanel::Form::Tall : FigurePanel::Form::Low);
 }
 
 void TodayView::setInputState(InputState state)
@@ -237,6 +244,9 @@ void TodayView::take(const std::optional<Answer>& answer)
             Q_EMIT dayChanged(m_figures.day);
         }
     }
+    if (!changed && m_answered && QTime::currentTime().hour() != m_shownHour) {
+        showHours();
+    }
     if (changed || !m_answered || m_readable != wasReadable) {
         m_answered = true;
         showNotice();
@@ -275,14 +285,19 @@ void TodayView::showHours()
     }
     m_hours->setRows(hours);
     m_hourChart->setDay(m_figures.day, perHour);
+    m_shownHour = QTime::currentTime().hour();
+    const qint64 activeHours = std::max<qint64>(1, m_figures.hours.size());
+    const auto fact = [](const QString& label, qint64 count) {
+        return CountsModel::Row{.label = label, .toolTip = {}, .count = count};
+    };
     m_facts->setRows(
-        {{.label = tr("Keys"), .toolTip = {}, .count = m_figures.keys},
-         {.label = tr("Busiest hour, from %1").arg(Format::hour(busiestHour)),
-          .toolTip = {},
-          .count = busiest},
-         {.label = tr("Hours with keys"), .toolTip = {}, .count = m_figures.hours.size()},
-         {.label = tr("Different keys"), .toolTip = {}, .count = m_figures.keyCounts.size()},
-         {.label = tr("Applications"), .toolTip = {}, .count = m_figures.applications.size()}});
+        {fact(tr("Keys"), m_figures.keys),
+         fact(tr("This hour, from %1").arg(Format::hour(m_shownHour)), perHour.value(m_shownHour)),
+         fact(tr("Busiest hour, from %1").arg(Format::hour(busiestHour)), busiest),
+         fact(tr("Different keys"), m_figures.keyCounts.size()),
+         fact(tr("Applications"), m_figures.applications.size()),
+         fact(tr("Hours with keys"), m_figures.hours.size()),
+         fact(tr("Average of these hours"), m_figures.keys / activeHours)});
 }
 
 QString TodayView::nameOf(const QString& path)
@@ -311,4 +326,8 @@ void TodayView::showNotice()
     }
     m_notice->setVisible(content.has_value());
     m_cards->setVisible(hasFigures);
+    // Beside figures the notice is a banner; alone, it stands in the middle of the page.
+    m_notice->setMinimumWidth(hasFigures ? 0 : LoneNoticeWidth);
+    m_notice->setMaximumWidth(hasFigures ? QWIDGETSIZE_MAX : LoneNoticeWidth);
+    m_pageLayout->setAlignment(m_notice, hasFigures ? Qt::Alignment() : Qt::AlignCenter);
 }

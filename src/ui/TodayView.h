@@ -17,6 +17,7 @@ class FigurePanel;
 class HourChart;
 class Notice;
 class QGridLayout;
+class QVBoxLayout;
 class QueryWorker;
 
 /// Finds the name to show for an application's executable path. Called on the main thread.
@@ -76,6 +77,7 @@ private:
     InputState m_state = InputState::Reading;
     TodayFigures m_figures;
     qint64 m_dataVersion = -1; ///< Of what is shown; negative where nothing is.
+    int m_shownHour = 0;       ///< The hour that counts as the present one.
     bool m_asking = false;
     bool m_answered = false;
     bool m_readable = true;
@@ -86,6 +88,7 @@ private:
     CountsModel* m_applications;
     Notice* m_notice;
     QWidget* m_cards;
+    QVBoxLayout* m_pageLayout;
     QGridLayout* m_grid;
     FigurePanel* m_figurePanel;
     HourChart* m_hourChart;

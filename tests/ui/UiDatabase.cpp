@@ -1,0 +1,139 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "UiDatabase.h"
+
+#include "base/Format.h"
+#include "storage/DSqlQuery.h"
+#include "storage/Settings.h"
+
+#include <QRandomGenerator>
+#include <QTest>
+
+#include <array>
+
+namespace {
+
+struct Share
+{
+    const char* path;
+    int percent;
+};
+
+constexpr std::array<Share, 9> Applications{{{"/usr/bin/kate", 31},
+                                             {"/usr/lib/firefox/firefox", 24},
+                                             {"/usr/bin/konsole", 17},
+                                             {"/usr/bin/thunderbird", 11},
+                                             {"/opt/element/element-desktop", 7},
+                                             {"/usr/lib/libreoffice/program/soffice.bin", 5},
+                                             {"/usr/bin/keepassxc", 2},
+                                             {"/usr/bin/gimp-2.10", 2},
+                                             {"/usr/bin/dolphin", 1}}};
+
+constexpr std::array<int, 24> KeysPerHour{0,    0,    0,    0,    0,    0,    0,    0,
+                                          640,  2210, 3120, 2870, 480,  2040, 3390, 2980,
+                                          2260, 710,  0,    0,    1240, 870,  310,  0};
+
+/// Letters in about the frequencies of English text, and the keys around them.
+const char* const Letters = "eeeeeeeeeeeetttttttttaaaaaaaaooooooooiiiiiiinnnnnnnsssssshhhhhhrrrrrr"
+                            "ddddllllccuuummwwffggyyppbbvk";
+
+} // namespace
+
+UiDatabase::UiDatabase()
+    : m_database(std::make_unique<Database>(m_directory.path(), *this))
+{
+    Settings::instance().init(m_database.get());
+    Settings::instance().initializeDefaultSettings();
+}
+
+UiDatabase::~UiDatabase()
+{
+    Settings::instance().close();
+}
+
+void UiDatabase::showFailure(const QString& title, const QString& text)
+{
+    QFAIL(qPrintable(title + QStringLiteral(": ") + text));
+}
+
+bool UiDatabase::confirmFreshDatabase(const QString& text)
+{
+    qFatal("%s", qPrintable(text));
+}
+
+QString UiDatabase::file() const
+{
+    return m_database->getDatabaseFileName();
+}
+
+QSqlDatabase UiDatabase::connection() const
+{
+    return m_database->connection();
+}
+
+void UiDatabase::insert(const QString& statement, const QVariantList& values)
+{
+    DSqlQuery query(connection());
+    QVERIFY(query.prepare(statement));
+    for (const QVariant& value : values) {
+        query.addBindValue(value);
+    }
+    QVERIFY(query.exec());
+}
+
+void UiDatabase::addHour(const QDate& day, int hour, qint64 keys, int profile)
+{
+    insert(QStringLiteral("REPLACE INTO keypresses (\"day\", \"hour\", \"count\", \"profile_id\") "
+                          "VALUES (?, ?, ?, ?)"),
+           {Format::isoDay(day), hour, keys, profile});
+}
+
+void UiDatabase::addKey(const QDate& day, int hour, int key, qint64 keys, int profile)
+{
+    insert(QStringLiteral("REPLACE INTO keypress_frequency (\"day\", \"hour\", \"key\", \"count\", "
+                          "\"profile_id\") VALUES (?, ?, ?, ?, ?)"),
+           {Format::isoDay(day), hour, key, keys, profile});
+}
+
+void UiDatabase::addApplication(const QDate& day, int hour, const QString& path, qint64 keys,
+                                int profile)
+{
+    insert(QStringLiteral("REPLACE INTO input_per_application (\"day\", \"hour\", \"path\", "
+                          "\"keys\", \"profile_id\") VALUES (?, ?, ?, ?, ?)"),
+           {Format::isoDay(day), hour, path, keys, profile});
+}
+
+void UiDatabase::addBusyDay(const QDate& day)
+{
+    constexpr int evening = 18;
+    constexpr int firstBatch = 7;
+    const QByteArray letters(Letters);
+    QRandomGenerator random(1);
+    connection().transaction();
+    for (int hour = 0; hour < static_cast<int>(KeysPerHour.size()); ++hour) {
+        const int keys = KeysPerHour.at(static_cast<size_t>(hour));
+        const int profile = hour < evening ? 1 : 0;
+        if (keys == 0) {
+            continue;
+        }
+        QHash<int, int> perKey;
+        for (int i = 0; i < keys; ++i) {
+            static constexpr std::array<int, 8> others{
+                Qt::Key_Space,  Qt::Key_Space,   Qt::Key_Backspace, Qt::Key_Shift,
+                Qt::Key_Return, Qt::Key_Control, Qt::Key_Down,      Qt::Key_Tab};
+            const bool isLetter = random.bounded(10) < 7;
+            const int key =
+                isLetter ? letters.at(random.bounded(static_cast<int>(letters.size()))) - 'a' + 'A'
+                         : others.at(static_cast<size_t>(random.bounded(8)));
+            ++perKey[key];
+        }
+        for (auto it = perKey.cbegin(); it != perKey.cend(); ++it) {
+            addKey(day, hour, it.key(), it.value(), profile);
+        }
+        for (const Share& share : Applications) {
+            addApplication(day, hour, QString::fromLatin1(share.path), keys * share.percent / 100,
+                           profile);
+        }
+        addHour(day, hour, keys - firstBatch, profile);
+    }
+    connection().commit();
+}
