@@ -6,6 +6,7 @@ The client's binary is named by TALLYVANE_BINARY. A test that cannot run here sk
 """
 import contextlib
 import ctypes.util
+import datetime
 import os
 import shutil
 import signal
@@ -62,7 +63,7 @@ class Desktop:
     def _start_server(self, size):
         read_end, write_end = os.pipe()
         server = subprocess.Popen(["Xvfb", "-displayfd", str(write_end), "-screen", "0", f"{size}x24",
-                                   "-nolisten", "tcp"], pass_fds=[write_end],
+                                   "-nolisten", "tcp", "-noreset"], pass_fds=[write_end],
                                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         os.close(write_end)
         self.server = server
@@ -194,6 +195,11 @@ class Client:
 
     def wait_for_log(self, text, count=1):
         wait_for(lambda: self.log().count(text) >= count, f"the log line {text!r}")
+
+    def time_of(self, text):
+        """When the first log line with TEXT was written."""
+        line = next(line for line in self.log().splitlines() if text in line)
+        return datetime.datetime.fromisoformat(line[:23])
 
     def query(self, statement, *values):
         with contextlib.closing(sqlite3.connect(self.data / "tallyvane.db", timeout=PATIENCE)) as database:

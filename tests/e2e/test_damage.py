@@ -18,7 +18,8 @@ class Damage(DesktopTest):
         wait_for(lambda: self.desktop.windows(title), f"the message box {title!r}")
 
     def kept_aside(self):
-        return [path for path in self.client.data.iterdir() if ".damaged-" in path.name]
+        return [path for path in self.client.data.iterdir()
+                if ".damaged-" in path.name and not path.name.endswith("-journal")]
 
     def test_newer_database_is_left_alone(self):
         self.client.execute("PRAGMA user_version = 12")
@@ -54,16 +55,26 @@ class Damage(DesktopTest):
         self.client.data.joinpath("tallyvane.db.backup").write_bytes(damaged)
 
         process = self.client.start("--closedwindow")
-        wait_for(lambda: "Unable to recover from database backup file!" in self.client.log(),
-                 "both copies to fail")
-        wait_for(lambda: self.desktop.run("xdotool", "search", "--onlyvisible", "--pid",
-                                          str(process.pid)).split(), "the question")
-        self.desktop.press("alt+c")  # "Create new database"
+        self.client.wait_for_log("Unable to recover from database backup file!")
+        self.box("Database failure")
+        self.desktop.press("Tab", "space")  # from "Leave everything as it is" to the other one
         wait_for(lambda: self.client.log().count("Starting collector") == 3, "the start's end")
         self.assertEqual(self.client.terminate(process), 0)
         self.assertEqual(self.client.query("SELECT value FROM unzurged_stats WHERE name = 'keys'"),
                          [("3",)])
         self.assertIn(damaged, [path.read_bytes() for path in self.kept_aside()])
+
+    def test_declining_a_fresh_database_changes_nothing(self):
+        damaged = b"not a database at all" * 500
+        self.database.write_bytes(damaged)
+        process = self.client.start("--closedwindow")
+        self.box("Database failure")
+        self.desktop.press("Return")
+        self.client.wait_for_log("User declined fresh database")
+        wait_for(lambda: process.poll() is not None or self.desktop.press("Return"), "the end")
+        self.assertEqual(process.returncode, 1)
+        self.assertIn(damaged, [path.read_bytes() for path in (self.database, *self.kept_aside())
+                                if path.exists()])
 
     def test_backup_is_put_in_place_of_a_damaged_database(self):
         good = self.database.read_bytes()

@@ -1,8 +1,8 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """Command line, single instance, order of start and end."""
+import datetime
 import os
 import signal
-import subprocess
 import time
 import unittest
 
@@ -78,14 +78,12 @@ class WithoutRunningClient(DesktopTest):
             client = Client(self.desktop)
             self.addCleanup(client.close)
             client.start(*arguments)
-            client.wait_for_log("Starting Tallyvane")
             clients.append((client, arguments, delayed))
-        time.sleep(3)
         for client, arguments, delayed in clients:
             with self.subTest(arguments):
-                if delayed:
-                    self.assertNotIn("Database file:", client.log())
                 client.wait_for_log("has started")
+                waited = client.time_of("Database file:") - client.time_of("Starting Tallyvane")
+                self.assertEqual(waited >= datetime.timedelta(seconds=5), delayed)
 
     def test_missing_tray_is_told(self):
         bare = Desktop(tray=False)
@@ -169,25 +167,14 @@ class BesideRunningClient(DesktopTest):
 
 
 class Races(DesktopTest):
-    def test_requests_while_the_first_is_starting(self):
+    def test_the_end_can_be_asked_for_while_the_first_is_starting(self):
         first = self.client.start("--delaystartup", "--closedwindow")
         self.client.wait_for_log("Starting Tallyvane")
         time.sleep(0.5)
-        opener = self.client.start("-exit_client", devices=False)
+        asker = self.client.start("-exit_client", devices=False)
         self.assertEqual(first.wait(timeout=PATIENCE), 0)
-        self.assertEqual(opener.wait(timeout=PATIENCE), 0)
+        self.assertEqual(asker.wait(timeout=PATIENCE), 0)
         self.assertIn("to exit. Exiting cleanly!", self.client.log())
-
-    def test_opening_before_the_start_is_complete_is_ignored(self):
-        first = self.client.start("--delaystartup", "--closedwindow")
-        self.client.wait_for_log("Starting Tallyvane")
-        time.sleep(0.5)
-        # The first client reads the message only when its start has ended; a box that waits for an
-        # answer in the midst of the start is the one moment at which it can come too early.
-        second = self.client.start(devices=False)
-        self.assertEqual(second.wait(timeout=PATIENCE), 0)
-        self.client.wait_for_log("Starting collector")
-        self.assertIsNone(first.poll())
 
     def test_starts_in_the_same_instant_end_with_one_client(self):
         processes = [self.client.start("--closedwindow") for _ in range(5)]
