@@ -108,9 +108,10 @@ Database::Outcome Database::open()
     const DatabaseFiles::Kind kind = m_files.kind();
     Log::info("Database file: {}{}", m_files.fileName(),
               kind == DatabaseFiles::Kind::Missing ? " does not exist, starting fresh!" : "");
-    if (kind == DatabaseFiles::Kind::Empty && m_files.hasBackup()) {
-        // A file system that lost power may leave nothing of a file but its name.
-        m_failure = tr("Unable to open database: ") + tr("the file is empty");
+    // A file system that lost power may leave nothing of a file but its name.
+    const bool lostItsContent = kind == DatabaseFiles::Kind::Empty && m_files.hasBackup();
+    if (lostItsContent || kind == DatabaseFiles::Kind::Stub) {
+        m_failure = tr("Unable to open database: ") + tr("the file is too short");
         return Outcome::Damaged;
     }
     m_version = m_files.storedVersion().value_or(0);
@@ -426,14 +427,11 @@ bool Database::reconnectIfNeeded()
 
 void Database::backupDatabase()
 {
-    if (m_state != State::Open || m_backup) {
+    if (m_state != State::Open || (m_backup && m_backup->isRunning())) {
         return;
     }
     m_backup = std::make_unique<DatabaseBackup>(m_connection, m_files.backupFileName());
-    QObject::connect(m_backup.get(), &DatabaseBackup::finished, this, [this](bool replaced) {
-        m_backup.release()->deleteLater();
-        Q_EMIT backupFinished(replaced);
-    });
+    QObject::connect(m_backup.get(), &DatabaseBackup::finished, this, &Database::backupFinished);
     if (!m_backup->start()) {
         m_backup.reset();
     }

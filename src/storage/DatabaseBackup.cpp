@@ -71,7 +71,7 @@ DatabaseBackup::DatabaseBackup(const QSqlDatabase& source, const QString& target
 DatabaseBackup::~DatabaseBackup()
 {
     m_abandoned = true;
-    const bool unfinished = m_copy || m_checking;
+    const bool unfinished = isRunning();
     if (m_checking) {
         m_checking->wait();
     }
@@ -99,6 +99,11 @@ bool DatabaseBackup::start()
     }
     m_timer.start();
     return true;
+}
+
+bool DatabaseBackup::isRunning() const
+{
+    return m_copy || m_checking;
 }
 
 bool DatabaseBackup::openTarget()

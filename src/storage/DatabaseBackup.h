@@ -31,6 +31,8 @@ public:
     /// Begins; `finished` tells the end. False where it could not begin (logged).
     bool start();
 
+    bool isRunning() const;
+
 Q_SIGNALS:
     /// The copy is in place (true), or the one before it still is.
     void finished(bool replaced);

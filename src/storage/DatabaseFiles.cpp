@@ -24,6 +24,9 @@ namespace {
 
 constexpr mode_t privateMode = S_IRUSR | S_IWUSR;
 
+/// https://sqlite.org/fileformat2.html, section 1.3.
+constexpr int headerBytes = 100;
+
 QString reason()
 {
     return QString::fromLocal8Bit(std::strerror(errno));
@@ -130,7 +133,10 @@ DatabaseFiles::Kind DatabaseFiles::kind() const
     if (!file.isFile()) {
         return Kind::Other;
     }
-    return file.size() == 0 ? Kind::Empty : Kind::Regular;
+    if (file.size() == 0) {
+        return Kind::Empty;
+    }
+    return file.size() < headerBytes ? Kind::Stub : Kind::Regular;
 }
 
 bool DatabaseFiles::hasBackup() const
@@ -152,9 +158,7 @@ DatabaseFiles::Access DatabaseFiles::access() const
 
 std::optional<int> DatabaseFiles::storedVersion() const
 {
-    // https://sqlite.org/fileformat2.html, section 1.3: the magic string, and the user version as a
-    // big-endian integer at offset 60.
-    constexpr int headerBytes = 100;
+    // The header begins with a magic string and holds the user version, big-endian, at offset 60.
     constexpr int versionOffset = 60;
     static const QByteArray magic("SQLite format 3", 16);
     if (QFileInfo(m_fileName + companionSuffixes().front()).size() > 0) {

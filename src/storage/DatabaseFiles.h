@@ -19,6 +19,7 @@ public:
     {
         Missing,
         Empty,
+        Stub, ///< Too short for a database; SQLite takes a single byte for an empty file.
         Regular,
         Other, ///< A directory, a device, ...
     };

@@ -68,9 +68,14 @@ QStringList SampleDatabase::columns(const QString& table)
         .split(QStringLiteral("; "));
 }
 
-QString SampleDatabase::rows(const QString& query)
+QString SampleDatabase::rows(const QString& query) const
 {
-    DSqlQuery select(m_connection);
+    return rowsOf(m_connection, query);
+}
+
+QString SampleDatabase::rowsOf(const QSqlDatabase& connection, const QString& query)
+{
+    DSqlQuery select(connection);
     select.exec(query);
     QStringList rows;
     while (select.next()) {
@@ -83,27 +88,27 @@ QString SampleDatabase::rows(const QString& query)
     return rows.join(QStringLiteral("; "));
 }
 
-QString SampleDatabase::description(const QString& table, const QString& schema)
+QString SampleDatabase::description(const QString& table) const
 {
-    const QString columns =
-        rows(QStringLiteral("SELECT c.name || ' ' || c.type || iif(c.pk, ' PRIMARY KEY', '')"
-                            " || iif(c.pk AND t.sql LIKE '%AUTOINCREMENT%', ' AUTOINCREMENT', '')"
-                            " || iif(c.\"notnull\", ' NOT NULL', '')"
-                            " || coalesce(' DEFAULT ' || c.dflt_value, '')"
-                            " FROM %1.sqlite_master t JOIN pragma_table_info(t.name, '%1') c"
-                            " WHERE t.name = '%2' ORDER BY c.cid")
-                 .arg(schema, table));
-    return columns + QStringLiteral(" | ") + indexDescription(table, schema);
+    return description(m_connection, table, QStringLiteral("main"));
 }
 
-QString SampleDatabase::indexDescription(const QString& table, const QString& schema)
+QString SampleDatabase::description(const QSqlDatabase& connection, const QString& table,
+                                    const QString& schema)
 {
-    return rows(
-        QStringLiteral(
-            "SELECT iif(i.\"unique\", 'unique ', '') || i.name || ' (' || (SELECT group_concat("
-            "name, ', ') FROM (SELECT name FROM pragma_index_info(i.name, '%1') ORDER BY seqno))"
-            " || ')' FROM pragma_index_list('%2', '%1') i ORDER BY i.name")
-            .arg(schema, table));
+    const QString columns =
+        QStringLiteral("SELECT c.name || ' ' || c.type || iif(c.pk, ' PRIMARY KEY', '')"
+                       " || iif(c.pk AND t.sql LIKE '%AUTOINCREMENT%', ' AUTOINCREMENT', '')"
+                       " || iif(c.\"notnull\", ' NOT NULL', '')"
+                       " || coalesce(' DEFAULT ' || c.dflt_value, '')"
+                       " FROM %1.sqlite_master t JOIN pragma_table_info(t.name, '%1') c"
+                       " WHERE t.name = '%2' ORDER BY c.cid");
+    const QString indexes = QStringLiteral(
+        "SELECT iif(i.\"unique\", 'unique ', '') || i.name || ' (' || (SELECT group_concat("
+        "name, ', ') FROM (SELECT name FROM pragma_index_info(i.name, '%1') ORDER BY seqno))"
+        " || ')' FROM pragma_index_list('%2', '%1') i ORDER BY i.name");
+    return rowsOf(connection, columns.arg(schema, table)) + QStringLiteral(" | ") +
+           rowsOf(connection, indexes.arg(schema, table));
 }
 
 QMap<QString, QString> expectedSchema(const QString& fileName)

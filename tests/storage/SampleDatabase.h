@@ -27,13 +27,15 @@ public:
     QStringList columns(const QString& table);
 
     /// All rows, joined by "; ", their columns by "|".
-    QString rows(const QString& query);
+    QString rows(const QString& query) const;
 
     /// A table's columns and its index, as in schema.txt.
-    QString description(const QString& table, const QString& schema = QStringLiteral("main"));
+    QString description(const QString& table) const;
+    static QString description(const QSqlDatabase& connection, const QString& table,
+                               const QString& schema);
 
 private:
-    QString indexDescription(const QString& table, const QString& schema);
+    static QString rowsOf(const QSqlDatabase& connection, const QString& query);
 
     QSqlDatabase m_connection;
 };

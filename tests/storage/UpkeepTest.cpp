@@ -1,0 +1,136 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "storage/MousePointPruning.h"
+#include "storage/SampleDatabase.h"
+#include "storage/StartupRepair.h"
+#include "support/LogCapture.h"
+#include "support/TestDatabase.h"
+#include "support/TestRegistry.h"
+
+#include <QTest>
+
+/// What is done to the database beside counting: pruning, and what a start puts right.
+class UpkeepTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void prunesOnceADay_data();
+    void prunesOnceADay();
+    void remembersTheLastPruning();
+    void appliesAPendingRestore_data();
+    void appliesAPendingRestore();
+    void staysWithTheOldDatabaseWhereRenamingFails();
+    void removesNegativeDistances();
+};
+
+void UpkeepTest::prunesOnceADay_data()
+{
+    QTest::addColumn<qint64>("secondsSince");
+    QTest::addColumn<bool>("prunes");
+    QTest::newRow("an hour before") << Q_INT64_C(82'800) << false;
+    QTest::newRow("a second before") << Q_INT64_C(86'399) << false;
+    QTest::newRow("a day") << Q_INT64_C(86'400) << true;
+    QTest::newRow("the clock went back") << Q_INT64_C(-5) << false;
+}
+
+void UpkeepTest::prunesOnceADay()
+{
+    QFETCH(qint64, secondsSince);
+    QFETCH(bool, prunes);
+    const TestDatabase test;
+    for (const char* table : {"mousepoints", "mouseclicks_frequency"}) {
+        test.exec(QStringLiteral("INSERT INTO %1 (day, hour) VALUES (date('now', '-4 months'), 1), "
+                                 "(date('now', '-3 months'), 1), (date('now'), 1)")
+                      .arg(QLatin1String(table)));
+    }
+    const QDateTime last = QDateTime::currentDateTime();
+    Settings::instance().setValue(SettingsKeys::LastPruneMousepoints, last);
+    MousePointPruning pruning(*test.database(), Settings::instance());
+    pruning.start(last.addDays(2));
+    const QDateTime now = last.addSecs(secondsSince);
+    QCOMPARE(pruning.pruneMousePoints(now), prunes);
+    const int left = prunes ? 2 : 3;
+    QCOMPARE(test.value(QStringLiteral("SELECT COUNT(*) FROM mousepoints")).toInt(), left);
+    QCOMPARE(test.value(QStringLiteral("SELECT COUNT(*) FROM mouseclicks_frequency")).toInt(),
+             left);
+    QCOMPARE(Settings::instance().value(SettingsKeys::LastPruneMousepoints), prunes ? now : last);
+    QVERIFY(!pruning.pruneMousePoints(now.addSecs(prunes ? 3600 : 0)));
+}
+
+void UpkeepTest::remembersTheLastPruning()
+{
+    const TestDatabase test;
+    MousePointPruning pruning(*test.database(), Settings::instance());
+    const QDateTime now = QDateTime::currentDateTime();
+    pruning.start(now);
+    QCOMPARE(Settings::instance().value(SettingsKeys::LastPruneMousepoints), now);
+    QVERIFY(!pruning.pruneMousePoints(now.addSecs(3600)));
+}
+
+void UpkeepTest::appliesAPendingRestore_data()
+{
+    QTest::addColumn<bool>("hasDatabase");
+    QTest::newRow("over a database") << true;
+    QTest::newRow("alone") << false;
+}
+
+void UpkeepTest::appliesAPendingRestore()
+{
+    QFETCH(bool, hasDatabase);
+    const QTemporaryDir directory(fastTemporaryDirectory());
+    const QString file = directory.filePath(DatabaseFiles::Name);
+    const QString restore = directory.filePath(DatabaseFiles::RestoreName);
+    const LogCapture log;
+    QVERIFY(!StartupRepair::applyPendingRestore(directory.path()));
+    QCOMPARE(log.text(), QString());
+    SampleDatabase::create(restore, 10);
+    if (hasDatabase) {
+        SampleDatabase(file).exec(QStringLiteral("CREATE TABLE old (v)"));
+        QFile journal(file + QStringLiteral("-journal"));
+        QVERIFY(journal.open(QIODevice::WriteOnly));
+        journal.write("of the old one");
+    }
+    QVERIFY(StartupRepair::applyPendingRestore(directory.path()));
+    QVERIFY(log.contains(QStringLiteral("info Successfully renamed restored database: %1 to: %2")
+                             .arg(restore, file)));
+    QCOMPARE(QDir(directory.path()).entryList(QDir::Files), QStringList(DatabaseFiles::Name));
+    TestPrompts prompts;
+    const Database database(directory.path(), prompts);
+    DSqlQuery query(database.connection());
+    QVERIFY(query.exec(QStringLiteral("SELECT COUNT(*) FROM keypresses")) && query.next());
+    QCOMPARE(query.value(0).toInt(), 2);
+}
+
+void UpkeepTest::staysWithTheOldDatabaseWhereRenamingFails()
+{
+    // A directory in the database's place is what a rename fails on for root as well.
+    const QTemporaryDir directory(fastTemporaryDirectory());
+    const QString file = directory.filePath(DatabaseFiles::Name);
+    QVERIFY(QDir().mkpath(file + QStringLiteral("/inside")));
+    QFile journal(file + QStringLiteral("-journal"));
+    QVERIFY(journal.open(QIODevice::WriteOnly));
+    SampleDatabase::create(directory.filePath(DatabaseFiles::RestoreName), 10);
+    const LogCapture log;
+    QVERIFY(!StartupRepair::applyPendingRestore(directory.path()));
+    QVERIFY(log.contains(QStringLiteral("warning Unable to rename restored database: ")) ||
+            log.contains(QStringLiteral("warn Unable to rename restored database: ")));
+    QVERIFY(QFileInfo(file + QStringLiteral("/inside")).isDir());
+    QVERIFY(QFile::exists(journal.fileName()));
+    QVERIFY(QFile::exists(directory.filePath(DatabaseFiles::RestoreName)));
+}
+
+void UpkeepTest::removesNegativeDistances()
+{
+    const TestDatabase test;
+    test.exec(QStringLiteral("INSERT INTO mousedistance (day, hour, distance_inches) "
+                             "VALUES ('2020-01-01', 1, -0.5), ('2020-01-01', 2, 0.5)"));
+    test.exec(QStringLiteral("INSERT INTO input_per_application (day, hour, keys, distance_inches) "
+                             "VALUES ('2020-01-01', 1, 7, -3), ('2020-01-01', 2, 8, 3)"));
+    StartupRepair::removeNegativeDistances(*test.database());
+    QCOMPARE(test.rows(QStringLiteral("SELECT hour FROM mousedistance")), QStringLiteral("2"));
+    QCOMPARE(test.rows(QStringLiteral("SELECT keys, distance_inches FROM input_per_application")),
+             QStringLiteral("7|0,8|3"));
+}
+
+REGISTER_TEST(UpkeepTest);
+#include "UpkeepTest.moc"
