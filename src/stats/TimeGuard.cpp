@@ -18,7 +18,8 @@ constexpr qint64 SecondsPerDay = 86'400;
 
 std::unique_ptr<TimeGuard> s_instance;
 
-/// A stored local time as a point in time; the earlier one where the text fits two.
+/// A stored local time as a point in time; the earlier one where the text fits two. Left to itself,
+/// the C library picks one by what it converted before.
 QDateTime fromStoredText(const QString& text)
 {
     const QDateTime time = QDateTime::fromString(text, Qt::ISODateWithMs).toLocalTime();

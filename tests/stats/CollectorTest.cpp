@@ -67,6 +67,7 @@ private Q_SLOTS:
     void copiesTheTotalsOnceAMinute();
     void survivesAFailingCommit();
     void keepsWhatItCannotBegin();
+    void movesTheHistoryAgainAfterAFailingCommit();
 
 private:
     int storedKeys() { return m_client->value(m_keysQuery).toInt(); }
@@ -276,6 +277,29 @@ void CollectorTest::keepsWhatItCannotBegin()
     QCOMPARE(storedKeys(), 0);
     m_collector->update(m_now.addSecs(1));
     QCOMPARE(storedKeys(), 1);
+}
+
+void CollectorTest::movesTheHistoryAgainAfterAFailingCommit()
+{
+    m_client->run(QStringLiteral("PRAGMA busy_timeout=0"));
+    m_client->run(QStringLiteral("INSERT INTO last_update_time VALUES "
+                                 "(datetime('now', 'localtime', '3 days', '1 hours'))"));
+    m_client->run(QStringLiteral("INSERT INTO mouseclicks (day) VALUES ('2026-03-14')"));
+    const auto tick = [this](int times) {
+        for (int i = 0; i < times; ++i) {
+            m_collector->update(m_now);
+        }
+    };
+    {
+        const ReadingConnection other(m_client->database.getDatabaseFileName());
+        DSqlQuery reader(other.database());
+        QVERIFY(reader.exec(QStringLiteral("SELECT * FROM sqlite_master")) && reader.next());
+        tick(11);
+    }
+    const QString day = QStringLiteral("SELECT day FROM mouseclicks");
+    QCOMPARE(m_client->value(day), QStringLiteral("2026-03-14"));
+    tick(11);
+    QCOMPARE(m_client->value(day), QStringLiteral("2026-03-11"));
 }
 
 REGISTER_TEST(CollectorTest);

@@ -265,8 +265,13 @@ void TimeGuardTest::judgesTheDoubledHour()
         QSKIP("This time zone has no summer time; TZ=Europe/Berlin does.");
     }
     m_client->run(QStringLiteral("INSERT INTO last_update_time VALUES ('%1')").arg(stored));
-    TimeGuard::instance().update(time(nowUtc).toLocalTime());
-    QTEST(TimeGuard::instance().isBlocked(), "isBehind");
+    // Which reading the C library prefers depends on the season of the time it converted before.
+    for (const int month : {1, 7}) {
+        QVERIFY(QDateTime(QDate(2026, month, 1), QTime(0, 0)).toMSecsSinceEpoch() > 0);
+        TimeGuard::instance().rolledBack();
+        TimeGuard::instance().update(time(nowUtc).toLocalTime());
+        QTEST(TimeGuard::instance().isBlocked(), "isBehind");
+    }
 }
 
 void TimeGuardTest::storesTheTimeEverySixtyUpdates()
