@@ -25,6 +25,19 @@ bool startsAnother(const QString& name)
                           "optirun", "primusrun", "gamemoderun", "mangohud"});
 }
 
+/// The first word from `at` on that is neither an option, nor an option's value, nor an assignment.
+qsizetype pastOptions(const QStringList& words, qsizetype at)
+{
+    while (at < words.size()) {
+        const QString& word = words.at(at);
+        if (!word.startsWith(QLatin1Char('-')) && !word.contains(QLatin1Char('='))) {
+            break;
+        }
+        at += isOneOf(word, {"-u", "-C", "-n", "-c"}) ? 2 : 1;
+    }
+    return at;
+}
+
 bool isInterpreter(const QString& name)
 {
     static const QRegularExpression versioned(
@@ -126,11 +139,7 @@ ExecLine::Program ExecLine::program(const QStringList& words)
 {
     qsizetype at = 0;
     while (at < words.size() && startsAnother(lastPart(words.at(at)))) {
-        ++at;
-        while (at < words.size() && (words.at(at).startsWith(QLatin1Char('-')) ||
-                                     words.at(at).contains(QLatin1Char('=')))) {
-            ++at; // An option or an assignment.
-        }
+        at = pastOptions(words, at + 1);
     }
     if (at >= words.size() || isInterpreter(lastPart(words.at(at)))) {
         return {};

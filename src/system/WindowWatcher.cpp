@@ -5,7 +5,6 @@
 #include "system/ProcessInfo.h"
 
 #include <algorithm>
-#include <chrono>
 
 namespace {
 
@@ -13,18 +12,18 @@ using namespace std::chrono_literals;
 
 /// A session without X asks in vain every few seconds, for as long as it lasts.
 constexpr std::chrono::milliseconds WarnAgainAfter = 1h;
-constexpr std::chrono::milliseconds FirstReconnect = 5s;
-constexpr int MostReconnects = 8; ///< Each after twice the time before it: 21 minutes in all.
+constexpr int MostReconnects = 8; ///< With a first pause of 5 s, 21 minutes in all.
 
 using Atom = DisplayConnection::Atom;
 using PropertyType = DisplayConnection::PropertyType;
 
 } // namespace
 
-WindowWatcher::WindowWatcher(const ProcessInfo& processes)
+WindowWatcher::WindowWatcher(const ProcessInfo& processes, std::chrono::milliseconds firstReconnect)
     : m_processes(processes)
     , m_display(std::make_unique<DisplayConnection>())
     , m_wasOpen(m_display->isOpen())
+    , m_firstReconnect(firstReconnect)
     , m_noDisplay(WarnAgainAfter)
     , m_noProcess(WarnAgainAfter)
 {
@@ -105,7 +104,7 @@ void WindowWatcher::reconnectIfDue()
         m_lastTry.start();
         return;
     }
-    const auto pause = FirstReconnect * (1 << m_reconnects);
+    const auto pause = m_firstReconnect * (1 << m_reconnects);
     if (m_reconnects == MostReconnects || !m_lastTry.hasExpired(pause.count())) {
         return;
     }

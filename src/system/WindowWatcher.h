@@ -8,6 +8,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <chrono>
 #include <memory>
 #include <optional>
 
@@ -21,8 +22,10 @@ class ProcessInfo;
 class WindowWatcher
 {
 public:
-    /// `processes` is not owned and must outlive this object.
-    explicit WindowWatcher(const ProcessInfo& processes);
+    /// `processes` is not owned and must outlive this object. A lost display is tried again after
+    /// `firstReconnect`, then after twice that, and so on.
+    explicit WindowWatcher(const ProcessInfo& processes,
+                           std::chrono::milliseconds firstReconnect = std::chrono::seconds(5));
     ~WindowWatcher();
 
     /// The executable whose window is in front; empty without a display, for the desktop and
@@ -46,6 +49,7 @@ private:
     const ProcessInfo& m_processes;
     std::unique_ptr<DisplayConnection> m_display;
     const bool m_wasOpen; ///< There was a display at the start, so it is worth another try.
+    const std::chrono::milliseconds m_firstReconnect;
     RepeatedWarning m_noDisplay;
     RepeatedWarning m_noProcess;
     QElapsedTimer m_lastTry; ///< Of connecting again; not valid while connected.

@@ -1,0 +1,173 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "support/TestDatabase.h"
+#include "support/TestRegistry.h"
+#include "system/AbstractSystemListener.h"
+#include "system/CommonSystem.h"
+#include "system/FixtureRoot.h"
+#include "system/InputPipe.h"
+
+#include <QTest>
+
+namespace {
+
+class Activity : public AbstractSystemListener
+{
+public:
+    void onKeyDown() override { ++presses; }
+
+    void onKeyUp() override { ++releases; }
+
+    void onMouseButtonDown() override {}
+
+    void onMouseButtonUp() override {}
+
+    int presses = 0;
+    int releases = 0;
+};
+
+} // namespace
+
+/// The whole probe, on a database, an input directory and a "/proc" of its own.
+class LinuxSystemTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void readsInputWhileSomeoneHoldsIt();
+    void stopsWhateverIsHeld();
+    void countsEachKeyOnce();
+    void keepsExclusions();
+    void readsExclusionsAgain();
+    void excludesWithoutADatabase();
+    void listsKnownApplications();
+
+private:
+    std::unique_ptr<CommonSystem> system(Database* database,
+                                         AbstractSystemListener* listener = nullptr) const
+    {
+        return CommonSystem::createPlatformSpecificSystem(
+            database, listener, {m_root->path(), m_root->path(), m_root->path()});
+    }
+
+    std::unique_ptr<FixtureRoot> m_root;
+    std::unique_ptr<InputPipe> m_keyboard;
+};
+
+void LinuxSystemTest::init()
+{
+    m_root = std::make_unique<FixtureRoot>();
+    m_keyboard = std::make_unique<InputPipe>(m_root->filePath(QStringLiteral("event0")));
+}
+
+void LinuxSystemTest::cleanup()
+{
+    m_keyboard.reset();
+    m_root.reset();
+}
+
+void LinuxSystemTest::readsInputWhileSomeoneHoldsIt()
+{
+    const auto probe = system(nullptr);
+    QVERIFY(!probe->hasInputListeners());
+    probe->acquireInputMonitor();
+    probe->acquireInputMonitor();
+    QVERIFY(probe->hasInputListeners());
+    probe->releaseInputMonitor();
+    QVERIFY(probe->hasInputListeners());
+    probe->releaseInputMonitor();
+    QVERIFY(!probe->hasInputListeners());
+    probe->releaseInputMonitor(); // One too many must not make the next holder count for nothing.
+    probe->acquireInputMonitor();
+    QVERIFY(probe->hasInputListeners());
+}
+
+void LinuxSystemTest::stopsWhateverIsHeld()
+{
+    const auto probe = system(nullptr);
+    probe->acquireInputMonitor();
+    probe->acquireInputMonitor();
+    probe->stop();
+    QVERIFY(!probe->hasInputListeners());
+    probe->releaseInputMonitor();
+    probe->stop();
+    QVERIFY(!probe->hasInputListeners());
+}
+
+void LinuxSystemTest::countsEachKeyOnce()
+{
+    Activity activity;
+    const auto probe = system(nullptr, &activity);
+    probe->acquireInputMonitor();
+    QVERIFY(m_keyboard->tap({KEY_A, KEY_B}));
+    QTRY_COMPARE(activity.releases, 2);
+    QCOMPARE(activity.presses, 2);
+    QCOMPARE(probe->retrieveIncrementalKeyPresses(), (QList<Qt::Key>{Qt::Key_A, Qt::Key_B}));
+    QVERIFY(probe->retrieveIncrementalKeyPresses().isEmpty());
+}
+
+void LinuxSystemTest::keepsExclusions()
+{
+    const QString path = QStringLiteral("/usr/bin/o'neil \"x\"");
+    const TestDatabase database;
+    const auto probe = system(database.database());
+    probe->addExcludedApplicationForStats(path);
+    probe->addExcludedApplicationForStats(path);
+    probe->addExcludedApplicationForStats(QString());
+    probe->addExcludedNICForStats(QStringLiteral("aa:bb:cc:dd:ee:ff"));
+    QVERIFY(probe->shouldExcludeApplicationForStats(path));
+    QVERIFY(!probe->shouldExcludeApplicationForStats(path.toUpper()));
+    QVERIFY(!probe->shouldExcludeApplicationForStats(QString()));
+    QVERIFY(probe->shouldExcludeNICForStats(QStringLiteral("AA:BB:CC:DD:EE:FF")));
+    QVERIFY(!probe->shouldExcludeNICForStats(path));
+    QCOMPARE(database.rows(QStringLiteral("SELECT path FROM application_ignore")), path);
+    const auto nextRun = system(database.database());
+    QVERIFY(nextRun->shouldExcludeApplicationForStats(path));
+    QVERIFY(nextRun->shouldExcludeNICForStats(QStringLiteral("aa:BB:cc:dd:ee:ff")));
+    nextRun->deleteExcludedApplicationForStats(path);
+    nextRun->deleteExcludedNICForStats(QStringLiteral("Aa:bb:cc:dd:ee:ff"));
+    QVERIFY(!nextRun->shouldExcludeApplicationForStats(path));
+    QCOMPARE(database.rows(QStringLiteral("SELECT path FROM application_ignore UNION ALL "
+                                          "SELECT mac_address FROM network_interfaces_ignore")),
+             QString());
+}
+
+void LinuxSystemTest::readsExclusionsAgain()
+{
+    const TestDatabase database;
+    const auto probe = system(database.database());
+    probe->addExcludedApplicationForStats(QStringLiteral("/bin/a"));
+    QVERIFY(database.exec(QStringLiteral("DELETE FROM application_ignore")));
+    QVERIFY(database.exec(QStringLiteral("INSERT INTO application_ignore VALUES('/bin/b')")));
+    QVERIFY(database.exec(QStringLiteral("INSERT INTO network_interfaces_ignore VALUES('00:ab')")));
+    QVERIFY(!probe->shouldExcludeApplicationForStats(QStringLiteral("/bin/b"))); // From memory.
+    probe->reloadExclusions();
+    QVERIFY(probe->shouldExcludeApplicationForStats(QStringLiteral("/bin/b")));
+    QVERIFY(!probe->shouldExcludeApplicationForStats(QStringLiteral("/bin/a")));
+    QVERIFY(probe->shouldExcludeNICForStats(QStringLiteral("00:AB")));
+    probe->deleteExcludedNICForStats(QStringLiteral("00:AB")); // Also one stored in lower case.
+    QCOMPARE(database.rows(QStringLiteral("SELECT * FROM network_interfaces_ignore")), QString());
+}
+
+void LinuxSystemTest::excludesWithoutADatabase()
+{
+    const auto probe = system(nullptr);
+    probe->addExcludedApplicationForStats(QStringLiteral("/bin/a"));
+    QVERIFY(probe->shouldExcludeApplicationForStats(QStringLiteral("/bin/a")));
+    QVERIFY(probe->getApplicationDatabase().isEmpty());
+}
+
+void LinuxSystemTest::listsKnownApplications()
+{
+    const TestDatabase database;
+    QVERIFY(database.exec(QStringLiteral(
+        "INSERT INTO applications (path, name) VALUES('/bin/z', 'Zed'), ('/bin/a', '')")));
+    const auto known = system(database.database())->getApplicationDatabase();
+    QCOMPARE(known.size(), 2);
+    QCOMPARE(known.at(0).path, QStringLiteral("/bin/a"));
+    QCOMPARE(known.at(1).name, QStringLiteral("Zed"));
+}
+
+REGISTER_TEST(LinuxSystemTest);
+#include "LinuxSystemTest.moc"
