@@ -3,6 +3,9 @@
 
 #include <QFile>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 DeviceNode::DeviceNode(const struct stat& status)
     : m_status(status)
 {
@@ -22,12 +25,19 @@ bool DeviceNode::isSameNode(const DeviceNode& other) const
     return m_status.st_dev == other.m_status.st_dev && m_status.st_ino == other.m_status.st_ino;
 }
 
-bool operator==(const DeviceNode& left, const DeviceNode& right)
+bool DeviceNode::isStillUnreadable(const QString& path) const
 {
-    const struct stat& a = left.m_status;
-    const struct stat& b = right.m_status;
+    const auto now = at(path);
+    return now && isSameNode(*now) &&
+           (hasSameRights(*now) ||
+            faccessat(AT_FDCWD, QFile::encodeName(path).constData(), R_OK, AT_EACCESS) != 0);
+}
+
+bool DeviceNode::hasSameRights(const DeviceNode& other) const
+{
+    const struct stat& a = m_status;
+    const struct stat& b = other.m_status;
     // The change time alone would miss two changes within one tick of the kernel's coarse clock.
-    return left.isSameNode(right) && a.st_mode == b.st_mode && a.st_uid == b.st_uid &&
-           a.st_gid == b.st_gid && a.st_ctim.tv_sec == b.st_ctim.tv_sec &&
-           a.st_ctim.tv_nsec == b.st_ctim.tv_nsec;
+    return a.st_mode == b.st_mode && a.st_uid == b.st_uid && a.st_gid == b.st_gid &&
+           a.st_ctim.tv_sec == b.st_ctim.tv_sec && a.st_ctim.tv_nsec == b.st_ctim.tv_nsec;
 }

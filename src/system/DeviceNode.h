@@ -19,11 +19,14 @@ public:
     /// made again holds another node, as long as the former is still open somewhere.
     bool isSameNode(const DeviceNode& other) const;
 
-    /// The same node, with the same owner and rights.
-    friend bool operator==(const DeviceNode& left, const DeviceNode& right);
+    /// Whether opening `path`, which failed with this node, would fail again: it is the same node,
+    /// and either nothing about it has changed or reading it is not allowed.
+    bool isStillUnreadable(const QString& path) const;
 
 private:
     explicit DeviceNode(const struct stat& status);
+
+    bool hasSameRights(const DeviceNode& other) const;
 
     struct stat m_status;
 };

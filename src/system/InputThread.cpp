@@ -109,13 +109,13 @@ void InputThread::startListeners()
         if (m_listeners.contains(path)) {
             continue;
         }
-        const auto node = DeviceNode::at(path);
         const auto known = unreadable.constFind(path);
-        if (node && known != unreadable.constEnd() && *known == *node) {
-            m_unreadable.insert(path, *node); // Said once; nothing has changed since.
-            continue;
+        if (known != unreadable.constEnd() && known->isStillUnreadable(path)) {
+            m_unreadable.insert(path,
+                                *known); // Said once, and not at every change of the directory.
+        } else {
+            startListener(path);
         }
-        startListener(path);
     }
     if (m_listeners.isEmpty()) {
         Log::info(

@@ -14,6 +14,9 @@ public:
     {
         Log::start(m_directory.path());
         Log::setLevel(level);
+        // Opened now, it can be read later by whichever user the test has become.
+        m_file.setFileName(m_directory.filePath(QStringLiteral("app.log")));
+        (void)m_file.open(QIODevice::ReadOnly);
     }
 
     InputLog(const InputLog&) = delete;
@@ -24,12 +27,12 @@ public:
     qsizetype count(const QString& text) const
     {
         Log::flush();
-        QFile file(m_directory.filePath(QStringLiteral("app.log")));
-        return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()).count(text) : -1;
+        return m_file.seek(0) ? QString::fromUtf8(m_file.readAll()).count(text) : -1;
     }
 
     bool contains(const QString& text) const { return count(text) > 0; }
 
 private:
     QTemporaryDir m_directory;
+    mutable QFile m_file;
 };
