@@ -53,6 +53,7 @@ HourChart::HourChart(QWidget* parent)
     setMouseTracking(true);
     setFocusPolicy(Qt::NoFocus);
     viewport()->setAutoFillBackground(false);
+    viewport()->setFocusPolicy(Qt::NoFocus);
     chart()->setBackgroundVisible(false);
     chart()->setMargins({0, 0, 0, 0});
     chart()->layout()->setContentsMargins(0, 0, 0, 0);

@@ -2,7 +2,9 @@
 #include "UiDatabase.h"
 #include "storage/Settings.h"
 #include "support/TestRegistry.h"
+#include "ui/HourChart.h"
 #include "ui/MainWindow.h"
+#include "ui/SideBar.h"
 #include "ui/Theme.h"
 
 #include <QAbstractButton>
@@ -20,7 +22,12 @@ class ScreenshotsTest : public QObject
 private Q_SLOTS:
     void today_data();
     void today();
+    void hoursOfShiftedDays_data();
+    void hoursOfShiftedDays();
     void cleanup();
+
+private:
+    static void save(const QPixmap& picture);
 };
 
 void ScreenshotsTest::today_data()
@@ -41,6 +48,7 @@ void ScreenshotsTest::today_data()
         row("busy-900x600") << least << InputState::Reading << true << false;
         row("busy-1600x1000") << QSize(1600, 1000) << InputState::Reading << true << false;
         row("tables-1100x720") << first << InputState::Reading << true << true;
+        row("icons-busy-900x600") << least << InputState::Reading << true << false;
         row("empty-1100x720") << first << InputState::Reading << false << false;
         row("no-permission-1100x720") << first << InputState::NoPermission << false << false;
         row("no-devices-900x600") << least << InputState::NoDevices << false << false;
@@ -71,6 +79,9 @@ void ScreenshotsTest::today()
     auto* card = window.findChild<QWidget*>(QStringLiteral("keysToday"));
     QTRY_VERIFY(notice->isVisible() || card->isVisible());
     QCOMPARE(card->isVisible(), busy);
+    if (QLatin1String(QTest::currentDataTag()).contains(QLatin1String("icons"))) {
+        window.findChild<SideBar*>()->setForm(SideBar::Form::Collapsed);
+    }
     if (tables) {
         for (QAction* action : window.findChildren<QAction*>(QStringLiteral("showTable"))) {
             action->trigger();
@@ -80,12 +91,42 @@ void ScreenshotsTest::today()
 
     const QPixmap picture = window.grab();
     QCOMPARE(picture.size(), size * window.devicePixelRatio());
+    save(picture);
+}
+
+void ScreenshotsTest::hoursOfShiftedDays_data()
+{
+    QTest::addColumn<QDate>("day");
+    QTest::newRow("23") << QDate(2026, 3, 29);
+    QTest::newRow("25") << QDate(2026, 10, 25);
+}
+
+void ScreenshotsTest::hoursOfShiftedDays()
+{
+    QFETCH(QDate, day);
+    Theme::apply(QStringLiteral("light"));
+    HourChart chart;
+    chart.setAutoFillBackground(true);
+    chart.resize(560, 240);
+    QHash<int, qint64> keys;
+    for (int hour = 0; hour < 24; ++hour) {
+        keys.insert(hour, 100 + 10 * hour);
+    }
+    chart.setDay(day, keys);
+    chart.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&chart));
+    save(chart.grab());
+}
+
+void ScreenshotsTest::save(const QPixmap& picture)
+{
     const QDir directory(QStringLiteral(TALLYVANE_BUILD_DIR "/screenshots"));
     QVERIFY(directory.mkpath(QStringLiteral(".")));
-    const QString file = directory.filePath(QStringLiteral("today-%1-scale%2.png")
-                                                .arg(QLatin1String(QTest::currentDataTag()))
-                                                .arg(window.devicePixelRatio()));
-    QVERIFY(picture.save(file));
+    const QString name = QStringLiteral("%1-%2-scale%3.png")
+                             .arg(QLatin1String(QTest::currentTestFunction()),
+                                  QLatin1String(QTest::currentDataTag()))
+                             .arg(picture.devicePixelRatio());
+    QVERIFY(picture.save(directory.filePath(name)));
 }
 
 void ScreenshotsTest::cleanup()

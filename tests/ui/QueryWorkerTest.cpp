@@ -1,0 +1,167 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "UiDatabase.h"
+#include "support/TestRegistry.h"
+#include "ui/QueryWorker.h"
+#include "ui/TodayQuery.h"
+
+#include <QSemaphore>
+#include <QSqlQuery>
+#include <QTest>
+
+class QueryWorkerTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void answersOffTheMainThread();
+    void readsOnly();
+    void dropsOutrunAnswers();
+    void keepsTopicsApart();
+    void forgetsAReceiverThatIsGone();
+    void joinsWithQuestionsWaiting();
+    void saysThatTheFileIsMissing();
+
+private:
+    using Answer = std::optional<int>;
+
+    /// A query that says that it began, and returns `value` once it may go on.
+    static std::function<Answer(const QSqlDatabase&)> held(int value);
+
+    static inline QSemaphore s_began{0};
+    static inline QSemaphore s_mayGoOn{0};
+    static inline std::atomic<int> s_run = 0;
+};
+
+std::function<QueryWorkerTest::Answer(const QSqlDatabase&)> QueryWorkerTest::held(int value)
+{
+    return [value](const QSqlDatabase&) -> Answer {
+        ++s_run;
+        s_began.release();
+        s_mayGoOn.acquire();
+        return value;
+    };
+}
+
+void QueryWorkerTest::answersOffTheMainThread()
+{
+    const UiDatabase database;
+    QueryWorker worker(database.file());
+    const QThread* asked = nullptr;
+    const QThread* answered = nullptr;
+    worker.ask<QString>(
+        QStringLiteral("topic"), this,
+        [&asked](const QSqlDatabase& connection) -> std::optional<QString> {
+            asked = QThread::currentThread();
+            return connection.connectionName();
+        },
+        [&](const std::optional<QString>& name) {
+            answered = QThread::currentThread();
+            QVERIFY(name && name->startsWith(QStringLiteral("tv-db-connection-0x")));
+        });
+    QTRY_COMPARE(answered, thread());
+    QVERIFY(asked != nullptr && asked != thread());
+}
+
+void QueryWorkerTest::readsOnly()
+{
+    const UiDatabase database;
+    QueryWorker worker(database.file());
+    std::optional<bool> written;
+    worker.ask<bool>(
+        QStringLiteral("topic"), this,
+        [](const QSqlDatabase& connection) -> std::optional<bool> {
+            return QSqlQuery(connection).exec(QStringLiteral("DELETE FROM settings"));
+        },
+        [&written](const std::optional<bool>& answer) { written = answer; });
+    QTRY_VERIFY(written);
+    QVERIFY(!*written);
+}
+
+void QueryWorkerTest::dropsOutrunAnswers()
+{
+    const UiDatabase database;
+    QueryWorker worker(database.file());
+    QList<int> answers;
+    const auto take = [&answers](const Answer& answer) { answers.append(answer.value_or(-1)); };
+    s_run = 0;
+    // The first is being answered, the second waits, when the third is asked.
+    worker.ask<int>(QStringLiteral("topic"), this, held(1), take);
+    s_began.acquire();
+    worker.ask<int>(QStringLiteral("topic"), this, held(2), take);
+    worker.ask<int>(QStringLiteral("topic"), this, held(3), take);
+    s_mayGoOn.release(2);
+    QTRY_COMPARE(answers.size(), 1);
+    QTest::qWait(20);
+    QCOMPARE(answers, QList<int>{3});
+    QCOMPARE(s_run.load(), 2);
+    s_began.acquire();
+}
+
+void QueryWorkerTest::keepsTopicsApart()
+{
+    const UiDatabase database;
+    QueryWorker worker(database.file());
+    QList<int> answers;
+    const auto take = [&answers](const Answer& answer) { answers.append(answer.value_or(-1)); };
+    const auto give = [](int value) {
+        return [value](const QSqlDatabase&) -> Answer { return value; };
+    };
+    worker.ask<int>(QStringLiteral("one"), this, give(1), take);
+    worker.ask<int>(QStringLiteral("two"), this, give(2), take);
+    const QList<int> both{1, 2};
+    QTRY_COMPARE(answers, both);
+}
+
+void QueryWorkerTest::forgetsAReceiverThatIsGone()
+{
+    const UiDatabase database;
+    QueryWorker worker(database.file());
+    bool delivered = false;
+    bool later = false;
+    const auto give = [](const QSqlDatabase&) -> Answer { return 1; };
+    {
+        QObject receiver;
+        worker.ask<int>(QStringLiteral("one"), &receiver, give,
+                        [&delivered](const Answer&) { delivered = true; });
+    }
+    worker.ask<int>(QStringLiteral("two"), this, give, [&later](const Answer&) { later = true; });
+    QTRY_VERIFY(later);
+    QVERIFY(!delivered);
+}
+
+void QueryWorkerTest::joinsWithQuestionsWaiting()
+{
+    const UiDatabase database;
+    bool delivered = false;
+    s_run = 0;
+    {
+        QueryWorker worker(database.file());
+        const auto note = [&delivered](const Answer&) { delivered = true; };
+        worker.ask<int>(QStringLiteral("one"), this, held(1), note);
+        s_began.acquire();
+        worker.ask<int>(QStringLiteral("two"), this, held(2), note);
+        s_mayGoOn.release();
+    }
+    QCoreApplication::processEvents();
+    QCOMPARE(s_run.load(), 1);
+    QVERIFY(!delivered);
+    for (const QString& name : QSqlDatabase::connectionNames()) {
+        QVERIFY2(!name.startsWith(QStringLiteral("tv-db-connection-0x")), qPrintable(name));
+    }
+}
+
+void QueryWorkerTest::saysThatTheFileIsMissing()
+{
+    QueryWorker worker(QStringLiteral("/proc/no-such-directory/tallyvane.db"));
+    bool answered = false;
+    worker.ask<int>(
+        QStringLiteral("topic"), this, [](const QSqlDatabase&) -> Answer { return 1; },
+        [&answered](const Answer& answer) {
+            answered = true;
+            QVERIFY(!answer);
+        });
+    QTRY_VERIFY(answered);
+}
+
+REGISTER_TEST(QueryWorkerTest);
+#include "QueryWorkerTest.moc"

@@ -1,0 +1,177 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "UiDatabase.h"
+#include "storage/Settings.h"
+#include "support/TestRegistry.h"
+#include "ui/Icons.h"
+#include "ui/Theme.h"
+#include "ui/TrayIcon.h"
+
+#include <QApplication>
+#include <QImage>
+#include <QMenu>
+#include <QMessageBox>
+#include <QSignalSpy>
+#include <QTest>
+
+class TrayIconTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void blinksShortlyAndRarely();
+    void staysStill_data();
+    void staysStill();
+    void asksForFiguresOnlyAfterActivity();
+    void offersWhatCanBeDone();
+    void drawsEachShapeDifferently_data();
+    void drawsEachShapeDifferently();
+    void explainsAClosedWindowOnce();
+
+private:
+    static QAction* action(const char* name);
+
+    UiDatabase m_database;
+};
+
+void TrayIconTest::init()
+{
+    Settings::instance().setValue(SettingsKeys::TrayiconBlinkOnActivity, true);
+}
+
+QAction* TrayIconTest::action(const char* name)
+{
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+        if (widget->objectName() == QLatin1String("trayMenu")) {
+            return widget->findChild<QAction*>(QLatin1String(name));
+        }
+    }
+    return nullptr;
+}
+
+void TrayIconTest::blinksShortlyAndRarely()
+{
+    TrayIcon icon([] { return 0; });
+    QCOMPARE(icon.shape(), TrayIcon::Shape::Counting);
+    icon.noteActivity();
+    QCOMPARE(icon.shape(), TrayIcon::Shape::Activity);
+    QTRY_COMPARE(icon.shape(), TrayIcon::Shape::Counting);
+    icon.noteActivity();
+    QCOMPARE(icon.shape(), TrayIcon::Shape::Counting);
+    QTRY_VERIFY((icon.noteActivity(), icon.shape() == TrayIcon::Shape::Activity));
+}
+
+void TrayIconTest::staysStill_data()
+{
+    QTest::addColumn<bool>("blinks");
+    QTest::addColumn<bool>("paused");
+    QTest::addColumn<TrayIcon::Shape>("shape");
+    QTest::newRow("not wanted") << false << false << TrayIcon::Shape::Counting;
+    QTest::newRow("paused") << true << true << TrayIcon::Shape::Paused;
+}
+
+void TrayIconTest::staysStill()
+{
+    QFETCH(bool, blinks);
+    QFETCH(bool, paused);
+    Settings::instance().setValue(SettingsKeys::TrayiconBlinkOnActivity, blinks);
+    TrayIcon icon([] { return 0; });
+    icon.setCounting(paused ? TrayIcon::Counting::Paused : TrayIcon::Counting::Running);
+    icon.noteActivity();
+    QTEST(icon.shape(), "shape");
+    QCOMPARE(icon.toolTip().contains(QStringLiteral("paused")), paused);
+}
+
+void TrayIconTest::asksForFiguresOnlyAfterActivity()
+{
+    int asked = 0;
+    TrayIcon icon([&asked] {
+        ++asked;
+        return 12403;
+    });
+    QCOMPARE(icon.toolTip(), QStringLiteral("12,403 keys today"));
+    QCOMPARE(asked, 1);
+    for (int i = 0; i < 100; ++i) {
+        icon.noteActivity();
+    }
+    QCOMPARE(asked, 1);
+}
+
+void TrayIconTest::offersWhatCanBeDone()
+{
+    TrayIcon icon([] { return 0; });
+    const QSignalSpy opened(&icon, &TrayIcon::openRequested);
+    const QSignalSpy paused(&icon, &TrayIcon::pauseRequested);
+    const QSignalSpy resumed(&icon, &TrayIcon::resumeRequested);
+    const QSignalSpy quit(&icon, &TrayIcon::quitRequested);
+    action("open")->trigger();
+    QCOMPARE(action("counting")->text(), QStringLiteral("Pause counting"));
+    action("counting")->trigger();
+    icon.setCounting(TrayIcon::Counting::Paused);
+    QCOMPARE(icon.shape(), TrayIcon::Shape::Paused);
+    QCOMPARE(action("counting")->text(), QStringLiteral("Resume counting"));
+    action("counting")->trigger();
+    icon.setCounting(TrayIcon::Counting::Running);
+    QCOMPARE(icon.shape(), TrayIcon::Shape::Counting);
+    action("quit")->trigger();
+    QCOMPARE(opened.size(), 1);
+    QCOMPARE(paused.size(), 1);
+    QCOMPARE(resumed.size(), 1);
+    QCOMPARE(quit.size(), 1);
+}
+
+void TrayIconTest::drawsEachShapeDifferently_data()
+{
+    QTest::addColumn<QColor>("ink");
+    QTest::addColumn<QColor>("panel");
+    QTest::newRow("light icon") << QColor(Qt::white) << QColor(0x24, 0x28, 0x2e);
+    QTest::newRow("dark icon") << QColor(0x1d, 0x21, 0x27) << QColor(0xf0, 0xf0, 0xf0);
+}
+
+void TrayIconTest::drawsEachShapeDifferently()
+{
+    QFETCH(QColor, ink);
+    QFETCH(QColor, panel);
+    QList<QImage> seen;
+    for (const char* name : {"tray-counting", "tray-activity", "tray-paused"}) {
+        const QImage image = Icons::outlined(QLatin1String(name), ink, Qt::transparent)
+                                 .pixmap(16, 16)
+                                 .toImage()
+                                 .convertToFormat(QImage::Format_ARGB32);
+        QCOMPARE(image.size(), QSize(16, 16));
+        int strong = 0;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                const QColor pixel = image.pixelColor(x, y);
+                strong += pixel.alpha() > 127 && Theme::contrast(pixel, panel) >= 4.5 ? 1 : 0;
+            }
+        }
+        QVERIFY2(strong > 30, name);
+        QVERIFY(!seen.contains(image));
+        seen.append(image);
+    }
+}
+
+void TrayIconTest::explainsAClosedWindowOnce()
+{
+    TrayIcon icon([] { return 0; });
+    const auto boxes = [] {
+        int count = 0;
+        for (const QWidget* widget : QApplication::topLevelWidgets()) {
+            count += widget->objectName() == QLatin1String("closingExplained") ? 1 : 0;
+        }
+        return count;
+    };
+    // Off screen there is no tray, so it is told in a box.
+    icon.explainClosedWindow();
+    QCOMPARE(boxes(), 1);
+    icon.explainClosedWindow();
+    QCOMPARE(boxes(), 1);
+    QApplication::activeModalWidget()->close();
+    QTRY_COMPARE(boxes(), 0);
+    TrayIcon([] { return 0; }).explainClosedWindow();
+    QCOMPARE(boxes(), 0);
+}
+
+REGISTER_TEST(TrayIconTest);
+#include "TrayIconTest.moc"
