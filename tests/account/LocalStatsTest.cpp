@@ -286,6 +286,7 @@ void LocalStatsTest::addsUpToTheLimit()
     stats.increaseDistanceInches(1);
     QCOMPARE(stats.unzurged().distanceInches, CounterLimit);
     stats.increaseDistanceInches(1);
+    QCOMPARE(stats.unzurged().distanceInches, CounterLimit);
     stats.increaseDistanceInches(std::numeric_limits<quint64>::max());
     QCOMPARE(stats.unzurged().distanceInches, CounterLimit);
 }
