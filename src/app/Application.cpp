@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/Application.h"
 
-#include "account/Aes.h"
 #include "account/LocalStats.h"
 #include "account/ProxySettings.h"
+#include "app/MainWindowHost.h"
 #include "app/PortableMode.h"
+#include "app/Requirements.h"
 #include "app/UnixSignals.h"
 #include "base/Log.h"
 #include "base/SnapStandardPaths.h"
@@ -22,7 +23,6 @@
 #include "system/CommonSystem.h"
 #include "system/InputAccess.h"
 #include "system/PowerMonitor.h"
-#include "ui/MainWindow.h"
 #include "ui/Theme.h"
 #include "ui/TodayQuery.h"
 #include "ui/TrayIcon.h"
@@ -31,7 +31,6 @@
 #include <QIcon>
 #include <QLocale>
 #include <QProcess>
-#include <QSystemTrayIcon>
 
 #include <cstdlib>
 
@@ -39,7 +38,6 @@ namespace {
 
 constexpr int MemoryCleanupMs = 10'000;
 constexpr int PruneMs = 3'600'000;
-constexpr int InputStateMs = 2'000;
 constexpr int TimeSeriesOverlapDays = 7;
 
 } // namespace
@@ -88,7 +86,7 @@ bool Application::start(bool networkingDisabled, bool openMainWindow,
                         const QString& translationFile)
 {
     m_portable = PortableMode::isActive();
-    if (!hasTray() || !hasEncryption()) {
+    if (!Requirements::areMet(m_messageBoxes)) {
         return false;
     }
     const bool restored = StartupRepair::applyPendingRestore(getDataDir());
@@ -99,6 +97,7 @@ bool Application::start(bool networkingDisabled, bool openMainWindow,
     prepareCounting();
     QTimer::singleShot(0, this, &Application::slotStartupDelayed);
     prepareTray();
+    prepareWindow();
     Log::info("Tallyvane {} has started", versionString());
     if (openMainWindow && Settings::instance().value(SettingsKeys::MainwindowOpenOnStart)) {
         this->openMainWindow();
@@ -111,29 +110,6 @@ bool Application::start(bool networkingDisabled, bool openMainWindow,
                                       QDateTime::currentDateTime().addDays(-TimeSeriesOverlapDays));
     }
     return true;
-}
-
-bool Application::hasTray()
-{
-    // A Wayland desktop may show the icon by means that Qt does not know of.
-    if (QSystemTrayIcon::isSystemTrayAvailable() ||
-        qEnvironmentVariable("XDG_SESSION_TYPE") == QLatin1String("wayland")) {
-        return true;
-    }
-    m_messageBoxes.showFailure(
-        QStringLiteral("No system tray"),
-        tr("Couldn't detect any system tray on this system, and I need that to run."));
-    return false;
-}
-
-bool Application::hasEncryption()
-{
-    if (Aes::isSupported()) {
-        return true;
-    }
-    m_messageBoxes.showFailure(QStringLiteral("AES failure"),
-                               tr("AES functions not available. Is OpenSSL library present?"));
-    return false;
 }
 
 bool Application::openDatabase()
@@ -159,7 +135,7 @@ void Application::prepareStores(bool networkingDisabled, const QString& translat
     Settings& settings = Settings::instance();
     settings.init(m_database.get());
     settings.initializeDefaultSettings();
-    installTranslation(translationFile);
+    m_translation.install(translationFile, settings.value(SettingsKeys::ClientLanguage));
     if (networkingDisabled) {
         settings.setValue(SettingsKeys::StatsNetEnable, false);
     }
@@ -175,25 +151,10 @@ void Application::prepareStores(bool networkingDisabled, const QString& translat
     }
 }
 
-void Application::installTranslation(const QString& path)
-{
-    const QString language = Settings::instance().value(SettingsKeys::ClientLanguage);
-    const QString file =
-        path.isEmpty() ? QStringLiteral(":/i18n/tallyvane_%1.qm").arg(language) : path;
-    if (path.isEmpty() && language == QLatin1String("en")) {
-        return;
-    }
-    if (!m_translator.load(file)) {
-        Log::warn("Unable to load the translation {}", file);
-        return;
-    }
-    QCoreApplication::installTranslator(&m_translator);
-}
-
 void Application::prepareCounting()
 {
     m_collector = new Collector(this);
-    m_collector->setUiModeSource([this] { return isMainWindowOpen(); });
+    m_collector->setUiModeSource([this] { return m_window && m_window->isOpen(); });
     m_collector->start();
     m_collector->startCollector();
     SystemPlaces places;
@@ -227,14 +188,12 @@ void Application::slotStartupDelayed()
     m_memoryTimer.start(MemoryCleanupMs);
     connect(&m_pruneTimer, &QTimer::timeout, this, &Application::pruneMousePoints);
     m_pruneTimer.start(PruneMs);
-    connect(&m_inputStateTimer, &QTimer::timeout, this, &Application::updateInputState);
     m_mousePointPruning = std::make_unique<MousePointPruning>(*m_database, Settings::instance());
     m_mousePointPruning->start(QDateTime::currentDateTime());
     Settings::instance().setValue(SettingsKeys::ClientVersion, versionString());
     applySettings(false);
     m_collector->start();
     Q_EMIT refreshTrayIcon();
-    updateInputState();
     // Qt ends the process from within its event loop when the display goes away. Registered this
     // late, so that it runs before what was made up to here is destroyed.
     std::atexit(&Application::leaveWithoutDisplay);
@@ -252,7 +211,7 @@ void Application::applySettings(bool changedByUser)
     Theme::apply();
     Q_EMIT refreshTrayIcon();
     applyNetworkProxy(ProxySettings::from(settings).proxy());
-    updateInputState();
+    m_window->refreshInputState();
 }
 
 void Application::applySettingsSlot()
@@ -262,10 +221,12 @@ void Application::applySettingsSlot()
 
 void Application::applyStatisticSwitches()
 {
+    m_collector->flush();
     const auto isOn = [](const SettingKey<bool>& key) { return Settings::instance().value(key); };
+    const bool mayCount = !m_pausedByUser && m_database->state() == Database::State::Open;
     for (StatSwitch statSwitch : StatSwitches::fromSettings(isOn)) {
         if (Stat* stat = m_collector->getStat<Stat>(statSwitch.statistic)) {
-            statSwitch.enabled = statSwitch.enabled && !m_pausedByUser;
+            statSwitch.enabled = statSwitch.enabled && mayCount;
             statSwitch.applyTo(*stat);
         }
     }
@@ -334,7 +295,7 @@ void Application::closeProcesses()
         return;
     }
     stopCollecting();
-    m_mainWindow.reset();
+    m_window.reset();
     saveState();
     if (m_tray) {
         m_tray->hide();
@@ -411,7 +372,7 @@ void Application::pauseCounting()
     pauseCollector();
     applyStatisticSwitches();
     Q_EMIT refreshTrayIcon();
-    updateInputState();
+    m_window->refreshInputState();
 }
 
 void Application::resumeCounting()
@@ -420,7 +381,7 @@ void Application::resumeCounting()
     startCollector();
     applyStatisticSwitches();
     Q_EMIT refreshTrayIcon();
-    updateInputState();
+    m_window->refreshInputState();
 }
 
 QString Application::getDataDir()
@@ -458,33 +419,24 @@ void Application::pruneMousePoints()
 
 void Application::cleanupMemory()
 {
-    if (!isMainWindowOpen()) {
-        m_inputStateTimer.stop();
-        m_mainWindow.reset();
-    }
+    m_window->cleanup();
 }
 
 void Application::openMainWindow()
 {
-    if (!m_mainWindow) {
-        createMainWindow();
-    }
-    m_mainWindow->show();
-    m_mainWindow->raise();
-    m_mainWindow->activateWindow();
-    m_inputStateTimer.start(InputStateMs);
-    updateInputState();
+    m_window->open();
 }
 
-void Application::createMainWindow()
+void Application::prepareWindow()
 {
-    m_mainWindow = std::make_unique<MainWindow>(
+    m_window = std::make_unique<MainWindowHost>(
         m_database->getDatabaseFileName(),
-        [this](const QString& path) { return m_system->getApplicationNameCached(path); });
-    connect(m_mainWindow.get(), &MainWindow::closed, m_tray, &TrayIcon::explainClosedWindow);
-    connect(m_mainWindow.get(), &MainWindow::pauseRequested, this, &Application::pauseCounting);
-    connect(m_mainWindow.get(), &MainWindow::resumeRequested, this, &Application::resumeCounting);
-    connect(m_mainWindow.get(), &MainWindow::keyboardCountingRequested, this,
+        [this](const QString& path) { return m_system->getApplicationNameCached(path); },
+        [this] { return inputState(); });
+    connect(m_window.get(), &MainWindowHost::closed, m_tray, &TrayIcon::explainClosedWindow);
+    connect(m_window.get(), &MainWindowHost::pauseRequested, this, &Application::pauseCounting);
+    connect(m_window.get(), &MainWindowHost::resumeRequested, this, &Application::resumeCounting);
+    connect(m_window.get(), &MainWindowHost::keyboardCountingRequested, this,
             &Application::switchKeyboardCountingOn);
 }
 
@@ -495,22 +447,21 @@ void Application::switchKeyboardCountingOn()
     applySettingsSlot();
 }
 
-void Application::updateInputState()
+InputState Application::inputState() const
 {
-    if (!m_mainWindow) {
-        return;
+    if (m_database->state() != Database::State::Open) {
+        return InputState::ReadOnly;
     }
-    const Stat* keyboard = m_collector->getStat<Stat>(QStringLiteral("KeypressesStat"));
     if (m_pausedByUser) {
-        m_mainWindow->setInputState(InputState::Paused);
-    } else if (!keyboard->isEnabled()) {
-        m_mainWindow->setInputState(InputState::Off);
-    } else if (m_system->hasInputListeners()) {
-        m_mainWindow->setInputState(InputState::Reading);
-    } else {
-        m_mainWindow->setInputState(hasInputDevices() ? InputState::NoPermission
-                                                      : InputState::NoDevices);
+        return InputState::Paused;
     }
+    if (!m_collector->getStat<Stat>(QStringLiteral("KeypressesStat"))->isEnabled()) {
+        return InputState::Off;
+    }
+    if (m_system->hasInputListeners()) {
+        return InputState::Reading;
+    }
+    return hasInputDevices() ? InputState::NoPermission : InputState::NoDevices;
 }
 
 void Application::updateTrayIcon()
@@ -525,11 +476,6 @@ void Application::updateTrayIcon()
 void Application::slotNeedTrayIconMessage(const QString& title, const QString& text)
 {
     m_tray->showMessage(title, text);
-}
-
-bool Application::isMainWindowOpen() const
-{
-    return m_mainWindow && m_mainWindow->isVisible();
 }
 
 void Application::onKeyDown()

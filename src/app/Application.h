@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "app/Translation.h"
 #include "system/AbstractSystemListener.h"
+#include "ui/InputState.h"
 #include "ui/MessageBoxes.h"
 
 #include <QObject>
 #include <QString>
 #include <QTimer>
-#include <QTranslator>
 
 #include <memory>
 
@@ -15,7 +16,7 @@ class CachedSystem;
 class Collector;
 class Database;
 class LocalStats;
-class MainWindow;
+class MainWindowHost;
 class MousePointPruning;
 class ProfileManager;
 class TrayIcon;
@@ -93,20 +94,16 @@ private:
     void onMouseButtonDown() override;
     void onMouseButtonUp() override;
 
-    bool hasTray();
-    bool hasEncryption();
     bool openDatabase();
     void prepareStores(bool networkingDisabled, const QString& translationFile, bool restored);
     void prepareCounting();
     void prepareTray();
     void watchForTheEnd();
-    void installTranslation(const QString& path);
     void applyStatisticSwitches();
-    void createMainWindow();
-    void updateInputState();
+    void prepareWindow();
+    InputState inputState() const;
     void switchKeyboardCountingOn();
     void resetProfileBeforeExit();
-    bool isMainWindowOpen() const;
 
     void stopCollecting();
     void saveState();
@@ -124,7 +121,7 @@ private:
     bool m_portable = false;
     bool m_pausedByUser = false;
     QString m_userDataDirectory;
-    QTranslator m_translator;
+    Translation m_translation;
     MessageBoxes m_messageBoxes;
 
     ProfileManager* m_profiles;
@@ -135,9 +132,8 @@ private:
     Collector* m_collector = nullptr;
     std::unique_ptr<MousePointPruning> m_mousePointPruning;
     TrayIcon* m_tray = nullptr;
-    std::unique_ptr<MainWindow> m_mainWindow;
+    std::unique_ptr<MainWindowHost> m_window;
 
     QTimer m_memoryTimer;
     QTimer m_pruneTimer;
-    QTimer m_inputStateTimer; ///< Runs while the main window is open.
 };

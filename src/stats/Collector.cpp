@@ -88,6 +88,11 @@ void Collector::stopCollector()
     QMetaObject::invokeMethod(this, &Collector::stopCollectorInternal, Qt::QueuedConnection);
 }
 
+void Collector::flush()
+{
+    flushStats(QDateTime::currentDateTime());
+}
+
 void Collector::finish()
 {
     QCoreApplication::sendPostedEvents(this, QEvent::MetaCall);
@@ -123,7 +128,7 @@ void Collector::pauseCollectorInternal()
 void Collector::stopCollectorInternal()
 {
     Log::info("Stopping collector");
-    flushStats(QDateTime::currentDateTime());
+    flush();
     for (Stat* stat : std::as_const(m_stats)) {
         stat->setEnabled(false);
     }

@@ -54,6 +54,10 @@ public:
     void pauseCollector();
     void stopCollector();
 
+    /// Lets every statistic that is on write what it holds, at once: before some of them are
+    /// switched, so that what was counted until then is filed as it was meant to be.
+    void flush();
+
     /// For the end of the process, where no event loop turns any more: carries out at once what the
     /// three calls above left waiting, then ends the thread and waits for it.
     void finish();

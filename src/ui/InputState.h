@@ -9,4 +9,5 @@ enum class InputState
     NoPermission, ///< There are devices, but this user may read none of them.
     Off,          ///< Keyboard statistics are switched off in the settings.
     Paused,       ///< The user paused counting.
+    ReadOnly,     ///< The database cannot be written, so nothing is counted.
 };

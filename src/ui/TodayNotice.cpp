@@ -67,6 +67,16 @@ Notice::Content paused()
             .button = {}};
 }
 
+Notice::Content readOnly()
+{
+    return {.icon = QStringLiteral("warning"),
+            .title = Text::tr("Keys are not counted"),
+            .text = Text::tr("The database is read-only. Make it and its directory writable, then "
+                             "start Tallyvane again. What was counted before is kept."),
+            .command = {},
+            .button = {}};
+}
+
 } // namespace
 
 std::optional<Notice::Content> TodayNotice::forState(InputState state, Figures figures)
@@ -82,6 +92,8 @@ std::optional<Notice::Content> TodayNotice::forState(InputState state, Figures f
         return off();
     case InputState::Paused:
         return paused();
+    case InputState::ReadOnly:
+        return readOnly();
     }
     return figures == Figures::None ? std::optional(empty()) : std::nullopt;
 }

@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/MainWindowHost.h"
+
+#include "ui/MainWindow.h"
+
+#include <utility>
+
+namespace {
+
+/// A keyboard that is plugged in shows after this at the latest.
+constexpr int RefreshMs = 2'000;
+
+} // namespace
+
+MainWindowHost::MainWindowHost(const QString& databaseFile, ApplicationName applicationName,
+                               InputStateSource inputState, QObject* parent)
+    : QObject(parent)
+    , m_databaseFile(databaseFile)
+    , m_applicationName(std::move(applicationName))
+    , m_inputState(std::move(inputState))
+{
+    m_refresh.setInterval(RefreshMs);
+    connect(&m_refresh, &QTimer::timeout, this, &MainWindowHost::refreshInputState);
+}
+
+MainWindowHost::~MainWindowHost() = default;
+
+void MainWindowHost::open()
+{
+    if (!m_window) {
+        create();
+    }
+    refreshInputState();
+    m_refresh.start();
+    m_window->show();
+    m_window->raise();
+    m_window->activateWindow();
+}
+
+bool MainWindowHost::isOpen() const
+{
+    return m_window && m_window->isVisible();
+}
+
+void MainWindowHost::create()
+{
+    m_window = std::make_unique<MainWindow>(m_databaseFile, m_applicationName);
+    connect(m_window.get(), &MainWindow::closed, this, &MainWindowHost::closed);
+    connect(m_window.get(), &MainWindow::pauseRequested, this, &MainWindowHost::pauseRequested);
+    connect(m_window.get(), &MainWindow::resumeRequested, this, &MainWindowHost::resumeRequested);
+    connect(m_window.get(), &MainWindow::keyboardCountingRequested, this,
+            &MainWindowHost::keyboardCountingRequested);
+}
+
+void MainWindowHost::refreshInputState()
+{
+    if (m_window) {
+        m_window->setInputState(m_inputState());
+    }
+}
+
+void MainWindowHost::cleanup()
+{
+    if (isOpen()) {
+        return;
+    }
+    m_refresh.stop();
+    m_window.reset();
+}
