@@ -202,7 +202,8 @@ void TrayIcon::scheduleMidnight()
 
 void TrayIcon::showMessage(const QString& title, const QString& text)
 {
-    if (m_icon.isVisible() && QSystemTrayIcon::supportsMessages()) {
+    const bool wanted = !Settings::instance().value(SettingsKeys::PauzeNotifications);
+    if (wanted && m_icon.isVisible() && QSystemTrayIcon::supportsMessages()) {
         m_icon.showMessage(title, text, m_icons.value(Shape::Counting));
     }
 }

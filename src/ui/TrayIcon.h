@@ -57,7 +57,7 @@ public Q_SLOTS:
     /// A key or button was used: blinks, unless a blink is under way, just over or not wanted.
     void noteActivity();
 
-    /// Shows a message beside the tray, or does nothing where there is no tray.
+    /// Shows a message beside the tray, unless there is no tray or the user wants no messages.
     void showMessage(const QString& title, const QString& text);
 
     /// Says, the first time only, that the program goes on counting without its window.

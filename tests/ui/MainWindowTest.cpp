@@ -130,6 +130,7 @@ void MainWindowTest::saysWhatIsMissing_data()
     QTest::newRow("no permission")
         << InputState::NoPermission << true << true << true << false << false;
     QTest::newRow("off") << InputState::Off << false << true << false << true << false;
+    QTest::newRow("read-only") << InputState::ReadOnly << true << true << false << false << false;
     QTest::newRow("paused") << InputState::Paused << true << true << false << false << true;
 }
 
