@@ -111,7 +111,8 @@ void Log::start(const QString& directory)
     s_logger = std::make_shared<spdlog::logger>("tallyvane", sinks.begin(), sinks.end());
     s_logger->set_pattern("%Y-%m-%d %H:%M:%S.%e %l %v");
     s_logger->set_level(spdlog::level::info);
-    s_logger->flush_on(spdlog::level::info);
+    // Line by line: what was written last before a crash is what one wants to read.
+    s_logger->flush_on(spdlog::level::trace);
     if (!failure.empty()) {
         warn("Logging to standard error only: {}", failure);
     }
