@@ -28,8 +28,8 @@ public:
     {
         QStringList arguments{QStringLiteral("-displayfd"), QStringLiteral("1"),
                               QStringLiteral("-screen"),    QStringLiteral("0"),
-                              QStringLiteral("800x600x24"), QStringLiteral("-nolisten"),
-                              QStringLiteral("tcp")};
+                              QStringLiteral("800x600x24"), QStringLiteral("-noreset"),
+                              QStringLiteral("-nolisten"),  QStringLiteral("tcp")};
         if (!number.isEmpty()) {
             arguments.prepend(number);
         }
@@ -356,7 +356,7 @@ void WindowWatcherTest::survivesWindowsThatVanish()
     const VirtualDisplay display;
     WindowWatcher watcher(m_processes);
     std::atomic<bool> done = false;
-    std::thread other([this, &done] {
+    std::jthread other([this, &done] {
         Client client;
         for (int i = 0; i < 400; ++i) {
             const Window window = client.open();
