@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
 """Types on a real keyboard while the program runs on a desktop, ends it half a second after the last
-key, and compares its database with what was typed: typing.py TALLYVANE"""
+key, and compares its database with what was typed: keystrokes.py TALLYVANE"""
 import collections
 import os
 import shutil
