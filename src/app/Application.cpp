@@ -65,11 +65,6 @@ Application::~Application()
     m_instance = nullptr;
 }
 
-Application* Application::instance()
-{
-    return m_instance;
-}
-
 void Application::watchForTheEnd()
 {
     connect(m_signals, &UnixSignals::terminationRequested, this, &Application::exitClient);
@@ -77,6 +72,7 @@ void Application::watchForTheEnd()
     connect(qApp, &QCoreApplication::aboutToQuit, this, &Application::exitClient);
     connect(qApp, &QGuiApplication::commitDataRequest, this, [this] {
         if (m_collector) {
+            m_collector->flush();
             m_collector->saveLocal();
         }
     });
@@ -160,12 +156,22 @@ void Application::prepareCounting()
     SystemPlaces places;
     places.dataDirectory = getDataDir();
     auto system = CommonSystem::createPlatformSpecificSystem(m_database.get(), this, places);
-    if (PowerMonitor* power = system->powerMonitor()) {
-        connect(power, &PowerMonitor::sessionEnding, this, &Application::exitClient);
-    }
+    m_platformSystem = system.get();
     m_system = std::make_unique<CachedSystem>(std::move(system));
+    watchForSleep();
     QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/tallyvane-logo.ico")));
     m_collector->addStat(new KeypressesStat(m_system.get(), this));
+}
+
+void Application::watchForSleep()
+{
+    const PowerMonitor* power = m_platformSystem->powerMonitor();
+    if (!power) {
+        return;
+    }
+    connect(power, &PowerMonitor::suspended, this, [this] { m_system->onSystemSuspend(); });
+    connect(power, &PowerMonitor::resumed, this, [this] { m_system->onSystemResume(); });
+    connect(power, &PowerMonitor::sessionEnding, this, &Application::exitClient);
 }
 
 void Application::prepareTray()
@@ -179,6 +185,13 @@ void Application::prepareTray()
     connect(m_tray, &TrayIcon::quitRequested, this, &Application::exitClient);
     Q_EMIT refreshTrayIcon();
     m_tray->show();
+    const QString damaged = m_database->keptDamagedFile();
+    if (!damaged.isEmpty()) {
+        slotNeedTrayIconMessage(tr("Database replaced"),
+                                tr("The database was damaged and another one took its place. The "
+                                   "damaged file is kept: %1")
+                                    .arg(damaged));
+    }
 }
 
 void Application::slotStartupDelayed()
@@ -212,11 +225,6 @@ void Application::applySettings(bool changedByUser)
     Q_EMIT refreshTrayIcon();
     applyNetworkProxy(ProxySettings::from(settings).proxy());
     m_window->refreshInputState();
-}
-
-void Application::applySettingsSlot()
-{
-    applySettings(true);
 }
 
 void Application::applyStatisticSwitches()
@@ -405,11 +413,13 @@ void Application::togglePortableMode()
 void Application::cleanDatabase()
 {
     m_database->cleanDatabase();
+    m_platformSystem->reloadExclusions();
 }
 
 void Application::cleanDatabaseUser()
 {
     m_database->cleanDatabaseUser();
+    m_platformSystem->reloadExclusions();
 }
 
 void Application::pruneMousePoints()
@@ -480,18 +490,10 @@ void Application::slotNeedTrayIconMessage(const QString& title, const QString& t
 
 void Application::onKeyDown()
 {
-    if (m_tray) {
-        m_tray->noteActivity();
-    }
+    m_tray->noteActivity();
 }
-
-void Application::onKeyUp() {}
 
 void Application::onMouseButtonDown()
 {
-    if (m_tray) {
-        m_tray->noteActivity();
-    }
+    m_tray->noteActivity();
 }
-
-void Application::onMouseButtonUp() {}

@@ -14,6 +14,7 @@
 
 class CachedSystem;
 class Collector;
+class CommonSystem;
 class Database;
 class LocalStats;
 class MainWindowHost;
@@ -34,7 +35,7 @@ public:
     /// Stops what still runs, as `closeProcesses`.
     ~Application() override;
 
-    static Application* instance();
+    static Application* instance() { return m_instance; }
 
     /// Builds the client; false means that it cannot run, and the user was told why. An empty
     /// translation file selects the language of the settings.
@@ -67,7 +68,8 @@ public Q_SLOTS:
     void resumeCounting();
 
     void applySettings(bool changedByUser);
-    void applySettingsSlot(); ///< The user changed a setting.
+
+    void applySettingsSlot() { applySettings(true); } ///< The user changed a setting.
 
     void doZurge();
     void cleanDatabase();
@@ -90,15 +92,19 @@ private Q_SLOTS:
 
 private:
     void onKeyDown() override;
-    void onKeyUp() override;
+
+    void onKeyUp() override {}
+
     void onMouseButtonDown() override;
-    void onMouseButtonUp() override;
+
+    void onMouseButtonUp() override {}
 
     bool openDatabase();
     void prepareStores(bool networkingDisabled, const QString& translationFile, bool restored);
     void prepareCounting();
     void prepareTray();
     void watchForTheEnd();
+    void watchForSleep();
     void applyStatisticSwitches();
     void prepareWindow();
     InputState inputState() const;
@@ -129,6 +135,7 @@ private:
     UnixSignals* m_signals;
     std::unique_ptr<Database> m_database;
     std::unique_ptr<CachedSystem> m_system;
+    CommonSystem* m_platformSystem = nullptr; ///< Inside `m_system`.
     Collector* m_collector = nullptr;
     std::unique_ptr<MousePointPruning> m_mousePointPruning;
     TrayIcon* m_tray = nullptr;

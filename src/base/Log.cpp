@@ -8,6 +8,7 @@
 #include <spdlog/spdlog.h>
 #include <sys/stat.h>
 
+#include <array>
 #include <cstdio>
 #include <memory>
 #include <string>
@@ -41,6 +42,13 @@ spdlog::level::level_enum spdlogLevel(Log::Level level)
         break;
     }
     return spdlog::level::off;
+}
+
+/// The name in front of a line, with a space after it.
+std::string levelName(Log::Level level)
+{
+    constexpr std::array names{"trace ", "debug ", "info ", "warn ", "error ", "fatal ", ""};
+    return names.at(static_cast<size_t>(level));
 }
 
 spdlog::sink_ptr fileSink(const QString& path)
@@ -109,7 +117,7 @@ void Log::start(const QString& directory)
         failure = exception.what();
     }
     s_logger = std::make_shared<spdlog::logger>("tallyvane", sinks.begin(), sinks.end());
-    s_logger->set_pattern("%Y-%m-%d %H:%M:%S.%e %l %v");
+    s_logger->set_pattern("%Y-%m-%d %H:%M:%S.%e %v");
     s_logger->set_level(spdlog::level::info);
     // Line by line: what was written last before a crash is what one wants to read.
     s_logger->flush_on(spdlog::level::trace);
@@ -149,8 +157,12 @@ void Log::write(Level level, std::string_view line)
     if (!s_logger) {
         return;
     }
-    std::string escaped;
-    escaped.reserve(line.size());
+    // A line that ends in a line feed is that line, and no second one.
+    if (line.ends_with('\n')) {
+        line.remove_suffix(1);
+    }
+    std::string escaped = levelName(level);
+    escaped.reserve(escaped.size() + line.size());
     for (const char character : line) {
         appendEscaped(escaped, character);
     }

@@ -303,6 +303,16 @@ inline const SettingKey<QDateTime> OnlineLastHeatmapButtons{
 inline const SettingKey<QDateTime> OnlineLastHeatmapButtonsApps{
     QStringLiteral("online_last_heatmap_buttons_apps")};
 
+// Without a stored default: the main window.
+/// As `QWidget::saveGeometry` gives it.
+inline const SettingKey<QByteArray> MainwindowGeometry{QStringLiteral("mainwindow_geometry")};
+/// The side bar shows icons alone.
+inline const SettingKey<bool> MainwindowSidebarCollapsed{
+    QStringLiteral("mainwindow_sidebar_collapsed"), false};
+/// The user was told where the program is once its window is closed.
+inline const SettingKey<bool> MainwindowClosingExplained{
+    QStringLiteral("mainwindow_closing_explained"), false};
+
 // Without a stored default: the Geek Window.
 /// Opens at start.
 inline const SettingKey<bool> GeekWindowAutostart{QStringLiteral("geek_window_autostart"), false};

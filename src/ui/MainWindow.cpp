@@ -7,7 +7,6 @@
 #include "ui/QueryWorker.h"
 #include "ui/SideBar.h"
 #include "ui/Theme.h"
-#include "ui/WindowSettings.h"
 
 #include <QCloseEvent>
 #include <QGuiApplication>
@@ -101,8 +100,8 @@ void MainWindow::restoreState()
 {
     resize(FirstSize);
     const Settings& settings = Settings::instance();
-    restoreGeometry(settings.value(WindowSettings::Geometry));
-    if (settings.value(WindowSettings::SideBarCollapsed)) {
+    restoreGeometry(settings.value(SettingsKeys::MainwindowGeometry));
+    if (settings.value(SettingsKeys::MainwindowSidebarCollapsed)) {
         m_sideBar->setForm(SideBar::Form::Collapsed);
     }
 }
@@ -110,8 +109,8 @@ void MainWindow::restoreState()
 void MainWindow::saveState() const
 {
     Settings& settings = Settings::instance();
-    settings.setValue(WindowSettings::Geometry, saveGeometry());
-    settings.setValue(WindowSettings::SideBarCollapsed,
+    settings.setValue(SettingsKeys::MainwindowGeometry, saveGeometry());
+    settings.setValue(SettingsKeys::MainwindowSidebarCollapsed,
                       m_sideBar->form() == SideBar::Form::Collapsed);
 }
 

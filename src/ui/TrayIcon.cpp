@@ -5,7 +5,6 @@
 #include "storage/Settings.h"
 #include "ui/Icons.h"
 #include "ui/Theme.h"
-#include "ui/WindowSettings.h"
 
 #include <QApplication>
 #include <QEvent>
@@ -211,10 +210,10 @@ void TrayIcon::showMessage(const QString& title, const QString& text)
 void TrayIcon::explainClosedWindow()
 {
     Settings& settings = Settings::instance();
-    if (settings.value(WindowSettings::ClosingExplained)) {
+    if (settings.value(SettingsKeys::MainwindowClosingExplained)) {
         return;
     }
-    settings.setValue(WindowSettings::ClosingExplained, true);
+    settings.setValue(SettingsKeys::MainwindowClosingExplained, true);
     const QString title = tr("Tallyvane is still running");
     if (m_icon.isVisible() && QSystemTrayIcon::isSystemTrayAvailable()) {
         showMessage(title,

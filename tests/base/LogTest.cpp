@@ -39,12 +39,16 @@ void LogTest::writesWhatTheLevelAdmits()
     Log::info("Database file: {}", QStringLiteral("/tmp/ä.db"));
     Log::setLevel(Log::Level::Trace);
     Log::trace("shown {}", 2);
+    Log::warn("with a line feed of its own\n");
+    Log::fatal("the end");
     Log::stop();
     Log::error("after the end");
 
     const QString text = read(directory);
     QVERIFY(text.contains(QStringLiteral("info Database file: /tmp/ä.db")));
     QVERIFY(text.contains(QStringLiteral("trace shown 2")));
+    QVERIFY(text.contains(QStringLiteral("warn with a line feed of its own\n")));
+    QVERIFY(text.endsWith(QStringLiteral("fatal the end\n")));
     QVERIFY(!text.contains(QStringLiteral("hidden")));
     QVERIFY(!text.contains(QStringLiteral("after the end")));
     const QFileInfo file(directory.filePath(QStringLiteral("app.log")));

@@ -92,6 +92,31 @@ class Counting(DesktopTest):
                 self.client.query("SELECT value FROM unzurged_stats WHERE name = 'keys'"),
                 [(str(expected),)])
 
+    def test_what_is_typed_during_a_pause_is_not_counted(self):
+        process = self.client.start_fully()
+        window = wait_for(lambda: self.desktop.windows("Tallyvane"), "the main window")[0]
+        self.client.wait_for_log("Creating device listener for /dev/input/event0")
+
+        def click_counting_button():  # at the right of the bar above the view
+            self.desktop.run("xdotool", "mousemove", "--window", window, "1024", "32", "click", "1")
+
+        self.keyboard.type("a")
+        time.sleep(0.2)
+        click_counting_button()
+        self.client.wait_for_log("Pausing collector")
+        self.client.wait_for_log("Closing device listener for /dev/input/event0")
+        self.assertEqual(self.counts_per_key(), {0x41: 1}, "written before the pause")
+        self.keyboard.type("b", "b")
+        time.sleep(0.5)
+        click_counting_button()
+        self.client.wait_for_log("Creating device listener for /dev/input/event0", count=2)
+        self.keyboard.type("c")
+        time.sleep(0.5)
+        self.assertEqual(self.client.terminate(process), 0)
+        counts = self.counts_per_key()
+        counts.pop(0x42, None)  # a pipe keeps what nobody read; a device does not
+        self.assertEqual(counts, {0x41: 1, 0x43: 1})
+
     def test_devices_come_and_go(self):
         process = self.start()
         second = self.client.device("event7")
