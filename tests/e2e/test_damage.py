@@ -67,6 +67,7 @@ class Damage(DesktopTest):
     def test_declining_a_fresh_database_changes_nothing(self):
         damaged = b"not a database at all" * 500
         self.database.write_bytes(damaged)
+        self.client.data.joinpath("tallyvane.db.backup").write_bytes(damaged)
         process = self.client.start("--closedwindow")
         self.box("Database failure")
         self.desktop.press("Return")
