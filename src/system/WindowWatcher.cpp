@@ -4,6 +4,8 @@
 #include "base/Log.h"
 #include "system/ProcessInfo.h"
 
+#include <QSet>
+
 #include <algorithm>
 
 namespace {
