@@ -35,8 +35,8 @@ constexpr quint64 saturatingSum(quint64 value, quint64 amount)
 struct UnzurgedCounter
 {
     QLatin1String name;
-    quint64 UnzurgedCounts::*value;
-    quint64 perTableUnit; ///< How many of the counter's units make one of the tables' units.
+    quint64 UnzurgedCounts::*value = nullptr;
+    quint64 perTableUnit = 1; ///< How many of the counter's units make one of the tables' units.
 };
 
 /// Every counter once: what reads or writes them all goes through this table.

@@ -45,11 +45,11 @@ constexpr int TimeSeriesOverlapDays = 7;
 Application* Application::m_instance = nullptr;
 
 Application::Application()
+    : m_profiles(new ProfileManager(this))
+    , m_localStats(new LocalStats(this))
+    , m_signals(new UnixSignals(this))
 {
     m_instance = this;
-    m_profiles = new ProfileManager(this);
-    m_localStats = new LocalStats(this);
-    m_signals = new UnixSignals(this);
     QCoreApplication::setApplicationName(QStringLiteral("Tallyvane"));
     QCoreApplication::setApplicationVersion(versionString());
     QCoreApplication::setOrganizationDomain(QStringLiteral("tallyvane.example"));

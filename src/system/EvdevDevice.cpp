@@ -35,7 +35,8 @@ public:
 
     bool contains(size_t code) const
     {
-        return (m_bytes.at(code / BitsPerByte) >> (code % BitsPerByte) & 1U) != 0;
+        const unsigned int byte = m_bytes.at(code / BitsPerByte);
+        return (byte >> (code % BitsPerByte) & 1U) != 0;
     }
 
     quint8* data() { return m_bytes.data(); }
