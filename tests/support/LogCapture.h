@@ -15,6 +15,9 @@ public:
     {
         Log::start(m_directory.path());
         Log::setLevel(level);
+        // Opened now, it can be read later by whichever user the test has become.
+        m_file.setFileName(m_directory.filePath(QStringLiteral("app.log")));
+        (void)m_file.open(QIODevice::ReadOnly);
     }
 
     ~LogCapture()
@@ -29,12 +32,14 @@ public:
     QString text() const
     {
         Log::flush();
-        QFile file(m_directory.filePath(QStringLiteral("app.log")));
-        return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+        return m_file.seek(0) ? QString::fromUtf8(m_file.readAll()) : QString();
     }
+
+    qsizetype count(const QString& line) const { return text().count(line); }
 
     bool contains(const QString& line) const { return text().contains(line); }
 
 private:
     QTemporaryDir m_directory;
+    mutable QFile m_file;
 };

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "InputLog.h"
 #include "InputPipe.h"
+#include "support/LogCapture.h"
 #include "support/TestRegistry.h"
 #include "system/AbstractSystemListener.h"
 #include "system/InputThread.h"
@@ -25,17 +25,13 @@ private Q_SLOTS:
     void init();
     void cleanup();
     void collectsUntilTaken();
-    void recordsWhereTheClickWas();
     void tellsTheReceiver();
-    void needsNoReceiver();
     void readsNoOtherNodes();
-    void keepsWhatWasReleasedBeforeTheStop();
-    void startsAgainAfterAStop();
+    void stopsWithoutLossAndStartsAgain();
     void forgetsADeviceThatEnded();
     void saysWhenADeviceFails();
     void readsANodeThatComesBack();
     void readsANodeThatReplacedAnother();
-    void saysThatThereIsNoDevice();
     void waitsForTheDirectory();
     void readsANodeOnceItMay();
     void leavesNothingBehind();
@@ -113,17 +109,19 @@ void InputThreadTest::collectsUntilTaken()
     QCOMPARE(takeKeys(3), QList<Qt::Key>({Qt::Key_A, Qt::Key_unknown, Qt::Key(0x0100125e)}));
     QVERIFY(m_input->takeKeyPresses().isEmpty());
 
-    QVERIFY(mouse.write({makeRecord(EV_REL, REL_WHEEL, 1), makeRecord(EV_REL, REL_WHEEL, 1),
-                         makeRecord(EV_REL, REL_WHEEL, 1), makeRecord(EV_REL, REL_WHEEL, 1),
-                         makeRecord(EV_REL, REL_WHEEL, -1), makeRecord(EV_REL, REL_WHEEL, -1),
-                         makeRecord(EV_REL, REL_WHEEL, -1), makeRecord(EV_REL, REL_HWHEEL, 1),
-                         makeRecord(EV_REL, REL_HWHEEL, 1), makeRecord(EV_REL, REL_HWHEEL, -1),
-                         makeRecord(EV_REL, REL_X, 100), makeRecord(EV_REL, REL_X, 300),
+    const QSize screen = QGuiApplication::primaryScreen()->size();
+    QCursor::setPos(screen.width() / 2, screen.height() / 4);
+    const auto wheel = [&mouse](int code, int value, int steps) {
+        return mouse.write(QList<input_event>(steps, makeRecord(EV_REL, code, value)));
+    };
+    QVERIFY(wheel(REL_WHEEL, 1, 4) && wheel(REL_WHEEL, -1, 3));
+    QVERIFY(wheel(REL_HWHEEL, 1, 2) && wheel(REL_HWHEEL, -1, 1));
+    QVERIFY(mouse.write({makeRecord(EV_REL, REL_X, 100), makeRecord(EV_REL, REL_X, 300),
                          makeRecord(EV_KEY, BTN_RIGHT, 0), makeRecord(EV_KEY, BTN_TASK, 0)}));
     QList<unsigned short> clicks;
     QTRY_COMPARE((clicks += m_input->takeMouseClicks()).size(), 2);
     QCOMPARE(clicks, QList<unsigned short>({1, 99}));
-    QCOMPARE(m_input->takeMousePoints().size(), 2);
+    QCOMPARE(m_input->takeMousePoints(), QList<QPointF>({{0.5, 0.25}, {0.5, 0.25}}));
     QCOMPARE(m_input->takeMouseScrollsUp(), 4);
     QCOMPARE(m_input->takeMouseScrollsDown(), 3);
     QCOMPARE(m_input->takeMouseScrollsLeft(), 2);
@@ -135,18 +133,6 @@ void InputThreadTest::collectsUntilTaken()
                  m_input->takeMouseScrollsLeft() + m_input->takeMouseScrollsRight() +
                  m_input->takeMouseDistancePixels(),
              0);
-}
-
-void InputThreadTest::recordsWhereTheClickWas()
-{
-    const InputPipe mouse(path(0));
-    m_input->start();
-    const QSize screen = QGuiApplication::primaryScreen()->size();
-    QCursor::setPos(screen.width() / 2, screen.height() / 4);
-    QVERIFY(mouse.write({makeRecord(EV_KEY, BTN_LEFT, 0)}));
-    QList<unsigned short> clicks;
-    QTRY_COMPARE((clicks += m_input->takeMouseClicks()).size(), 1);
-    QCOMPARE(m_input->takeMousePoints(), QList<QPointF>({{0.5, 0.25}}));
 }
 
 void InputThreadTest::tellsTheReceiver()
@@ -162,28 +148,23 @@ void InputThreadTest::tellsTheReceiver()
                  QStringLiteral("key down, key up, button down, button up"));
 }
 
-void InputThreadTest::needsNoReceiver()
-{
-    const InputPipe device(path(0));
-    m_input->start();
-    QVERIFY(device.write({makeRecord(EV_KEY, BTN_LEFT, 1), makeRecord(EV_KEY, BTN_LEFT, 0)}));
-    QVERIFY(device.tap({KEY_A}));
-    QCOMPARE(takeKeys(1).size(), 1);
-}
-
 void InputThreadTest::readsNoOtherNodes()
 {
     const InputPipe mice(path(QStringLiteral("mice")));
     const InputPipe upperCase(path(QStringLiteral("Event1")));
+    const LogCapture log;
     m_input->start();
     QVERIFY(!m_input->hasListeners());
+    QVERIFY(
+        log.contains(QStringLiteral("info No input devices (/dev/input/*) found! Tallyvane cannot "
+                                    "count your keys/clicks.\n")));
     const InputPipe device(path(QStringLiteral("event12")));
     QTRY_VERIFY(m_input->hasListeners());
     QVERIFY(mice.tap({KEY_A}) && upperCase.tap({KEY_B}) && device.tap({KEY_C}));
     QCOMPARE(takeKeys(1), QList<Qt::Key>({Qt::Key_C}));
 }
 
-void InputThreadTest::keepsWhatWasReleasedBeforeTheStop()
+void InputThreadTest::stopsWithoutLossAndStartsAgain()
 {
     ActivityLog activity;
     m_receiver = &activity;
@@ -197,23 +178,17 @@ void InputThreadTest::keepsWhatWasReleasedBeforeTheStop()
     QVERIFY(!m_input->hasListeners());
     QCOMPARE(m_input->takeKeyPresses(), QList<Qt::Key>({Qt::Key_A, Qt::Key_B}));
     QCOMPARE(m_input->takeMouseDistancePixels(), 7);
-}
 
-void InputThreadTest::startsAgainAfterAStop()
-{
-    const InputPipe device(path(0));
-    m_input->start();
-    m_input->stop();
     m_input->stop();
     m_input->start();
     m_input->start();
-    QVERIFY(device.tap({KEY_A}));
-    QCOMPARE(takeKeys(1).size(), 1);
+    QVERIFY(device.tap({KEY_C}));
+    QCOMPARE(takeKeys(1), QList<Qt::Key>({Qt::Key_C}));
 }
 
 void InputThreadTest::forgetsADeviceThatEnded()
 {
-    const InputLog log;
+    const LogCapture log;
     InputPipe device(path(0));
     m_input->start();
     QVERIFY(device.write({makeRecord(EV_REL, REL_X, 1), makeRecord(EV_REL, REL_X, 8)}));
@@ -225,7 +200,7 @@ void InputThreadTest::forgetsADeviceThatEnded()
 
 void InputThreadTest::saysWhenADeviceFails()
 {
-    const InputLog log;
+    const LogCapture log;
     const InputPipe other(path(1));
     QVERIFY(QDir().mkdir(path(0))); // Opens like a device and fails at the first read.
     m_input->start();
@@ -265,16 +240,6 @@ void InputThreadTest::readsANodeThatReplacedAnother()
     QCOMPARE(takeKeys(1).size(), 1);
 }
 
-void InputThreadTest::saysThatThereIsNoDevice()
-{
-    const InputLog log;
-    m_input->start();
-    QVERIFY(
-        log.contains(QStringLiteral("info No input devices (/dev/input/*) found! Tallyvane cannot "
-                                    "count your keys/clicks.\n")));
-    QVERIFY(!m_input->hasListeners());
-}
-
 void InputThreadTest::waitsForTheDirectory()
 {
     const QString directory = path(QStringLiteral("input"));
@@ -294,7 +259,7 @@ void InputThreadTest::waitsForTheDirectory()
 
 void InputThreadTest::readsANodeOnceItMay()
 {
-    const InputLog log;
+    const LogCapture log;
     QCOMPARE(chmod(QFile::encodeName(m_directory->path()).constData(), 0777), 0);
     // No mode keeps root from reading.
     const uid_t user = geteuid();
