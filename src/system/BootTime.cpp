@@ -7,7 +7,7 @@
 #include <QSaveFile>
 
 BootTime::BootTime(const QString& root, const QString& dataDirectory)
-    : m_root(root.endsWith(QLatin1Char('/')) ? root : root + QLatin1Char('/'))
+    : m_root(root)
     , m_file(dataDirectory + QStringLiteral("/boot-time"))
 {
 }
@@ -23,17 +23,18 @@ QDateTime BootTime::value()
 QDateTime BootTime::determine() const
 {
     const QString bootId = QString::fromLatin1(
-        ProcText::read(m_root + QStringLiteral("proc/sys/kernel/random/boot_id")).trimmed());
-    const QDateTime kept = keptFor(bootId);
+        ProcText::read(m_root.filePath(QStringLiteral("proc/sys/kernel/random/boot_id")))
+            .trimmed());
+    QDateTime kept = keptFor(bootId);
     if (kept.isValid()) {
         return kept;
     }
     const auto seconds =
-        ProcText::bootSeconds(ProcText::read(m_root + QStringLiteral("proc/stat")));
+        ProcText::bootSeconds(ProcText::read(m_root.filePath(QStringLiteral("proc/stat"))));
     if (!seconds) {
         return {};
     }
-    const QDateTime time = QDateTime::fromSecsSinceEpoch(*seconds);
+    QDateTime time = QDateTime::fromSecsSinceEpoch(*seconds);
     if (!bootId.isEmpty()) {
         keep(bootId, time);
     }

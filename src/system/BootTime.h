@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QDateTime>
+#include <QDir>
 #include <QString>
 
 #include <optional>
@@ -27,7 +28,7 @@ private:
     QDateTime keptFor(const QString& bootId) const;
     void keep(const QString& bootId, const QDateTime& time) const;
 
-    QString m_root; ///< Ends with a slash.
+    QDir m_root;
     QString m_file;
     std::optional<QDateTime> m_value;
 };

@@ -25,8 +25,6 @@ CachedSystem::CachedSystem(std::unique_ptr<AbstractSystem> system, Clock clock)
     Q_ASSERT(m_system);
 }
 
-CachedSystem::~CachedSystem() = default;
-
 qint64 CachedSystem::steadyClock()
 {
     using namespace std::chrono;

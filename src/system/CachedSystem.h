@@ -12,14 +12,12 @@
 /// A probe in front of the platform's own. Every operation forwards to that one; what is costly to
 /// find out and rarely changes is kept:
 ///
-/// | what                                              | how long, how many |
-/// |---------------------------------------------------|--------------------------------------------|
-/// | window in front: its application, its full screen | 200 ms, so that all statistics of one tick
-/// | |                                                   | see the same one | | application names
-/// and icons, by path              | one hour; the 512 names and 128 icons used | | | last | |
-/// network interfaces                                | 5 s, or until `refreshNetworkInterfaces`   |
-/// | boot time, operating system, platform, processor, | as long as this object lives | | memory,
-/// video card, computer model                |                                            |
+/// - for 200 ms, so that all statistics of one tick see the same: the application in front, and
+///   whether it is full-screen;
+/// - for 5 s, or until `refreshNetworkInterfaces`: the network interfaces;
+/// - for one hour: the names and icons of applications, of the 512 names and 128 icons used last;
+/// - as long as this object lives: the boot time, the operating system, the platform, the
+///   processor, the memory, the video card and the computer's model.
 ///
 /// `getApplicationName` asks anew each time; `getApplicationNameCached` is the kept answer. Waking
 /// from sleep drops what has a time limit. What is taken is never kept. Thread: main.
@@ -37,7 +35,6 @@ public:
 
     /// `system` must not be null.
     explicit CachedSystem(std::unique_ptr<AbstractSystem> system, Clock clock = steadyClock);
-    ~CachedSystem() override;
 
     QString getHostName() override;
     QString getScreenResolution() override;

@@ -21,8 +21,9 @@ constexpr int DeepestDirectory = 3;
 
 const QString FlatpakKey = QStringLiteral("flatpak:");
 const QString SnapKey = QStringLiteral("snap:");
-const QString SnapPrograms =
-    QStringLiteral("/snap/bin/"); ///< Links to one launcher, named as the snaps.
+
+/// Links to one launcher, named as the snaps.
+const QString SnapPrograms = QStringLiteral("/snap/bin/");
 
 using AppInfo = std::unique_ptr<GDesktopAppInfo, decltype(&g_object_unref)>;
 
@@ -90,7 +91,7 @@ QString DesktopEntries::name(const QString& path)
 
 QIcon DesktopEntries::icon(const QString& path)
 {
-    const QIcon program = QIcon::fromTheme(QStringLiteral("application-x-executable"));
+    QIcon program = QIcon::fromTheme(QStringLiteral("application-x-executable"));
     const Entry* entry = find(path);
     if (!entry || entry->icon.isEmpty()) {
         return program;

@@ -6,7 +6,7 @@
 #include <array>
 #include <vector>
 
-struct _XDisplay;
+struct _XDisplay; // NOLINT(bugprone-reserved-identifier): Xlib's own name for a display.
 
 /// One connection to the X display, made to outlive what happens to it: a window that vanished
 /// gives an empty answer, and a display that goes away makes `isOpen` false instead of ending the

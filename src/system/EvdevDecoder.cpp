@@ -19,13 +19,6 @@ constexpr quint64 MicrosecondsPerSecond = 1'000'000;
 constexpr quint64 ShortestFakeDistance = 90'001;
 constexpr quint64 LongestFakeDistance = 114'999;
 
-/// In unsigned arithmetic, which is defined for whatever time a device claims.
-quint64 microseconds(const input_event& record)
-{
-    return static_cast<quint64>(record.input_event_sec) * MicrosecondsPerSecond +
-           static_cast<quint64>(record.input_event_usec);
-}
-
 int saturated(double value)
 {
     if (std::isnan(value)) {
@@ -74,6 +67,12 @@ EvdevDecoder::EvdevDecoder(qint64 startSeconds, AxisScales scales, bool listenMo
 {
     m_left.lastPress = static_cast<quint64>(startSeconds) * MicrosecondsPerSecond;
     m_right.lastPress = m_left.lastPress;
+}
+
+quint64 EvdevDecoder::microseconds(const input_event& record)
+{
+    return static_cast<quint64>(record.input_event_sec) * MicrosecondsPerSecond +
+           static_cast<quint64>(record.input_event_usec);
 }
 
 InputAction EvdevDecoder::decode(const input_event& record)

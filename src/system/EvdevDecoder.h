@@ -54,6 +54,10 @@ public:
 
     InputAction decode(const input_event& record);
 
+    /// The time that a record carries, in unsigned arithmetic, which is defined for whatever time a
+    /// device claims.
+    static quint64 microseconds(const input_event& record);
+
 private:
     /// Some keyboards report presses of cursor left and right that no one made, each this close to
     /// the one before. The state of one such key:

@@ -3,7 +3,8 @@
 
 #include <QRegularExpression>
 
-#include <array>
+#include <algorithm>
+#include <initializer_list>
 
 namespace {
 
@@ -146,9 +147,9 @@ ExecLine::Program ExecLine::program(const QStringList& words)
     }
     const QStringList arguments = words.mid(at + 1);
     if (lastPart(words.at(at)) == QLatin1String("flatpak")) {
-        return {sandboxedCommand(arguments), true, false};
+        return {.name = sandboxedCommand(arguments), .isSandboxed = true};
     }
-    return {words.at(at), false, !arguments.isEmpty()};
+    return {.name = words.at(at), .hasArguments = !arguments.isEmpty()};
 }
 
 QString ExecLine::quoted(const QString& argument)

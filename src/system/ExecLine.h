@@ -17,8 +17,8 @@ QStringList words(const QString& exec);
 struct Program
 {
     QString name; ///< A path, or a name to look up in PATH.
-    bool isSandboxed =
-        false; ///< Started through flatpak: `name` is its program inside the sandbox.
+    /// Started through flatpak: `name` is its program inside the sandbox.
+    bool isSandboxed = false;
     bool hasArguments = false;
 };
 

@@ -5,7 +5,6 @@
 #include "system/HardwareIds.h"
 #include "system/ProcText.h"
 
-#include <QDir>
 #include <QSysInfo>
 
 #include <linux/input.h>
@@ -30,7 +29,7 @@ QString fullName(const QString& vendor, const QString& device)
 } // namespace
 
 Hardware::Hardware(const QString& root)
-    : m_root(root.endsWith(QLatin1Char('/')) ? root : root + QLatin1Char('/'))
+    : m_root(root)
 {
 }
 
@@ -38,7 +37,7 @@ QString Hardware::operatingSystem() const
 {
     for (const QString& file :
          {QStringLiteral("etc/os-release"), QStringLiteral("usr/lib/os-release")}) {
-        const QString name = ProcText::osReleaseValue(read(file), "PRETTY_NAME");
+        QString name = ProcText::osReleaseValue(read(file), "PRETTY_NAME");
         if (!name.isEmpty()) {
             return name;
         }
@@ -110,7 +109,7 @@ int Hardware::tcpConnections() const
 
 QByteArray Hardware::read(const QString& relativePath) const
 {
-    return ProcText::read(m_root + relativePath);
+    return ProcText::read(m_root.filePath(relativePath));
 }
 
 QByteArray Hardware::idList(const QString& name) const
@@ -127,7 +126,7 @@ QString Hardware::pciVideocards() const
     QStringList names;
     QByteArray ids;
     for (const QString& slot :
-         QDir(m_root + devices).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+         QDir(m_root.filePath(devices)).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
         const auto number = [&](const char* file) {
             return HardwareIds::hexNumber(
                 read(devices + slot + QLatin1Char('/') + QLatin1String(file)));
@@ -151,14 +150,15 @@ QString Hardware::pciVideocards() const
 
 QString Hardware::drmDrivers() const
 {
+    constexpr QByteArrayView driver("DRIVER=");
     const QString cards = QStringLiteral("sys/class/drm/");
     QStringList names;
     for (const QString& card :
-         QDir(m_root + cards).entryList({QStringLiteral("card?")}, QDir::Dirs)) {
+         QDir(m_root.filePath(cards)).entryList({QStringLiteral("card?")}, QDir::Dirs)) {
         for (const QByteArray& line :
              read(cards + card + QStringLiteral("/device/uevent")).split('\n')) {
-            if (line.startsWith("DRIVER=")) {
-                names.append(QString::fromUtf8(line.mid(7)));
+            if (line.startsWith(driver)) {
+                names.append(QString::fromUtf8(line.mid(driver.size())));
             }
         }
     }

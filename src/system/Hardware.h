@@ -3,6 +3,7 @@
 
 #include "system/InputDevicesText.h"
 
+#include <QDir>
 #include <QString>
 
 /// What the machine is made of, read from "/proc", "/sys" and the "hwdata" lists below a root.
@@ -35,5 +36,5 @@ private:
     QString drmDrivers() const;
     QString dmi(const QString& field) const;
 
-    QString m_root; ///< Ends with a slash.
+    QDir m_root;
 };

@@ -72,7 +72,7 @@ QString HardwareIds::modelText(QByteArrayView text)
 {
     // The device tree's texts end with a zero byte.
     const qsizetype end = text.indexOf('\0');
-    const QString line = QString::fromUtf8(end < 0 ? text : text.first(end)).simplified();
+    QString line = QString::fromUtf8(end < 0 ? text : text.first(end)).simplified();
     static constexpr std::array fillers{"to be filled by o.e.m.",
                                         "system product name",
                                         "system manufacturer",

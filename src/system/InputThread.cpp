@@ -111,8 +111,8 @@ void InputThread::startListeners()
         }
         const auto known = unreadable.constFind(path);
         if (known != unreadable.constEnd() && known->isStillUnreadable(path)) {
-            m_unreadable.insert(path,
-                                *known); // Said once, and not at every change of the directory.
+            // Said once, and not at every change of the directory.
+            m_unreadable.insert(path, *known);
         } else {
             startListener(path);
         }
@@ -144,7 +144,7 @@ void InputThread::startListener(const QString& path)
     m_listeners.insert(path, started);
 }
 
-void InputThread::connectListener(UnifiedListener* listener)
+void InputThread::connectListener(UnifiedListener* listener) const
 {
     connect(listener, &UnifiedListener::keyDown, this, &InputThread::keyDown);
     connect(listener, &UnifiedListener::keyUp, this, &InputThread::keyUp);

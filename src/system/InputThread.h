@@ -33,8 +33,7 @@ public:
     /// Gives the receiver of activity, or null while there is none. Asked at each event.
     using ReceiverAccess = std::function<AbstractSystemListener*()>;
 
-    /// Opens nothing yet. `directory` is where the device nodes are, by the names event0, event1,
-    /// ...
+    /// Opens nothing yet. `directory` holds the device nodes, named event0 and so on.
     explicit InputThread(ReceiverAccess receiver,
                          const QString& directory = QStringLiteral("/dev/input"),
                          QObject* parent = nullptr);
@@ -75,7 +74,7 @@ private:
     void startListeners();
     void stopListeners();
     void startListener(const QString& path);
-    void connectListener(UnifiedListener* listener);
+    void connectListener(UnifiedListener* listener) const;
     void directoryChanged();
     void watchDirectory();
     void forget(UnifiedListener* listener);

@@ -28,7 +28,7 @@ struct FunctionRow
 {
     quint16 firstCode;
     int firstKey;
-    int keys;
+    size_t keys;
 };
 
 constexpr std::array FunctionRows{
@@ -98,9 +98,8 @@ constexpr std::array<Qt::Key, KeyCodes> makeTable()
         }
     }
     for (const FunctionRow& row : FunctionRows) {
-        for (int i = 0; i < row.keys; ++i) {
-            table.at(static_cast<size_t>(row.firstCode + i)) =
-                static_cast<Qt::Key>(row.firstKey + i);
+        for (size_t i = 0; i < row.keys; ++i) {
+            table.at(row.firstCode + i) = static_cast<Qt::Key>(row.firstKey + static_cast<int>(i));
         }
     }
     for (const SingleKey& single : SingleKeys) {

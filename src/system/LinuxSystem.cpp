@@ -290,10 +290,11 @@ bool LinuxSystem::isKnownNetworkPort(int, Utils::TrafficType)
     return false;
 }
 
-void LinuxSystem::onSystemSuspend() {} // What was counted waits in memory, which sleep keeps.
+// What was counted waits in memory, which sleep keeps.
+void LinuxSystem::onSystemSuspend() {}
 
-void LinuxSystem::onSystemResume() {
-} // The input listener follows devices that come and go by itself.
+// The input listener follows devices that come and go by itself.
+void LinuxSystem::onSystemResume() {}
 
 void LinuxSystem::startInputMonitor()
 {

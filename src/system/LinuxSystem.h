@@ -21,6 +21,8 @@ class LinuxSystem final : public CommonSystem
 public:
     /// `database` may be null and is not owned.
     explicit LinuxSystem(Database* database, const SystemPlaces& places = {});
+    LinuxSystem(const LinuxSystem&) = delete;
+    LinuxSystem& operator=(const LinuxSystem&) = delete;
     ~LinuxSystem() override;
 
     /// The executable of a process, from the link "/proc/%1/exe"; empty when it cannot be told.

@@ -21,5 +21,6 @@ float MouseTravel::inches(int pixels)
         m_dpi = std::max(1, m_readDpi());
         m_lastRead.start();
     }
-    return static_cast<float>(pixels / m_dpi);
+    const int wholeInches = pixels / m_dpi;
+    return static_cast<float>(wholeInches);
 }

@@ -12,9 +12,9 @@
 /// thread.
 namespace ProcText {
 
-/// The text of `file`, or empty where it cannot be read. At most 4 MiB, which is far beyond the
-/// size of every file that is asked for here.
-QByteArray read(const QString& file);
+/// The text of the file at `path`, or empty where it cannot be read. At most 4 MiB, which is far
+/// beyond the size of every file that is asked for here.
+QByteArray read(const QString& path);
 
 /// The boot time of "/proc/stat", in seconds since the epoch.
 std::optional<qint64> bootSeconds(QByteArrayView stat);

@@ -14,7 +14,7 @@
 #include <climits>
 
 ProcessInfo::ProcessInfo(const QString& root)
-    : m_root(root.endsWith(QLatin1Char('/')) ? root : root + QLatin1Char('/'))
+    : m_root(root)
 {
 }
 
@@ -30,7 +30,7 @@ QString ProcessInfo::processPath(qint64 processId) const
 
 QString ProcessInfo::executableLink(qint64 processId, int& error) const
 {
-    const QString link = m_root + QStringLiteral("proc/%1/exe").arg(processId);
+    const QString link = m_root.filePath(QStringLiteral("proc/%1/exe").arg(processId));
     std::array<char, PATH_MAX> target{};
     const ssize_t length =
         ::readlink(QFile::encodeName(link).constData(), target.data(), target.size());
@@ -49,7 +49,7 @@ QString ProcessInfo::executableLink(qint64 processId, int& error) const
 QString ProcessInfo::programOfCommandLine(qint64 processId) const
 {
     const QByteArray line =
-        ProcText::read(m_root + QStringLiteral("proc/%1/cmdline").arg(processId));
+        ProcText::read(m_root.filePath(QStringLiteral("proc/%1/cmdline").arg(processId)));
     const QString word = QFile::decodeName(ProcText::firstArgument(line).toByteArray());
     if (word.isEmpty()) {
         return {};

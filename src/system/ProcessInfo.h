@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QDir>
 #include <QString>
 
 /// What "/proc" tells of processes. Thread: any one at a time.
@@ -22,5 +23,5 @@ private:
     QString executableLink(qint64 processId, int& error) const;
     QString programOfCommandLine(qint64 processId) const;
 
-    QString m_root; ///< Ends with a slash.
+    QDir m_root;
 };

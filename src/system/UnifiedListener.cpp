@@ -36,13 +36,6 @@ constexpr std::chrono::minutes LossWarningPause{1};
 constexpr quint64 FastRecordDistance = 250; // In microseconds.
 constexpr int GatherMilliseconds = 1;
 
-quint64 microseconds(const input_event& record)
-{
-    constexpr quint64 perSecond = 1'000'000;
-    return static_cast<quint64>(record.input_event_sec) * perSecond +
-           static_cast<quint64>(record.input_event_usec);
-}
-
 QString portableText(Qt::Key key)
 {
     return QKeySequence(key).toString(QKeySequence::PortableText);
@@ -152,7 +145,7 @@ void UnifiedListener::readRecords()
             handle(m_decoder->decode(records.at(i)));
         }
         if (count > 0 && count < records.size()) {
-            const quint64 time = microseconds(records.at(count - 1));
+            const quint64 time = EvdevDecoder::microseconds(records.at(count - 1));
             const quint64 passed = time - std::exchange(lastTime, time);
             if (passed > 0 && passed < count * FastRecordDistance) {
                 letRecordsGather();

@@ -41,8 +41,8 @@ QString WindowWatcher::activeApplicationPath()
         }
         return {};
     }
-    const std::optional<quint64> window = activeWindow();
-    if (!window || isDesktopOrDock(*window)) {
+    const std::optional<quint64> window = applicationWindowInFront();
+    if (!window) {
         return {};
     }
     const std::optional<qint64> process = processOf(*window);
@@ -82,8 +82,8 @@ bool WindowWatcher::isFullscreenWindowActive()
     if (!isConnected()) {
         return false;
     }
-    const std::optional<quint64> window = activeWindow();
-    if (!window || isDesktopOrDock(*window)) {
+    const std::optional<quint64> window = applicationWindowInFront();
+    if (!window) {
         return false;
     }
     const auto states = m_display->values(*window, Atom::State, PropertyType::Atom);
@@ -121,12 +121,12 @@ void WindowWatcher::reconnectIfDue()
     m_lastTry.start();
 }
 
-std::optional<quint64> WindowWatcher::activeWindow()
+std::optional<quint64> WindowWatcher::applicationWindowInFront()
 {
     const auto windows =
         m_display->values(m_display->rootWindow(), Atom::ActiveWindow, PropertyType::Window);
-    return windows.empty() || windows.front() == 0 ? std::nullopt
-                                                   : std::optional<quint64>(windows.front());
+    const quint64 window = windows.empty() ? 0 : windows.front();
+    return window == 0 || isDesktopOrDock(window) ? std::nullopt : std::optional(window);
 }
 
 bool WindowWatcher::isDesktopOrDock(quint64 window)

@@ -42,7 +42,8 @@ public:
 private:
     bool isConnected();
     void reconnectIfDue();
-    std::optional<quint64> activeWindow();
+    /// The window in front, unless it is the desktop or a panel.
+    std::optional<quint64> applicationWindowInFront();
     bool isDesktopOrDock(quint64 window);
     std::optional<qint64> processOf(quint64 window);
 
