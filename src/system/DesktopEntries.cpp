@@ -17,7 +17,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr std::chrono::milliseconds LookAgainAfter = 1min;
-constexpr int DeepestDirectory = 3;
+constexpr int DeepestDirectory = 3; ///< Below one of the places; links may lead in circles.
 
 const QString FlatpakKey = QStringLiteral("flatpak:");
 const QString SnapKey = QStringLiteral("snap:");
@@ -153,12 +153,12 @@ void DesktopEntries::readAll()
     m_ids.clear();
     for (const QString& directory :
          QStandardPaths::standardLocations(QStandardPaths::ApplicationsLocation)) {
-        readDirectory(directory, {});
+        readDirectory(directory, {}, 0);
     }
     m_readAt.start();
 }
 
-void DesktopEntries::readDirectory(const QString& directory, const QString& idPrefix)
+void DesktopEntries::readDirectory(const QString& directory, const QString& idPrefix, int depth)
 {
     m_directories.insert(directory, changeTime(directory));
     const QDir content(directory);
@@ -166,11 +166,11 @@ void DesktopEntries::readDirectory(const QString& directory, const QString& idPr
          content.entryInfoList({QStringLiteral("*.desktop")}, QDir::Files)) {
         readEntry(file.filePath(), idPrefix + file.completeBaseName());
     }
-    if (idPrefix.count(QLatin1Char('-')) >= DeepestDirectory) {
+    if (depth >= DeepestDirectory) {
         return;
     }
     for (const QFileInfo& inner : content.entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot)) {
-        readDirectory(inner.filePath(), idPrefix + inner.fileName() + QLatin1Char('-'));
+        readDirectory(inner.filePath(), idPrefix + inner.fileName() + QLatin1Char('-'), depth + 1);
     }
 }
 

@@ -41,7 +41,7 @@ private:
     const Entry* lookUp(const QString& path) const;
     bool haveDirectoriesChanged() const;
     void readAll();
-    void readDirectory(const QString& directory, const QString& idPrefix);
+    void readDirectory(const QString& directory, const QString& idPrefix, int depth);
     void readEntry(const QString& file, const QString& id);
     void addByProgram(const QString& exec, Entry entry);
     static void put(Table& table, const QString& key, const Entry& entry);

@@ -4,6 +4,7 @@
 #include "base/Format.h"
 #include "system/HardwareIds.h"
 #include "system/ProcText.h"
+#include "system/TextLines.h"
 
 #include <QSysInfo>
 
@@ -155,12 +156,14 @@ QString Hardware::drmDrivers() const
     QStringList names;
     for (const QString& card :
          QDir(m_root.filePath(cards)).entryList({QStringLiteral("card?")}, QDir::Dirs)) {
-        for (const QByteArray& line :
-             read(cards + card + QStringLiteral("/device/uevent")).split('\n')) {
-            if (line.startsWith(driver)) {
-                names.append(QString::fromUtf8(line.mid(driver.size())));
+        const QByteArray text = read(cards + card + QStringLiteral("/device/uevent"));
+        forEachLine(text, [&](QByteArrayView line) {
+            const bool found = line.startsWith(driver);
+            if (found) {
+                names.append(QString::fromUtf8(line.sliced(driver.size())));
             }
-        }
+            return found;
+        });
     }
     return joined(names);
 }

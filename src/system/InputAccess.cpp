@@ -3,9 +3,20 @@
 
 #include <QDir>
 
+QStringList inputDeviceNodes(const QString& directory)
+{
+    QStringList paths;
+    const QDir::Filters filters =
+        QDir::Dirs | QDir::Files | QDir::Drives | QDir::System | QDir::NoDotAndDotDot;
+    for (const QFileInfo& entry : QDir(directory).entryInfoList(filters, QDir::Unsorted)) {
+        if (entry.fileName().startsWith(QStringLiteral("event"))) {
+            paths.append(entry.absoluteFilePath());
+        }
+    }
+    return paths;
+}
+
 bool hasInputDevices(const QString& directory)
 {
-    return !QDir(directory)
-                .entryList({QStringLiteral("event*")}, QDir::Files | QDir::System, QDir::Unsorted)
-                .isEmpty();
+    return !inputDeviceNodes(directory).isEmpty();
 }

@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "system/InputDevicesText.h"
 
+#include "system/TextLines.h"
+
 #include <linux/input-event-codes.h>
 
 #include <climits>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -121,19 +124,26 @@ void readLine(QByteArrayView line, InputDeviceDescription& device, Capabilities&
 QList<InputDeviceDescription> parseInputDevices(QByteArrayView text)
 {
     QList<InputDeviceDescription> devices;
-    while (!text.isEmpty()) {
-        const qsizetype end = text.indexOf("\n\n");
-        QByteArrayView block = end < 0 ? text : text.first(end);
-        text = end < 0 ? QByteArrayView() : text.sliced(end + 2);
-        InputDeviceDescription device;
-        Capabilities capabilities;
-        while (!block.isEmpty()) {
-            const qsizetype lineEnd = block.indexOf('\n');
-            readLine(lineEnd < 0 ? block : block.first(lineEnd), device, capabilities);
-            block = lineEnd < 0 ? QByteArrayView() : block.sliced(lineEnd + 1);
+    InputDeviceDescription device;
+    Capabilities capabilities;
+    bool inBlock = false;
+    const auto endBlock = [&] {
+        if (inBlock) {
+            device.kind = kindOf(capabilities);
+            devices.append(std::exchange(device, {}));
+            capabilities = {};
+            inBlock = false;
         }
-        device.kind = kindOf(capabilities);
-        devices.append(device);
-    }
+    };
+    forEachLine(text, [&](QByteArrayView line) {
+        if (line.isEmpty()) {
+            endBlock();
+        } else {
+            readLine(line, device, capabilities);
+            inBlock = true;
+        }
+        return false;
+    });
+    endBlock();
     return devices;
 }

@@ -4,11 +4,12 @@
 #include "base/Log.h"
 #include "system/AbstractSystemListener.h"
 #include "system/ClickPosition.h"
+#include "system/InputAccess.h"
 #include "system/UnifiedListener.h"
 
 #include <QCoreApplication>
 #include <QCursor>
-#include <QDir>
+#include <QFileInfo>
 #include <QFileSystemWatcher>
 #include <QGuiApplication>
 #include <QScreen>
@@ -20,19 +21,6 @@
 namespace {
 
 constexpr std::chrono::milliseconds ScreenGeometryLifetime{10'000};
-
-QStringList deviceNodes(const QString& directory)
-{
-    QStringList paths;
-    const QDir::Filters filters =
-        QDir::Dirs | QDir::Files | QDir::Drives | QDir::System | QDir::NoDotAndDotDot;
-    for (const QFileInfo& entry : QDir(directory).entryInfoList(filters, QDir::Unsorted)) {
-        if (entry.fileName().startsWith(QStringLiteral("event"))) {
-            paths.append(entry.absoluteFilePath());
-        }
-    }
-    return paths;
-}
 
 } // namespace
 
@@ -105,7 +93,7 @@ void InputThread::directoryChanged()
 void InputThread::startListeners()
 {
     const QHash<QString, DeviceNode> unreadable = std::exchange(m_unreadable, {});
-    for (const QString& path : deviceNodes(m_directory)) {
+    for (const QString& path : inputDeviceNodes(m_directory)) {
         if (m_listeners.contains(path)) {
             continue;
         }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "system/ProcText.h"
 
+#include "system/TextLines.h"
+
 #include <QFile>
 
 #include <array>
@@ -8,20 +10,6 @@
 namespace {
 
 constexpr qint64 LongestFile = qint64{4} << 20;
-
-/// Calls `use` with each line of `text` until it returns true.
-template <typename Use>
-void forEachLine(QByteArrayView text, Use use)
-{
-    while (!text.isEmpty()) {
-        const qsizetype end = text.indexOf('\n');
-        const QByteArrayView line = end < 0 ? text : text.first(end);
-        if (use(line)) {
-            return;
-        }
-        text = end < 0 ? QByteArrayView() : text.sliced(end + 1);
-    }
-}
 
 /// The text after `key` and a colon, as in "model name\t: Name"; null when `line` has another key.
 QByteArrayView valueOf(QByteArrayView line, QByteArrayView key)
