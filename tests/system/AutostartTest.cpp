@@ -16,7 +16,6 @@ private Q_SLOTS:
     void cleanup();
     void writesAnEntryThatStartsTheProgram_data();
     void writesAnEntryThatStartsTheProgram();
-    void leavesACurrentEntryAlone();
     void comesAndGoes();
     void hidesTheEntryForAllUsers();
     void tellsOfFailure();
@@ -73,21 +72,6 @@ void AutostartTest::writesAnEntryThatStartsTheProgram()
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     };
     QTRY_COMPARE(written(), QByteArray("onstartup"));
-}
-
-void AutostartTest::leavesACurrentEntryAlone()
-{
-    const Autostart autostart(QStringLiteral("/usr/bin/tallyvane"));
-    QVERIFY(autostart.follow(true));
-    QFile file(Autostart::filePath());
-    QVERIFY(file.open(QIODevice::ReadWrite));
-    const QDateTime longAgo(QDate(2020, 1, 1), QTime(0, 0));
-    QVERIFY(file.setFileTime(longAgo, QFileDevice::FileModificationTime));
-    file.close();
-    QVERIFY(autostart.follow(true));
-    QCOMPARE(QFileInfo(file).lastModified(), longAgo);
-    QVERIFY(Autostart(QStringLiteral("/opt/tallyvane")).follow(true)); // It moved.
-    QVERIFY(content().contains("/opt/tallyvane"));
 }
 
 void AutostartTest::comesAndGoes()

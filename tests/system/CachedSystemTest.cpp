@@ -40,11 +40,6 @@ public:
         return QDateTime::fromSecsSinceEpoch(1);
     }
 
-    QString getComputerModel(bool withVendor) override
-    {
-        return note(withVendor ? QStringLiteral("vendor and model") : QStringLiteral("model"));
-    }
-
 private:
     QString note(const QString& call)
     {
@@ -71,7 +66,6 @@ private Q_SLOTS:
     void init();
     void keepsFor_data();
     void keepsFor();
-    void tellsModelsApart();
     void keepsOnlyTheNamesUsedLast();
     void asksAnewAfter_data();
     void asksAnewAfter();
@@ -119,15 +113,6 @@ void CachedSystemTest::keepsFor()
     m_now += 1;
     operation(*m_system);
     QCOMPARE(m_calls.size(), lifeMs > 0 ? 2 : 1);
-}
-
-void CachedSystemTest::tellsModelsApart()
-{
-    for (int time = 0; time < 2; ++time) {
-        QCOMPARE(m_system->getComputerModel(true), QStringLiteral("vendor and model"));
-        QCOMPARE(m_system->getComputerModel(false), QStringLiteral("model"));
-    }
-    QCOMPARE(m_calls.size(), 2);
 }
 
 void CachedSystemTest::keepsOnlyTheNamesUsedLast()

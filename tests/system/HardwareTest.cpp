@@ -19,7 +19,6 @@ private Q_SLOTS:
     void models();
     void namesVideocards();
     void namesInputDevices();
-    void readsSizesAndCounts();
     void keepsTheBootTime();
     void travel_data();
     void travel();
@@ -93,20 +92,6 @@ void HardwareTest::namesInputDevices()
     QCOMPARE(hardware.inputDevices(InputDeviceDescription::Kind::Mouse),
              QStringLiteral("Logitech, Inc. Mouse, Big Mouse"));
     QCOMPARE(hardware.inputDevices(InputDeviceDescription::Kind::Keyboard), QString());
-}
-
-void HardwareTest::readsSizesAndCounts()
-{
-    const FixtureRoot root;
-    const QByteArray established = "  0: 0100007F:0277 0100007F:0001 01 0:0\n";
-    QVERIFY(root.write(QStringLiteral("proc/meminfo"), "MemTotal:       16313428 kB\n"));
-    QVERIFY(root.write(QStringLiteral("proc/net/tcp"), established + established));
-    QVERIFY(root.write(QStringLiteral("proc/net/tcp6"), established));
-    QVERIFY(root.write(QStringLiteral("etc/os-release"), "PRETTY_NAME=\"Some OS 1\"\n"));
-    const Hardware hardware(root.path());
-    QCOMPARE(hardware.memory(), QStringLiteral("15.6 GiB"));
-    QCOMPARE(hardware.tcpConnections(), 3);
-    QCOMPARE(hardware.operatingSystem(), QStringLiteral("Some OS 1"));
 }
 
 namespace {

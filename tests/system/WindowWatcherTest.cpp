@@ -81,13 +81,6 @@ public:
 
     Window root() const { return DefaultRootWindow(m_display); }
 
-    Window open()
-    {
-        const Window window = XCreateSimpleWindow(m_display, root(), 0, 0, 100, 100, 0, 0, 0);
-        XMapWindow(m_display, window);
-        return window;
-    }
-
     void close(Window window)
     {
         XDestroyWindow(m_display, window);
@@ -98,24 +91,22 @@ public:
 
     void set(Window window, const char* property, Atom type, const std::vector<long>& values)
     {
-        XChangeProperty(m_display, window, atom(property), type, 32, PropModeReplace,
-                        reinterpret_cast<const unsigned char*>(values.data()),
-                        static_cast<int>(values.size()));
-        XSync(m_display, False);
+        constexpr int format = 32;
+        setRaw(window, property, type, format, values.data(), values.size());
     }
 
     void setBytes(Window window, const char* property, Atom type, const QByteArray& bytes)
     {
-        XChangeProperty(m_display, window, atom(property), type, 8, PropModeReplace,
-                        reinterpret_cast<const unsigned char*>(bytes.constData()),
-                        static_cast<int>(bytes.size()));
-        XSync(m_display, False);
+        constexpr int format = 8;
+        setRaw(window, property, type, format, bytes.constData(),
+               static_cast<size_t>(bytes.size()));
     }
 
     /// Opens a window of the process and has it stand in front, as a window manager would.
     Window openInFront(long process)
     {
-        const Window window = open();
+        const Window window = XCreateSimpleWindow(m_display, root(), 0, 0, 100, 100, 0, 0, 0);
+        XMapWindow(m_display, window);
         set(window, "_NET_WM_PID", XA_CARDINAL, {process});
         set(root(), "_NET_ACTIVE_WINDOW", XA_WINDOW, {toLong(window)});
         set(root(), "_NET_CLIENT_LIST", XA_WINDOW, {toLong(window)});
@@ -123,6 +114,14 @@ public:
     }
 
 private:
+    void setRaw(Window window, const char* property, Atom type, int format, const void* data,
+                size_t count)
+    {
+        XChangeProperty(m_display, window, atom(property), type, format, PropModeReplace,
+                        static_cast<const unsigned char*>(data), static_cast<int>(count));
+        XSync(m_display, False);
+    }
+
     Display* m_display;
 };
 
