@@ -11,8 +11,8 @@ namespace SnapStandardPaths {
 
 /// The directory to write to, without a trailing slash; it may not exist yet. `AppDataLocation` and
 /// `AppLocalDataLocation` give "<root>/Tallyvane", where root is `$SNAP_USER_DATA/.local/share`,
-/// else
-/// `$XDG_DATA_HOME`, else "~/.local/share"; every other location is Qt's own answer. Any thread.
+/// else `$XDG_DATA_HOME`, else "~/.local/share"; every other location is Qt's own answer. Any
+/// thread.
 QString writableLocation(QStandardPaths::StandardLocation location);
 
 /// Creates `directory` and its missing parents, readable by this user alone (mode 0700). An

@@ -12,9 +12,8 @@ class Database;
 ///
 /// The clock is judged as a point in time, not by what a wall clock shows: at the end of summer
 /// time the same hour passes twice, time does not go back, and nothing is moved. Where only text
-/// tells
-/// ("02:50" stored during that hour), the earlier of both readings holds: a history left where it
-/// is can still be moved, one moved by mistake cannot be told from a right one.
+/// tells ("02:50" stored during that hour), the earlier of both readings holds: a history left
+/// where it is can still be moved, one moved by mistake cannot be told from a right one.
 ///
 ///     normal --clock behind--> blocked (ten updates) --> history moved --> normal
 ///        ^                        |
@@ -24,12 +23,9 @@ class Database;
 class TimeGuard final
 {
 public:
-    /// The guard of the open database; created on first use. `Database` must exist.
+    /// The guard of the open database: created on first use, gone when that closes. `Database` must
+    /// exist.
     static TimeGuard& instance();
-
-    /// Ends the guard with its statements; the next `instance` starts anew. Before the database
-    /// closes.
-    static void release();
 
     /// Takes note of the time. To be called every 500 ms, before anything is filed under a day.
     void update();
