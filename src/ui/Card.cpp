@@ -39,6 +39,7 @@ Card::Card(const QString& name, const QString& title, QWidget* picture, CountsMo
     m_explanation->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     m_explanation->hide();
     m_pages->addWidget(picture);
+    picture->setAccessibleName(title);
 
     auto* head = new QHBoxLayout;
     head->setSpacing(Theme::Rhythm);
@@ -86,9 +87,6 @@ void Card::buildMenu()
     m_menuButton->setToolTip(tr("Copy, save or show as table"));
     m_menuButton->setAccessibleName(tr("Menu of “%1”").arg(m_title->text()));
     m_menuButton->setMenu(menu);
-    QSizePolicy keepsItsPlace = m_menuButton->sizePolicy();
-    keepsItsPlace.setRetainSizeWhenHidden(true);
-    m_menuButton->setSizePolicy(keepsItsPlace);
 }
 
 void Card::setExplanation(const QString& text)
@@ -116,9 +114,9 @@ bool Card::focusFilter()
 void Card::toggleTable()
 {
     if (m_table == nullptr) {
-        m_table = new CountsTable(m_model, m_sortColumn, m_sortOrder, this);
-        m_table->setAccessibleName(m_title->text());
+        m_table = new CountsTable(m_model, m_title->text(), m_sortColumn, m_sortOrder, this);
         m_pages->addWidget(m_table);
+        m_table->setTabOrderAfter(m_menuButton);
     }
     const bool showTable = m_pages->currentWidget() != m_table;
     m_pages->setCurrentIndex(showTable ? m_pages->indexOf(m_table) : 0);
@@ -136,9 +134,9 @@ void Card::savePicture()
 {
     askForFile(tr("Save picture"), tr("PNG pictures (*.png)"), QStringLiteral("png"),
                [this](const QString& file) {
-                   m_menuButton->hide();
-                   const QPixmap picture = grab();
-                   m_menuButton->show();
+                   QPixmap picture = grab();
+                   QPainter(&picture).fillRect(m_menuButton->geometry(),
+                                               Theme::colours(palette()).card);
                    QSaveFile target(file);
                    const bool saved = target.open(QIODevice::WriteOnly) &&
                                       picture.save(&target, "PNG") && target.commit();
@@ -191,22 +189,13 @@ void Card::changeEvent(QEvent* event)
 
 void Card::applyTheme()
 {
-    const Theme::Colours colours = Theme::colours(palette());
     m_title->setFont(Theme::font(Theme::TextSize::Title));
     m_explanation->setFont(Theme::font(Theme::TextSize::Caption));
-    QPalette muted = palette();
-    muted.setColor(QPalette::WindowText, colours.mutedText);
-    m_explanation->setPalette(muted);
+    m_explanation->setPalette(Theme::mutedPalette(palette()));
 }
 
 void Card::paintEvent(QPaintEvent*)
 {
-    const Theme::Colours colours = Theme::colours(palette());
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(colours.hairline, 1));
-    painter.setBrush(colours.card);
-    constexpr qreal halfPixel = 0.5;
-    painter.drawRoundedRect(QRectF(rect()).adjusted(halfPixel, halfPixel, -halfPixel, -halfPixel),
-                            Theme::Corner, Theme::Corner);
+    Theme::drawCard(painter, rect(), palette());
 }

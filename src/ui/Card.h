@@ -5,11 +5,12 @@
 
 #include <QFrame>
 
+#include <functional>
+
 class CountsTable;
 class QLabel;
 class QStackedLayout;
 class QToolButton;
-class QVBoxLayout;
 
 /// One card of a view: a title, at most one line of explanation, a picture of its data, and a menu
 /// with what can be done with them. The table behind the menu is made when it is first wanted.
@@ -32,6 +33,9 @@ public:
     /// Moves the focus to the table's filter; false where the table is not shown.
     bool focusFilter();
 
+    /// Asks for a file and writes the data to it.
+    void exportData();
+
 protected:
     void changeEvent(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
@@ -42,7 +46,6 @@ private:
     void toggleTable();
     void copy() const;
     void savePicture();
-    void exportData();
     QString fileName(const QString& suffix) const;
     void askForFile(const QString& title, const QString& filter, const QString& suffix,
                     const std::function<QString(const QString&)>& write);

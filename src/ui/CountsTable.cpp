@@ -3,6 +3,7 @@
 
 #include "ui/CountsModel.h"
 #include "ui/Icons.h"
+#include "ui/TableText.h"
 #include "ui/Theme.h"
 
 #include <QApplication>
@@ -15,8 +16,11 @@
 #include <QTableView>
 #include <QVBoxLayout>
 
-CountsTable::CountsTable(QAbstractItemModel* model, int sortColumn, Qt::SortOrder order,
-                         QWidget* parent)
+#include <algorithm>
+#include <utility>
+
+CountsTable::CountsTable(QAbstractItemModel* model, const QString& title, int sortColumn,
+                         Qt::SortOrder order, QWidget* parent)
     : QWidget(parent)
     , m_proxy(new QSortFilterProxyModel(this))
     , m_filter(new QLineEdit(this))
@@ -37,6 +41,7 @@ CountsTable::CountsTable(QAbstractItemModel* model, int sortColumn, Qt::SortOrde
             &QSortFilterProxyModel::setFilterFixedString);
 
     m_filter->setPalette(Theme::fieldPalette(palette()));
+    m_view->setAccessibleName(title);
     buildView(sortColumn, order);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -66,6 +71,12 @@ void CountsTable::buildView(int sortColumn, Qt::SortOrder order)
     m_view->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(m_view, &QWidget::customContextMenuRequested, this, &CountsTable::showMenu);
     m_view->installEventFilter(this);
+}
+
+void CountsTable::setTabOrderAfter(QWidget* before)
+{
+    setTabOrder(before, m_filter);
+    setTabOrder(m_filter, m_view);
 }
 
 void CountsTable::focusFilter()
@@ -104,17 +115,14 @@ bool CountsTable::eventFilter(QObject* watched, QEvent* event)
 
 void CountsTable::copySelection() const
 {
-    QStringList lines;
-    const QModelIndexList selected = m_view->selectionModel()->selectedRows();
-    for (const QModelIndex& first : selected) {
-        QStringList cells;
-        for (int column = 0; column < m_proxy->columnCount(); ++column) {
-            cells.append(first.siblingAtColumn(column).data().toString());
-        }
-        lines.append(cells.join(QLatin1Char('\t')));
+    QModelIndexList selected = m_view->selectionModel()->selectedRows();
+    std::sort(selected.begin(), selected.end()); // Selected in any order, copied as shown.
+    QString text;
+    for (const QModelIndex& row : std::as_const(selected)) {
+        text += TableText::tabbedRow(*m_proxy, row.row());
     }
-    if (!lines.isEmpty()) {
-        QApplication::clipboard()->setText(lines.join(QLatin1Char('\n')));
+    if (!text.isEmpty()) {
+        QApplication::clipboard()->setText(text);
     }
 }
 

@@ -16,9 +16,12 @@ class CountsTable : public QWidget
 
 public:
     /// Sorts by `sortColumn` at first; -1 keeps the model's order. `model` is not owned and must
-    /// live longer.
-    CountsTable(QAbstractItemModel* model, int sortColumn, Qt::SortOrder order,
-                QWidget* parent = nullptr);
+    /// live longer. A screen reader calls the table `title`.
+    CountsTable(QAbstractItemModel* model, const QString& title, int sortColumn,
+                Qt::SortOrder order, QWidget* parent = nullptr);
+
+    /// Lets Tab move from `before` to the filter and on to the table.
+    void setTabOrderAfter(QWidget* before);
 
     void focusFilter();
 

@@ -8,6 +8,12 @@
 #include <QEvent>
 #include <QLabel>
 
+namespace {
+
+constexpr qint64 LargestInFull = 999'999;
+
+} // namespace
+
 FigurePanel::FigurePanel(CountsModel* model, QString unit, int facts, int factsWhenLow,
                          QWidget* parent)
     : QWidget(parent)
@@ -88,7 +94,7 @@ void FigurePanel::follow()
         return;
     }
     const qint64 count = rows.constFirst().count;
-    m_figure->setText(Format::shortCount(count));
+    m_figure->setText(count <= LargestInFull ? Format::count(count) : Format::shortCount(count));
     const QString full = QStringLiteral("%1 %2").arg(Format::count(count), m_unit);
     m_figure->setToolTip(m_note.isEmpty() ? full : full + QStringLiteral("\n\n") + m_note);
     m_figure->setAccessibleName(full);
@@ -110,8 +116,7 @@ void FigurePanel::changeEvent(QEvent* event)
 void FigurePanel::applyTheme()
 {
     m_figure->setFont(Theme::font(Theme::TextSize::Figure));
-    QPalette muted = palette();
-    muted.setColor(QPalette::WindowText, Theme::colours(palette()).mutedText);
+    const QPalette muted = Theme::mutedPalette(palette());
     for (const Fact& fact : std::as_const(m_facts)) {
         fact.caption->setPalette(muted);
     }

@@ -7,8 +7,8 @@
 class CountsModel;
 class QLabel;
 
-/// The first row of a model as a large figure, the others as small ones below or beside it.
-/// Thread: main.
+/// The first row of a model as a large figure, shortened from a million on, the others as small
+/// ones below or beside it. Thread: main.
 class FigurePanel : public QWidget
 {
     Q_OBJECT

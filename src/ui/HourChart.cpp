@@ -45,7 +45,6 @@ HourChart::HourChart(QWidget* parent)
     , m_keyAxis(new QValueAxis(this))
 {
     setObjectName(QStringLiteral("hourChart"));
-    setAccessibleName(tr("Keys per hour of today"));
     setRenderHint(QPainter::Antialiasing);
     setFrameShape(QFrame::NoFrame);
     setBackgroundBrush(Qt::NoBrush);
@@ -88,6 +87,7 @@ void HourChart::buildAxes()
 
 void HourChart::setDay(const QDate& day, const QHash<int, qint64>& keys)
 {
+    m_day = day;
     m_keys = keys;
     setSlots(hourSlots(day, QTimeZone::systemTimeZone()));
     qreal largest = 0;
@@ -101,6 +101,7 @@ void HourChart::setDay(const QDate& day, const QHash<int, qint64>& keys)
         }
     }
     setTop(static_cast<qint64>(std::ceil(largest)));
+    updateAccessibleText();
 }
 
 void HourChart::setSlots(const QList<HourSlot>& hours)
@@ -164,13 +165,24 @@ void HourChart::applyTheme()
 QString HourChart::describe(int slot) const
 {
     const HourSlot& shown = m_hours.at(slot);
-    const QString hours =
-        tr("%1 to %2").arg(Format::hour(shown.hour), Format::hour((shown.hour + 1) % 24));
-    const QString keys = tr("%1 keys").arg(Format::count(m_keys.value(shown.hour)));
-    if (shown.occurrences == 1) {
-        return QStringLiteral("%1: %2").arg(hours, keys);
+    const QString text = shown.occurrences == 1
+                             ? tr("%1 to %2, keys: %3")
+                             : tr("%1 to %2, which comes twice, keys in both: %3");
+    return text.arg(Format::hour(shown.hour), Format::hour((shown.hour + 1) % 24),
+                    Format::count(m_keys.value(shown.hour)));
+}
+
+void HourChart::updateAccessibleText()
+{
+    QStringList lines;
+    for (int slot = 0; slot < m_hours.size(); ++slot) {
+        const int hour = m_hours.at(slot).hour;
+        const bool again = slot > 0 && m_hours.at(slot - 1).hour == hour;
+        if (m_keys.value(hour) > 0 && !again) {
+            lines.append(describe(slot));
+        }
     }
-    return tr("%1, which comes twice today: %2 in both").arg(hours, keys);
+    setAccessibleDescription(lines.join(QLatin1Char('\n')));
 }
 
 void HourChart::mouseMoveEvent(QMouseEvent* event)
@@ -179,7 +191,8 @@ void HourChart::mouseMoveEvent(QMouseEvent* event)
     const QPointF position = chart()->mapFromScene(scenePosition);
     const auto slot = static_cast<int>(std::lround(chart()->mapToValue(position).x()));
     if (chart()->plotArea().contains(position) && slot >= 0 && slot < m_hours.size()) {
-        QToolTip::showText(event->globalPosition().toPoint(), describe(slot), this);
+        QToolTip::showText(event->globalPosition().toPoint(),
+                           Format::day(m_day) + QLatin1Char('\n') + describe(slot), this);
     } else {
         QToolTip::hideText();
     }

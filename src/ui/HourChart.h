@@ -36,10 +36,12 @@ private:
     void setTop(qint64 largest);
     void applyTheme();
     QString describe(int slot) const;
+    void updateAccessibleText();
 
     QBarSet* m_set;
     QCategoryAxis* m_hourAxis;
     QValueAxis* m_keyAxis;
+    QDate m_day;
     QList<HourSlot> m_hours;
     QHash<int, qint64> m_keys;
 };

@@ -32,13 +32,14 @@ MainWindow::MainWindow(const QString& databaseFile, ApplicationName applicationN
     , m_sideBar(new SideBar(this))
     , m_title(new QLabel(this))
     , m_subtitle(new QLabel(this))
-    , m_countingButton(new QPushButton(this))
     , m_views(new QStackedWidget(this))
     , m_today(new TodayView(*m_worker, std::move(applicationName)))
 {
     setObjectName(QStringLiteral("mainWindow"));
     setWindowTitle(QStringLiteral("Tallyvane"));
     setMinimumSize(LeastSize);
+    // Tab moves in the order in which the controls are made.
+    m_sideBar->addView(QStringLiteral("viewToday"), QStringLiteral("today"), tr("Today"));
 
     auto* content = new QVBoxLayout;
     content->setSpacing(0);
@@ -50,12 +51,12 @@ MainWindow::MainWindow(const QString& databaseFile, ApplicationName applicationN
     layout->addWidget(m_sideBar);
     layout->addLayout(content, 1);
 
-    m_sideBar->addView(QStringLiteral("viewToday"), QStringLiteral("today"), tr("Today"));
     m_views->addWidget(m_today);
     connect(m_sideBar, &SideBar::chosen, this, &MainWindow::showView);
     connect(m_today, &TodayView::dayChanged, this, &MainWindow::showDay);
     connect(m_today, &TodayView::keyboardCountingRequested, this,
             &MainWindow::keyboardCountingRequested);
+    m_sideBar->orderTabs();
     buildShortcuts();
     restoreState();
     showView(0);
@@ -63,7 +64,12 @@ MainWindow::MainWindow(const QString& databaseFile, ApplicationName applicationN
     applyTheme();
 }
 
-MainWindow::~MainWindow() = default;
+MainWindow::~MainWindow()
+{
+    if (isVisible()) {
+        saveState(); // The program ends with the window open.
+    }
+}
 
 QWidget* MainWindow::buildBar()
 {
@@ -71,6 +77,7 @@ QWidget* MainWindow::buildBar()
     bar->setFixedHeight(BarHeight);
     m_title->setObjectName(QStringLiteral("viewTitle"));
     m_subtitle->setObjectName(QStringLiteral("viewSubtitle"));
+    m_countingButton = new QPushButton(bar);
     m_countingButton->setObjectName(QStringLiteral("counting"));
     m_countingButton->setMinimumHeight(4 * Theme::Rhythm);
     connect(m_countingButton, &QPushButton::clicked, this, &MainWindow::toggleCounting);
@@ -93,6 +100,7 @@ void MainWindow::buildShortcuts()
         bind(Qt::CTRL | static_cast<Qt::Key>(Qt::Key_1 + view), [this, view] { showView(view); });
     }
     bind(QKeySequence::Find, [this] { m_today->focusFilter(); });
+    bind(Qt::CTRL | Qt::Key_E, [this] { m_today->exportData(); });
     bind(Qt::Key_Escape, [this] { close(); });
 }
 
@@ -171,8 +179,6 @@ void MainWindow::changeEvent(QEvent* event)
 
 void MainWindow::applyTheme()
 {
-    m_title->setFont(Theme::font(Theme::TextSize::Heading));
-    QPalette muted = palette();
-    muted.setColor(QPalette::WindowText, Theme::colours(palette()).mutedText);
-    m_subtitle->setPalette(muted);
+    m_title->setFont(Theme::font(Theme::TextSize::Title));
+    m_subtitle->setPalette(Theme::mutedPalette(palette()));
 }

@@ -57,7 +57,7 @@ private:
     SideBar* m_sideBar;
     QLabel* m_title;
     QLabel* m_subtitle;
-    QPushButton* m_countingButton;
+    QPushButton* m_countingButton = nullptr;
     QStackedWidget* m_views;
     TodayView* m_today;
     InputState m_state = InputState::Reading;

@@ -117,12 +117,6 @@ void Notice::applyTheme()
 
 void Notice::paintEvent(QPaintEvent*)
 {
-    constexpr qreal halfPixel = 0.5;
-    const Theme::Colours colours = Theme::colours(palette());
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(colours.hairline, 1));
-    painter.setBrush(colours.card);
-    painter.drawRoundedRect(QRectF(rect()).adjusted(halfPixel, halfPixel, -halfPixel, -halfPixel),
-                            Theme::Corner, Theme::Corner);
+    Theme::drawCard(painter, rect(), palette());
 }

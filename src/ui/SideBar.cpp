@@ -52,7 +52,15 @@ void SideBar::addView(const QString& name, const QString& icon, const QString& l
         QStringLiteral("%1 (%2)").arg(label, shortcut.toString(QKeySequence::NativeText)));
     m_views->addButton(button, index);
     m_layout->insertWidget(index, button);
-    setTabOrder(button, m_collapse);
+}
+
+void SideBar::orderTabs()
+{
+    const QList<QAbstractButton*> views = m_views->buttons();
+    for (qsizetype view = 1; view < views.size(); ++view) {
+        setTabOrder(views.at(view - 1), views.at(view));
+    }
+    setTabOrder(views.constLast(), m_collapse);
 }
 
 void SideBar::choose(int index)
@@ -70,7 +78,6 @@ void SideBar::setForm(Form form)
     m_form = form;
     setFixedWidth(form == Form::Full ? FullWidth : CollapsedWidth);
     updateCollapseButton();
-    Q_EMIT formChanged();
 }
 
 SideBar::Form SideBar::form() const

@@ -22,9 +22,13 @@ public:
 
     explicit SideBar(QWidget* parent = nullptr);
 
-    /// Adds a view at the end, as number `index` of `chosen`; Ctrl and the next digit choose it,
-    /// too.
+    /// Adds a view at the end, as number `index` of `chosen`. Its tool tip names the shortcut, Ctrl
+    /// and the next digit.
     void addView(const QString& name, const QString& icon, const QString& label);
+
+    /// Lets Tab move through the views and then to the button below them. To be called when the
+    /// window is complete: Qt 6.4 puts nothing behind the last widget of a window.
+    void orderTabs();
 
     void choose(int index);
     void setForm(Form form);
@@ -32,7 +36,6 @@ public:
 
 Q_SIGNALS:
     void chosen(int index);
-    void formChanged();
 
 protected:
     void paintEvent(QPaintEvent* event) override;

@@ -29,8 +29,11 @@ QSize SideBarButton::sizeHint() const
 
 void SideBarButton::focusInEvent(QFocusEvent* event)
 {
-    m_focusByKey =
-        event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
+    // A window that comes back gives the focus back as it was.
+    if (event->reason() != Qt::ActiveWindowFocusReason) {
+        m_focusByKey =
+            event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
+    }
     QAbstractButton::focusInEvent(event);
 }
 

@@ -18,5 +18,5 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    bool m_focusByKey = false; ///< Focus that the mouse or the window gave needs no frame.
+    bool m_focusByKey = false; ///< Focus that the mouse gave needs no frame.
 };

@@ -7,32 +7,52 @@
 #include <QSaveFile>
 #include <QStringList>
 
-#include <functional>
-
 namespace {
 
-QString lines(const QAbstractItemModel& model, const QString& separator, const QString& lineEnd,
-              const std::function<QString(const QModelIndex&)>& cellText,
-              const std::function<QString(const QString&)>& quoted)
+/// How a table is written.
+struct Form
+{
+    QString separator;
+    QString lineEnd;
+    int role; ///< Of the cells' values.
+    QString (*quoted)(const QString& text);
+};
+
+QString line(const QStringList& cells, const Form& form)
+{
+    QStringList quoted;
+    for (const QString& cell : cells) {
+        quoted.append(form.quoted(cell));
+    }
+    return quoted.join(form.separator) + form.lineEnd;
+}
+
+QString rowText(const QAbstractItemModel& model, int row, const Form& form)
+{
+    QStringList cells;
+    for (int column = 0; column < model.columnCount(); ++column) {
+        cells.append(model.index(row, column).data(form.role).toString());
+    }
+    return line(cells, form);
+}
+
+QString tableText(const QAbstractItemModel& model, const Form& form)
 {
     QStringList header;
     for (int column = 0; column < model.columnCount(); ++column) {
-        header.append(quoted(model.headerData(column, Qt::Horizontal).toString()));
+        header.append(model.headerData(column, Qt::Horizontal).toString());
     }
-    QString text = header.join(separator) + lineEnd;
+    QString text = line(header, form);
     for (int row = 0; row < model.rowCount(); ++row) {
-        QStringList cells;
-        for (int column = 0; column < model.columnCount(); ++column) {
-            cells.append(quoted(cellText(model.index(row, column))));
-        }
-        text += cells.join(separator) + lineEnd;
+        text += rowText(model, row, form);
     }
     return text;
 }
 
-QString inOneCell(QString text)
+QString inOneCell(const QString& text)
 {
-    return text.replace(QLatin1Char('\t'), QLatin1Char(' '))
+    return QString(text)
+        .replace(QLatin1Char('\t'), QLatin1Char(' '))
         .replace(QLatin1Char('\n'), QLatin1Char(' '));
 }
 
@@ -49,21 +69,27 @@ QString csvCell(const QString& text)
     return text;
 }
 
+Form tabbedForm()
+{
+    return {QStringLiteral("\t"), QStringLiteral("\n"), Qt::DisplayRole, &inOneCell};
+}
+
 } // namespace
 
 QString TableText::tabbed(const QAbstractItemModel& model)
 {
-    return lines(
-        model, QStringLiteral("\t"), QStringLiteral("\n"),
-        [](const QModelIndex& index) { return index.data().toString(); }, inOneCell);
+    return tableText(model, tabbedForm());
+}
+
+QString TableText::tabbedRow(const QAbstractItemModel& model, int row)
+{
+    return rowText(model, row, tabbedForm());
 }
 
 QString TableText::csv(const QAbstractItemModel& model)
 {
-    return lines(
-        model, QStringLiteral(","), QStringLiteral("\r\n"),
-        [](const QModelIndex& index) { return index.data(CountsModel::SortRole).toString(); },
-        csvCell);
+    return tableText(
+        model, {QStringLiteral(","), QStringLiteral("\r\n"), CountsModel::SortRole, &csvCell});
 }
 
 QString TableText::writeCsv(const QAbstractItemModel& model, const QString& file)

@@ -11,6 +11,9 @@ namespace TableText {
 /// The header and every row, cells as shown, parted by tabs: for the clipboard.
 QString tabbed(const QAbstractItemModel& model);
 
+/// One row of it, with the line's end.
+QString tabbedRow(const QAbstractItemModel& model, int row);
+
 /// The header and every row as RFC 4180 has it, numbers in full and without separators.
 QString csv(const QAbstractItemModel& model);
 

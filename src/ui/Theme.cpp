@@ -4,6 +4,7 @@
 #include "storage/Settings.h"
 
 #include <QApplication>
+#include <QPainter>
 #include <QStyle>
 
 #include <cmath>
@@ -157,6 +158,24 @@ QPalette Theme::fieldPalette(const QPalette& palette)
     return field;
 }
 
+QPalette Theme::mutedPalette(const QPalette& palette)
+{
+    QPalette muted = palette;
+    muted.setColor(QPalette::WindowText, colours(palette).mutedText);
+    return muted;
+}
+
+void Theme::drawCard(QPainter& painter, const QRect& area, const QPalette& palette)
+{
+    constexpr qreal halfPixel = 0.5;
+    const Colours shades = colours(palette);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(shades.hairline, 1));
+    painter.setBrush(shades.card);
+    painter.drawRoundedRect(QRectF(area).adjusted(halfPixel, halfPixel, -halfPixel, -halfPixel),
+                            Corner, Corner);
+}
+
 double Theme::contrast(const QColor& one, const QColor& other)
 {
     const double a = luminance(one);
@@ -182,10 +201,6 @@ QFont Theme::font(TextSize size)
         break;
     case TextSize::Title:
         scaled(1.25);
-        font.setWeight(QFont::DemiBold);
-        break;
-    case TextSize::Heading:
-        scaled(1.5);
         font.setWeight(QFont::DemiBold);
         break;
     case TextSize::Figure:

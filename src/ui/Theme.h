@@ -6,7 +6,8 @@
 #include <QPalette>
 #include <QString>
 
-class QWidget;
+class QPainter;
+class QRect;
 
 /// Colours and text sizes. Everything derives from the application's palette, which is the
 /// desktop's, or one of two of our own. Thread: main.
@@ -44,12 +45,17 @@ double contrast(const QColor& one, const QColor& other);
 /// The palette of a field to type in, set off from the card it lies on.
 QPalette fieldPalette(const QPalette& palette);
 
+/// The palette of a label that is a caption.
+QPalette mutedPalette(const QPalette& palette);
+
+/// Draws the ground and the border of a card that fills `area`.
+void drawCard(QPainter& painter, const QRect& area, const QPalette& palette);
+
 enum class TextSize
 {
     Caption, ///< 0.85 f
     Body,    ///< f, the desktop's font
     Title,   ///< 1.25 f
-    Heading, ///< 1.5 f, a view's title
     Figure,  ///< 2 f
 };
 

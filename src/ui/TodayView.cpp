@@ -13,6 +13,7 @@
 #include "ui/Theme.h"
 #include "ui/TodayNotice.h"
 
+#include <QApplication>
 #include <QFileInfo>
 #include <QGridLayout>
 #include <QScrollArea>
@@ -54,12 +55,11 @@ TodayView::TodayView(QueryWorker& worker, ApplicationName applicationName, QWidg
     buildCards();
 
     auto* page = new QWidget;
-    auto* pageLayout = new QVBoxLayout(page);
-    m_pageLayout = pageLayout;
-    pageLayout->setContentsMargins(Theme::Gap, 0, Theme::Gap, Theme::Gap);
-    pageLayout->setSpacing(Theme::Gap);
-    pageLayout->addWidget(m_notice);
-    pageLayout->addWidget(m_cards, 1);
+    m_pageLayout = new QVBoxLayout(page);
+    m_pageLayout->setContentsMargins(Theme::Gap, 0, Theme::Gap, Theme::Gap);
+    m_pageLayout->setSpacing(Theme::Gap);
+    m_pageLayout->addWidget(m_notice);
+    m_pageLayout->addWidget(m_cards, 1);
     auto* scroll = new QScrollArea(this);
     scroll->setObjectName(QStringLiteral("scroll"));
     scroll->setFrameShape(QFrame::NoFrame);
@@ -138,6 +138,10 @@ void TodayView::arrange()
     static constexpr std::array<Place, 4> wide{{{0, 0, 2}, {0, 2, 4}, {1, 0, 3}, {1, 3, 3}}};
     static constexpr std::array<Place, 4> narrow{{{0, 0, 6}, {1, 0, 6}, {2, 0, 6}, {3, 0, 6}}};
     const bool isWide = width() >= TwoColumnsFrom;
+    if (isWide == m_isWide) {
+        return;
+    }
+    m_isWide = isWide;
     const std::array<Place, 4>& places = isWide ? wide : narrow;
     for (int card = 0; card < m_cardList.size(); ++card) {
         const Place& place = places.at(static_cast<size_t>(card));
@@ -148,7 +152,6 @@ void TodayView::arrange()
     constexpr int columns = 6;
     for (int column = 0; column < columns; ++column) {
         m_grid->setColumnStretch(column, 1);
-        m_grid->setColumnMinimumWidth(column, 0);
     }
     for (int row = 0; row < m_cardList.size(); ++row) {
         const bool fills = isWide ? row < 2 : row > 0;
@@ -165,15 +168,21 @@ void TodayView::setInputState(InputState state)
     }
 }
 
-QDate TodayView::day() const
-{
-    return m_figures.day;
-}
-
 bool TodayView::focusFilter()
 {
     return std::any_of(m_cardList.begin(), m_cardList.end(),
                        [](Card* card) { return card->focusFilter(); });
+}
+
+void TodayView::exportData()
+{
+    if (m_cards->isHidden()) {
+        return;
+    }
+    const auto focused = std::find_if(m_cardList.begin(), m_cardList.end(), [](const Card* card) {
+        return card->isAncestorOf(QApplication::focusWidget());
+    });
+    (focused != m_cardList.end() ? *focused : m_cardList.at(FigureCard))->exportData();
 }
 
 void TodayView::showEvent(QShowEvent* event)

@@ -34,11 +34,11 @@ public:
 
     void setInputState(InputState state);
 
-    /// The day shown; invalid before the first answer.
-    QDate day() const;
-
     /// Moves the focus to the filter of the first table shown, if there is one.
     bool focusFilter();
+
+    /// Exports the data of the card that holds the focus, or of the first.
+    void exportData();
 
 Q_SIGNALS:
     void dayChanged(const QDate& day);
@@ -88,8 +88,9 @@ private:
     CountsModel* m_applications;
     Notice* m_notice;
     QWidget* m_cards;
-    QVBoxLayout* m_pageLayout;
+    QVBoxLayout* m_pageLayout = nullptr;
     QGridLayout* m_grid;
+    std::optional<bool> m_isWide; ///< As last arranged.
     FigurePanel* m_figurePanel;
     HourChart* m_hourChart;
     QList<Card*> m_cardList; ///< In reading order: figure, hours, keys, applications.

@@ -183,7 +183,7 @@ void TrayIcon::setShape(Shape shape)
 
 void TrayIcon::refreshToolTip()
 {
-    const QString keys = tr("%1 keys today").arg(Format::count(m_keysToday()));
+    const QString keys = tr("Keys today: %1").arg(Format::count(m_keysToday()));
     const QString text =
         m_counting == Counting::Paused ? tr("%1, counting is paused").arg(keys) : keys;
     if (text != m_icon.toolTip()) {

@@ -2,7 +2,6 @@
 #include "UiDatabase.h"
 #include "support/TestRegistry.h"
 #include "ui/QueryWorker.h"
-#include "ui/TodayQuery.h"
 
 #include <QSemaphore>
 #include <QSqlQuery>
@@ -13,11 +12,9 @@ class QueryWorkerTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void answersOffTheMainThread();
-    void readsOnly();
+    void readsOffTheMainThreadAndWritesNothing();
     void dropsOutrunAnswers();
-    void keepsTopicsApart();
-    void forgetsAReceiverThatIsGone();
+    void keepsTopicsApartAndForgetsLostReceivers();
     void joinsWithQuestionsWaiting();
     void saysThatTheFileIsMissing();
 
@@ -27,6 +24,7 @@ private:
     /// A query that says that it began, and returns `value` once it may go on.
     static std::function<Answer(const QSqlDatabase&)> held(int value);
 
+    const UiDatabase m_database;
     static inline QSemaphore s_began{0};
     static inline QSemaphore s_mayGoOn{0};
     static inline std::atomic<int> s_run = 0;
@@ -42,45 +40,29 @@ std::function<QueryWorkerTest::Answer(const QSqlDatabase&)> QueryWorkerTest::hel
     };
 }
 
-void QueryWorkerTest::answersOffTheMainThread()
+void QueryWorkerTest::readsOffTheMainThreadAndWritesNothing()
 {
-    const UiDatabase database;
-    QueryWorker worker(database.file());
-    const QThread* asked = nullptr;
-    const QThread* answered = nullptr;
-    worker.ask<QString>(
-        QStringLiteral("topic"), this,
-        [&asked](const QSqlDatabase& connection) -> std::optional<QString> {
-            asked = QThread::currentThread();
-            return connection.connectionName();
-        },
-        [&](const std::optional<QString>& name) {
-            answered = QThread::currentThread();
-            QVERIFY(name && name->startsWith(QStringLiteral("tv-db-connection-0x")));
-        });
-    QTRY_COMPARE(answered, thread());
-    QVERIFY(asked != nullptr && asked != thread());
-}
-
-void QueryWorkerTest::readsOnly()
-{
-    const UiDatabase database;
-    QueryWorker worker(database.file());
+    QueryWorker worker(m_database.file());
     std::optional<bool> written;
+    const QThread* asked = nullptr;
     worker.ask<bool>(
         QStringLiteral("topic"), this,
-        [](const QSqlDatabase& connection) -> std::optional<bool> {
+        [&asked](const QSqlDatabase& connection) -> std::optional<bool> {
+            asked = QThread::currentThread();
             return QSqlQuery(connection).exec(QStringLiteral("DELETE FROM settings"));
         },
-        [&written](const std::optional<bool>& answer) { written = answer; });
+        [&](const std::optional<bool>& answer) {
+            QCOMPARE(QThread::currentThread(), thread());
+            written = answer;
+        });
     QTRY_VERIFY(written);
     QVERIFY(!*written);
+    QVERIFY(asked != thread());
 }
 
 void QueryWorkerTest::dropsOutrunAnswers()
 {
-    const UiDatabase database;
-    QueryWorker worker(database.file());
+    QueryWorker worker(m_database.file());
     QList<int> answers;
     const auto take = [&answers](const Answer& answer) { answers.append(answer.value_or(-1)); };
     s_run = 0;
@@ -97,45 +79,31 @@ void QueryWorkerTest::dropsOutrunAnswers()
     s_began.acquire();
 }
 
-void QueryWorkerTest::keepsTopicsApart()
+void QueryWorkerTest::keepsTopicsApartAndForgetsLostReceivers()
 {
-    const UiDatabase database;
-    QueryWorker worker(database.file());
+    QueryWorker worker(m_database.file());
     QList<int> answers;
-    const auto take = [&answers](const Answer& answer) { answers.append(answer.value_or(-1)); };
-    const auto give = [](int value) {
-        return [value](const QSqlDatabase&) -> Answer { return value; };
+    const auto ask = [&](const QString& topic, QObject* receiver, int value) {
+        worker.ask<int>(
+            topic, receiver, [value](const QSqlDatabase&) -> Answer { return value; },
+            [&answers](const Answer& answer) { answers.append(answer.value_or(-1)); });
     };
-    worker.ask<int>(QStringLiteral("one"), this, give(1), take);
-    worker.ask<int>(QStringLiteral("two"), this, give(2), take);
+    {
+        QObject receiver;
+        ask(QStringLiteral("lost"), &receiver, 0);
+    }
+    ask(QStringLiteral("one"), this, 1);
+    ask(QStringLiteral("two"), this, 2);
     const QList<int> both{1, 2};
     QTRY_COMPARE(answers, both);
 }
 
-void QueryWorkerTest::forgetsAReceiverThatIsGone()
-{
-    const UiDatabase database;
-    QueryWorker worker(database.file());
-    bool delivered = false;
-    bool later = false;
-    const auto give = [](const QSqlDatabase&) -> Answer { return 1; };
-    {
-        QObject receiver;
-        worker.ask<int>(QStringLiteral("one"), &receiver, give,
-                        [&delivered](const Answer&) { delivered = true; });
-    }
-    worker.ask<int>(QStringLiteral("two"), this, give, [&later](const Answer&) { later = true; });
-    QTRY_VERIFY(later);
-    QVERIFY(!delivered);
-}
-
 void QueryWorkerTest::joinsWithQuestionsWaiting()
 {
-    const UiDatabase database;
     bool delivered = false;
     s_run = 0;
     {
-        QueryWorker worker(database.file());
+        QueryWorker worker(m_database.file());
         const auto note = [&delivered](const Answer&) { delivered = true; };
         worker.ask<int>(QStringLiteral("one"), this, held(1), note);
         s_began.acquire();

@@ -1,18 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "UiDatabase.h"
-#include "storage/Settings.h"
 #include "support/TestRegistry.h"
 #include "ui/HourChart.h"
 #include "ui/MainWindow.h"
 #include "ui/SideBar.h"
 #include "ui/Theme.h"
 
-#include <QAbstractButton>
 #include <QAction>
 #include <QDir>
 #include <QFileInfo>
 #include <QTest>
-#include <QToolButton>
 
 /// Saves pictures of the windows under "screenshots" in the build directory, to be looked at.
 class ScreenshotsTest : public QObject
@@ -27,6 +24,16 @@ private Q_SLOTS:
     void cleanup();
 
 private:
+    enum class Content
+    {
+        Empty,
+        Busy,
+        IconsBusy,
+        Tables,
+        Large,
+    };
+
+    static void fill(UiDatabase& database, Content content);
     static void save(const QPixmap& picture);
 };
 
@@ -35,26 +42,48 @@ void ScreenshotsTest::today_data()
     QTest::addColumn<QString>("theme");
     QTest::addColumn<QSize>("size");
     QTest::addColumn<InputState>("state");
-    QTest::addColumn<bool>("busy");
-    QTest::addColumn<bool>("tables");
+    QTest::addColumn<Content>("content");
     const QSize first(1100, 720);
     const QSize least(900, 600);
     for (const QString& theme : {QStringLiteral("light"), QStringLiteral("dark")}) {
-        const auto row = [&theme](const char* name) -> QTestData& {
-            return QTest::newRow(qPrintable(theme + QLatin1Char('-') + QLatin1String(name)))
-                   << theme;
+        const auto row = [&theme](const char* name, const QSize& size, InputState state,
+                                  Content content) {
+            QTest::addRow("%s-%s-%dx%d", qPrintable(theme), name, size.width(), size.height())
+                << theme << size << state << content;
         };
-        row("busy-1100x720") << first << InputState::Reading << true << false;
-        row("busy-900x600") << least << InputState::Reading << true << false;
-        row("busy-1600x1000") << QSize(1600, 1000) << InputState::Reading << true << false;
-        row("tables-1100x720") << first << InputState::Reading << true << true;
-        row("icons-busy-900x600") << least << InputState::Reading << true << false;
-        row("empty-1100x720") << first << InputState::Reading << false << false;
-        row("no-permission-1100x720") << first << InputState::NoPermission << false << false;
-        row("no-devices-900x600") << least << InputState::NoDevices << false << false;
-        row("busy-no-permission-1100x720") << first << InputState::NoPermission << true << false;
-        row("busy-paused-1100x720") << first << InputState::Paused << true << false;
-        row("off-1100x720") << first << InputState::Off << false << false;
+        row("busy", first, InputState::Reading, Content::Busy);
+        row("busy", least, InputState::Reading, Content::Busy);
+        row("busy", {1600, 1000}, InputState::Reading, Content::Busy);
+        row("tables", first, InputState::Reading, Content::Tables);
+        row("icons-busy", least, InputState::Reading, Content::IconsBusy);
+        row("large", {1000, 600}, InputState::Reading, Content::Large);
+        row("large", least, InputState::Reading, Content::Large);
+        row("empty", first, InputState::Reading, Content::Empty);
+        row("no-permission", first, InputState::NoPermission, Content::Empty);
+        row("no-devices", least, InputState::NoDevices, Content::Empty);
+        row("busy-no-permission", first, InputState::NoPermission, Content::Busy);
+        row("busy-paused", first, InputState::Paused, Content::Busy);
+        row("off", first, InputState::Off, Content::Empty);
+    }
+}
+
+void ScreenshotsTest::fill(UiDatabase& database, Content content)
+{
+    const QDate today = QDate::currentDate();
+    if (content == Content::Empty) {
+        return;
+    }
+    database.addBusyDay(today);
+    if (content == Content::Large) {
+        database.addHour(today, 9, 987'654);
+        database.addHour(today, 23, 7'654'321);
+        database.addKey(today, 9, 0x01000102, 1'234'567);
+        database.addApplication(
+            today, 9,
+            QStringLiteral(
+                "/opt/Company with a long name/An application with a name that is longer "
+                "than any line has room for"),
+            1'234'567);
     }
 }
 
@@ -63,12 +92,9 @@ void ScreenshotsTest::today()
     QFETCH(QString, theme);
     QFETCH(QSize, size);
     QFETCH(InputState, state);
-    QFETCH(bool, busy);
-    QFETCH(bool, tables);
+    QFETCH(Content, content);
     UiDatabase database;
-    if (busy) {
-        database.addBusyDay(QDate::currentDate());
-    }
+    fill(database, content);
     Theme::apply(theme);
     MainWindow window(database.file(),
                       [](const QString& path) { return QFileInfo(path).baseName(); });
@@ -78,11 +104,11 @@ void ScreenshotsTest::today()
     auto* notice = window.findChild<QWidget*>(QStringLiteral("notice"));
     auto* card = window.findChild<QWidget*>(QStringLiteral("keysToday"));
     QTRY_VERIFY(notice->isVisible() || card->isVisible());
-    QCOMPARE(card->isVisible(), busy);
-    if (QLatin1String(QTest::currentDataTag()).contains(QLatin1String("icons"))) {
+    QCOMPARE(card->isVisible(), content != Content::Empty);
+    if (content == Content::IconsBusy) {
         window.findChild<SideBar*>()->setForm(SideBar::Form::Collapsed);
     }
-    if (tables) {
+    if (content == Content::Tables) {
         for (QAction* action : window.findChildren<QAction*>(QStringLiteral("showTable"))) {
             action->trigger();
         }

@@ -15,8 +15,7 @@ private Q_SLOTS:
     void countsEachHourOnce_data();
     void countsEachHourOnce();
     void addsUpProfilesAndHours();
-    void leavesOtherDaysOut();
-    void listsTheMostUsedFirst();
+    void listsTheMostUsedOfOneDayFirst();
     void saysThatItFailed();
     void cutsTheDayIntoHours_data();
     void cutsTheDayIntoHours();
@@ -77,21 +76,11 @@ void TodayQueryTest::addsUpProfilesAndHours()
     QCOMPARE(figures->keyCounts, keys);
 }
 
-void TodayQueryTest::leavesOtherDaysOut()
+void TodayQueryTest::listsTheMostUsedOfOneDayFirst()
 {
     UiDatabase database;
     database.addBusyDay(m_day.addDays(-1));
     database.addBusyDay(m_day.addDays(1));
-    const std::optional<TodayFigures> figures = TodayQuery::run(database.connection(), m_day);
-    QVERIFY(figures);
-    TodayFigures none;
-    none.day = m_day;
-    QCOMPARE(*figures, none);
-}
-
-void TodayQueryTest::listsTheMostUsedFirst()
-{
-    UiDatabase database;
     database.addKey(m_day, 9, Qt::Key_A, 3);
     database.addKey(m_day, 9, Qt::Key_B, 2);
     database.addKey(m_day, 10, Qt::Key_B, 2);

@@ -2,8 +2,6 @@
 #include "UiDatabase.h"
 
 #include "base/Format.h"
-#include "storage/DSqlQuery.h"
-#include "storage/Settings.h"
 
 #include <QRandomGenerator>
 #include <QTest>
@@ -37,38 +35,6 @@ const char* const Letters = "eeeeeeeeeeeetttttttttaaaaaaaaooooooooiiiiiiinnnnnnn
                             "ddddllllccuuummwwffggyyppbbvk";
 
 } // namespace
-
-UiDatabase::UiDatabase()
-    : m_database(std::make_unique<Database>(m_directory.path(), *this))
-{
-    Settings::instance().init(m_database.get());
-    Settings::instance().initializeDefaultSettings();
-}
-
-UiDatabase::~UiDatabase()
-{
-    Settings::instance().close();
-}
-
-void UiDatabase::showFailure(const QString& title, const QString& text)
-{
-    QFAIL(qPrintable(title + QStringLiteral(": ") + text));
-}
-
-bool UiDatabase::confirmFreshDatabase(const QString& text)
-{
-    qFatal("%s", qPrintable(text));
-}
-
-QString UiDatabase::file() const
-{
-    return m_database->getDatabaseFileName();
-}
-
-QSqlDatabase UiDatabase::connection() const
-{
-    return m_database->connection();
-}
 
 void UiDatabase::insert(const QString& statement, const QVariantList& values)
 {

@@ -1,26 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "storage/Database.h"
+#include "support/TestDatabase.h"
 
 #include <QDate>
-#include <QTemporaryDir>
-
-#include <memory>
 
 /// A real database in a temporary directory, and rows in it as the statistics write them.
-class UiDatabase final : public DatabasePrompts
+class UiDatabase final : public TestDatabase
 {
 public:
-    UiDatabase();
-    ~UiDatabase() override;
+    QString file() const { return database()->getDatabaseFileName(); }
 
-    /// A prompt is a failure of the test.
-    void showFailure(const QString& title, const QString& text) override;
-    bool confirmFreshDatabase(const QString& text) override;
-
-    QString file() const;
-    QSqlDatabase connection() const;
+    QSqlDatabase connection() const { return database()->connection(); }
 
     void addHour(const QDate& day, int hour, qint64 keys, int profile = 0);
     void addKey(const QDate& day, int hour, int key, qint64 keys, int profile = 0);
@@ -32,7 +23,4 @@ public:
 
 private:
     void insert(const QString& statement, const QVariantList& values);
-
-    QTemporaryDir m_directory;
-    std::unique_ptr<Database> m_database;
 };
