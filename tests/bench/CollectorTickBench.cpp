@@ -6,11 +6,10 @@
 #include "profiles/ProfileManager.h"
 #include "stats/Collector.h"
 #include "stats/KeypressesStat.h"
-#include "storage/Database.h"
 #include "support/FakeSystem.h"
+#include "support/TestDatabase.h"
 
 #include <QCoreApplication>
-#include <QTemporaryDir>
 
 #include <benchmark/benchmark.h>
 #include <sqlite3.h>
@@ -22,14 +21,6 @@ namespace {
 
 constexpr int DistinctKeys = 200;
 constexpr int PressesPerKey = 3;
-
-class SilentPrompts : public DatabasePrompts
-{
-public:
-    void showFailure(const QString&, const QString&) override {}
-
-    bool confirmFreshDatabase(const QString&) override { return false; }
-};
 
 /// A client that counts keys, and only those.
 struct Client
@@ -53,7 +44,7 @@ struct Client
         collector.update(now);
     }
 
-    SilentPrompts prompts;
+    TestPrompts prompts;
     QTemporaryDir directory;
     Database database{directory.path(), prompts};
     LocalStats totals;
@@ -114,7 +105,7 @@ private:
         }
     }
 
-    SilentPrompts m_prompts;
+    TestPrompts m_prompts;
     QTemporaryDir m_directory;
     sqlite3* m_connection = nullptr;
 };

@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Client.h"
-#include "base/Log.h"
 #include "stats/Collector.h"
 #include "stats/KeypressesStat.h"
 #include "storage/ReadingConnection.h"
+#include "support/LogCapture.h"
 #include "support/TestRegistry.h"
 
-#include <QFile>
 #include <QTest>
 
 #include <functional>
@@ -46,6 +45,24 @@ public:
     std::function<void()> hook;
 };
 
+/// Another program in the middle of reading, which lets nobody commit.
+class Reader
+{
+public:
+    explicit Reader(const Client& client)
+        : m_connection(client.database()->getDatabaseFileName())
+        , m_query(m_connection.database())
+    {
+        client.exec(QStringLiteral("PRAGMA busy_timeout=0"));
+        m_query.exec(QStringLiteral("SELECT * FROM sqlite_master"));
+        m_query.next();
+    }
+
+private:
+    ReadingConnection m_connection;
+    DSqlQuery m_query;
+};
+
 } // namespace
 
 class CollectorTest : public QObject
@@ -55,11 +72,9 @@ class CollectorTest : public QObject
 private Q_SLOTS:
     void init();
     void cleanup();
-    void startsAndPausesInTheOrderAsked();
-    void ticksByItself();
+    void startsPausesAndTicksByItself();
     void tellsStatisticsWindowAndProfile();
     void skipsDisabledAndRemovedStatistics();
-    void updatesAllAfterALongPause();
     void doesNothingWithoutADatabase();
     void waitsForTheClockAndGoesOn();
     void neverNestsTicks();
@@ -70,10 +85,23 @@ private Q_SLOTS:
     void movesTheHistoryAgainAfterAFailingCommit();
 
 private:
-    int storedKeys() { return m_client->value(m_keysQuery).toInt(); }
+    void typeAndTick(int elapsedMs)
+    {
+        m_client->system.keys = {Qt::Key_A};
+        m_collector->update(m_now.addMSecs(elapsedMs));
+    }
 
-    const QString m_keysQuery = QStringLiteral("SELECT coalesce(sum(count), 0) "
-                                               "FROM keypress_frequency");
+    int storedKeys()
+    {
+        return m_client->value(QStringLiteral("SELECT sum(count) FROM keypress_frequency")).toInt();
+    }
+
+    QString copiedKeys()
+    {
+        return m_client->value(QStringLiteral("SELECT value FROM unzurged_stats WHERE name='keys'"))
+            .toString();
+    }
+
     QDateTime m_now;
     std::unique_ptr<Client> m_client;
     std::unique_ptr<KeypressesStat> m_keys;
@@ -103,32 +131,22 @@ void CollectorTest::cleanup()
     m_client.reset();
 }
 
-void CollectorTest::startsAndPausesInTheOrderAsked()
+void CollectorTest::startsPausesAndTicksByItself()
 {
     m_collector->startCollector();
     QVERIFY(!m_collector->isCollecting());
-    QTRY_VERIFY(m_collector->isCollecting());
+    QTRY_VERIFY(m_hooked->updates > 0);
     m_collector->pauseCollector();
     m_collector->startCollector();
     m_collector->pauseCollector();
     QTRY_VERIFY(!m_collector->isCollecting());
-    QCoreApplication::processEvents();
-    m_collector->pauseCollector();
-    m_collector->startCollector();
-    QTRY_VERIFY(m_collector->isCollecting());
-}
-
-void CollectorTest::ticksByItself()
-{
-    m_collector->startCollector();
-    QTRY_VERIFY(m_hooked->updates > 0);
     m_collector->finish();
     QVERIFY(m_collector->isFinished());
 }
 
 void CollectorTest::tellsStatisticsWindowAndProfile()
 {
-    m_client->run(QStringLiteral("INSERT INTO profiles (id, name) VALUES (4, 'Work')"));
+    m_client->exec(QStringLiteral("INSERT INTO profiles (id, name) VALUES (4, 'Work')"));
     m_client->profiles.setActiveStatsProfile(4, QStringLiteral("Work"));
     bool isWindowOpen = false;
     m_collector->setUiModeSource([&isWindowOpen] { return isWindowOpen; });
@@ -143,17 +161,11 @@ void CollectorTest::tellsStatisticsWindowAndProfile()
 
 void CollectorTest::skipsDisabledAndRemovedStatistics()
 {
-    m_hooked->setEnabled(false);
-    m_collector->update(m_now);
-    m_hooked->setEnabled(true);
-    const QString name = QStringLiteral("HookedStat");
-    QCOMPARE(m_collector->getStat<HookedStat>(name), m_hooked.get());
-    QVERIFY(m_collector->getStat<KeypressesStat>(name) == nullptr);
-
     HookedStat replacement(&m_client->system, nullptr);
-    replacement.setEnabled(true);
     m_collector->addStat(&replacement);
     m_collector->removeStat(m_hooked.get()); // No longer ticked: takes nothing out.
+    m_collector->update(m_now);
+    replacement.setEnabled(true);
     m_collector->update(m_now);
     m_collector->removeStat(&replacement);
     m_collector->update(m_now.addSecs(60));
@@ -161,31 +173,16 @@ void CollectorTest::skipsDisabledAndRemovedStatistics()
     QCOMPARE(m_hooked->updates, 0);
 }
 
-void CollectorTest::updatesAllAfterALongPause()
-{
-    m_collector->update(m_now);
-    m_client->system.keys = {Qt::Key_A};
-    m_collector->update(m_now.addMSecs(4'999));
-    QCOMPARE(storedKeys(), 0);
-    m_collector->update(m_now.addSecs(61));
-    QCOMPARE(storedKeys(), 1);
-    QCOMPARE(m_hooked->updates, 2);
-}
-
 void CollectorTest::doesNothingWithoutADatabase()
 {
-    Log::start(m_client->directory.path());
-    m_client->database.closeDatabase();
-    QFile log(m_client->directory.filePath(QStringLiteral("app.log")));
-    QVERIFY(log.open(QIODevice::ReadOnly));
-    log.seek(log.size());
-    m_client->system.keys = {Qt::Key_A};
-    m_collector->update(m_now);
-    QCOMPARE(log.readAll(), QByteArray());
-    Log::stop();
+    const LogCapture log;
+    m_client->database()->closeDatabase();
+    const QString before = log.text();
+    typeAndTick(0);
+    QCOMPARE(log.text(), before);
     QCOMPARE(m_hooked->updates, 0);
 
-    QVERIFY(m_client->database.reconnectIfNeeded());
+    QVERIFY(m_client->database()->reconnectIfNeeded());
     m_collector->update(m_now);
     QCOMPARE(storedKeys(), 1);
 }
@@ -206,74 +203,56 @@ void CollectorTest::waitsForTheClockAndGoesOn()
 void CollectorTest::neverNestsTicks()
 {
     m_hooked->hook = [this] { m_collector->update(m_now.addSecs(120)); };
-    m_client->system.keys = {Qt::Key_A};
-    m_collector->update(m_now);
+    typeAndTick(0);
     QCOMPARE(m_hooked->updates, 1);
     QCOMPARE(storedKeys(), 1);
-    QVERIFY(m_client->run(QStringLiteral("BEGIN"))); // None is left open.
+    QVERIFY(m_client->exec(QStringLiteral("BEGIN"))); // None is left open.
 }
 
 void CollectorTest::storesTheLastKeysAtTheEnd()
 {
-    m_collector->startCollector();
-    QTRY_VERIFY(m_hooked->updates > 0);
+    m_collector->update(m_now);
     m_client->system.keys = {Qt::Key_A, Qt::Key_B};
     m_collector->stopCollector();
-    QVERIFY(m_keys->isEnabled());
     m_collector->finish(); // No event loop turns in between.
     QCOMPARE(storedKeys(), 2);
     QVERIFY(!m_keys->isEnabled());
-    QVERIFY(!m_collector->isCollecting());
     QCOMPARE(m_client->system.inputHolders, 0);
-    QCOMPARE(m_client->value(QStringLiteral("SELECT value FROM unzurged_stats WHERE name='keys'")),
-             QStringLiteral("2"));
+    QCOMPARE(copiedKeys(), QStringLiteral("2"));
 }
 
 void CollectorTest::copiesTheTotalsOnceAMinute()
 {
-    const QString copied = QStringLiteral("SELECT value FROM unzurged_stats WHERE name='keys'");
-    m_client->system.keys = {Qt::Key_A};
-    m_collector->update(m_now);
-    QCOMPARE(m_client->value(copied), QStringLiteral("1"));
-    m_client->system.keys = {Qt::Key_A};
-    m_collector->update(m_now.addMSecs(59'500));
-    QCOMPARE(m_client->value(copied), QStringLiteral("1"));
+    typeAndTick(0);
+    QCOMPARE(copiedKeys(), QStringLiteral("1"));
+    typeAndTick(59'500);
+    QCOMPARE(copiedKeys(), QStringLiteral("1"));
     m_collector->update(m_now.addMSecs(60'000));
-    QCOMPARE(m_client->value(copied), QStringLiteral("2"));
+    QCOMPARE(copiedKeys(), QStringLiteral("2"));
 }
 
 void CollectorTest::survivesAFailingCommit()
 {
     m_collector->update(m_now);
-    Log::start(m_client->directory.path());
-    m_client->run(QStringLiteral("PRAGMA busy_timeout=0"));
+    const LogCapture log;
     {
-        // Another program in the middle of reading.
-        const ReadingConnection other(m_client->database.getDatabaseFileName());
-        DSqlQuery reader(other.database());
-        QVERIFY(reader.exec(QStringLiteral("SELECT * FROM sqlite_master")) && reader.next());
-        for (int second = 5; second <= 25; second += 5) {
-            m_client->system.keys = {Qt::Key_A};
-            m_collector->update(m_now.addSecs(second));
+        const Reader reader(*m_client);
+        for (const int elapsedMs : {5'000, 10'000, 15'000, 20'000, 25'000}) {
+            typeAndTick(elapsedMs);
         }
     }
-    Log::stop();
-    m_client->system.keys = {Qt::Key_A};
-    m_collector->update(m_now.addSecs(30));
+    typeAndTick(30'000);
     QCOMPARE(storedKeys(), 1);                        // The rows of five ticks are gone,
     QCOMPARE(m_client->totals.unzurged().keys, 6ULL); // the account totals are not,
-    QFile log(m_client->directory.filePath(QStringLiteral("app.log")));
-    QVERIFY(log.open(QIODevice::ReadOnly));
-    QCOMPARE(log.readAll().count("Unable to commit the collector's transaction"),
-             1); // and the log says so, once a minute.
+    const QString failure = QStringLiteral("Unable to commit the collector's transaction");
+    QCOMPARE(log.text().count(failure), 1); // and the log says so, once a minute.
 }
 
 void CollectorTest::keepsWhatItCannotBegin()
 {
-    QVERIFY(m_client->run(QStringLiteral("BEGIN")));
-    m_client->system.keys = {Qt::Key_A};
-    m_collector->update(m_now);
-    QVERIFY(m_client->run(QStringLiteral("COMMIT")));
+    QVERIFY(m_client->exec(QStringLiteral("BEGIN")));
+    typeAndTick(0);
+    QVERIFY(m_client->exec(QStringLiteral("COMMIT")));
     QCOMPARE(storedKeys(), 0);
     m_collector->update(m_now.addSecs(1));
     QCOMPARE(storedKeys(), 1);
@@ -281,25 +260,20 @@ void CollectorTest::keepsWhatItCannotBegin()
 
 void CollectorTest::movesTheHistoryAgainAfterAFailingCommit()
 {
-    m_client->run(QStringLiteral("PRAGMA busy_timeout=0"));
-    m_client->run(QStringLiteral("INSERT INTO last_update_time VALUES "
-                                 "(datetime('now', 'localtime', '3 days', '1 hours'))"));
-    m_client->run(QStringLiteral("INSERT INTO mouseclicks (day) VALUES ('2026-03-14')"));
-    const auto tick = [this](int times) {
-        for (int i = 0; i < times; ++i) {
+    m_client->exec(QStringLiteral("INSERT INTO last_update_time VALUES "
+                                  "(datetime('now', 'localtime', '3 days', '1 hours'))"));
+    m_client->exec(QStringLiteral("INSERT INTO mouseclicks (day) VALUES ('2026-03-14')"));
+    const auto dayAfterTicks = [this] {
+        for (int tick = 0; tick < 11; ++tick) {
             m_collector->update(m_now);
         }
+        return m_client->value(QStringLiteral("SELECT day FROM mouseclicks")).toString();
     };
     {
-        const ReadingConnection other(m_client->database.getDatabaseFileName());
-        DSqlQuery reader(other.database());
-        QVERIFY(reader.exec(QStringLiteral("SELECT * FROM sqlite_master")) && reader.next());
-        tick(11);
+        const Reader reader(*m_client);
+        QCOMPARE(dayAfterTicks(), QStringLiteral("2026-03-14"));
     }
-    const QString day = QStringLiteral("SELECT day FROM mouseclicks");
-    QCOMPARE(m_client->value(day), QStringLiteral("2026-03-14"));
-    tick(11);
-    QCOMPARE(m_client->value(day), QStringLiteral("2026-03-11"));
+    QCOMPARE(dayAfterTicks(), QStringLiteral("2026-03-11"));
 }
 
 REGISTER_TEST(CollectorTest);

@@ -1,13 +1,23 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Client.h"
-#include "base/Log.h"
 #include "stats/KeypressesStat.h"
+#include "support/LogCapture.h"
 #include "support/TestRegistry.h"
 
-#include <QFile>
 #include <QTest>
 
 #include <memory>
+
+namespace {
+
+enum Switch
+{
+    PerApplication = 1,
+    Heatmap = 2,
+    Excluded = 4,
+};
+
+} // namespace
 
 class KeypressesStatTest : public QObject
 {
@@ -20,7 +30,6 @@ private Q_SLOTS:
     void filesTwoBatches();
     void startsEachHourAndProfileAtZero();
     void countsOnlyWhatIsTypedWhileOn();
-    void filesCombinations_data();
     void filesCombinations();
     void hidesTheOrderOfKeys();
     void goesOnAfterTheDatabaseWasReopened();
@@ -57,72 +66,60 @@ void KeypressesStatTest::type(const QList<Qt::Key>& keys, int hour)
 void KeypressesStatTest::filesTwoBatches_data()
 {
     QTest::addColumn<QString>("application");
-    QTest::addColumn<bool>("excluded");
-    QTest::addColumn<bool>("perApplication");
-    QTest::addColumn<bool>("heatmap");
+    QTest::addColumn<int>("switches");
     QTest::addColumn<int>("unknownKeys"); ///< In each batch, beside two of A and one of B.
-    QTest::addColumn<QStringList>("total");
-    QTest::addColumn<QStringList>("keys");
-    QTest::addColumn<QStringList>("applications");
-    QTest::addColumn<QStringList>("applicationKeys");
-    const QStringList none;
-    const QStringList keys{QStringLiteral("14 65 4 0"), QStringLiteral("14 66 2 0")};
-    const QStringList three{QStringLiteral("14 3 0")}; // The second batch alone.
-    const QStringList application{QStringLiteral("14 /usr/bin/editor 6 0 0")};
-    const QStringList applicationKeys{QStringLiteral("14 65 4 /usr/bin/editor 0"),
-                                      QStringLiteral("14 66 2 /usr/bin/editor 0")};
-    QTest::newRow("everything") << m_editor << false << true << true << 0 << three << keys
-                                << application << applicationKeys;
-    QTest::newRow("unknown keys") << m_editor << false << true << true << 2
-                                  << QStringList{QStringLiteral("14 5 0")} << keys
-                                  << QStringList{QStringLiteral("14 /usr/bin/editor 10 0 0")}
-                                  << applicationKeys;
+    QTest::addColumn<QString>("total");   ///< Of the second batch alone.
+    QTest::addColumn<QString>("keys");
+    QTest::addColumn<QString>("applications");
+    QTest::addColumn<QString>("applicationKeys");
+    const QString none;
+    const QString three = QStringLiteral("14|3|0");
+    const QString keys = QStringLiteral("14|65|4|0,14|66|2|0");
+    const QString editor = QStringLiteral("14|/usr/bin/editor|6|0|0");
+    const QString editorKeys =
+        QStringLiteral("14|65|4|/usr/bin/editor|0,14|66|2|/usr/bin/editor|0");
+    const int all = PerApplication | Heatmap;
+    QTest::newRow("everything") << m_editor << all << 0 << three << keys << editor << editorKeys;
+    QTest::newRow("unknown keys") << m_editor << all << 2 << QStringLiteral("14|5|0") << keys
+                                  << QStringLiteral("14|/usr/bin/editor|10|0|0") << editorKeys;
     QTest::newRow("excluded application")
-        << m_editor << true << true << true << 0 << three << keys << none << none;
-    QTest::newRow("no application in front")
-        << QString() << false << true << true << 0 << three << keys << none << none;
+        << m_editor << (all | Excluded) << 0 << three << keys << none << none;
+    QTest::newRow("no application in front") << none << all << 0 << three << keys << none << none;
     QTest::newRow("not per application")
-        << m_editor << false << false << true << 0 << three << keys << none << none;
-    QTest::newRow("no heat map") << m_editor << false << true << false << 0 << three << none
-                                 << application << none;
-    QTest::newRow("totals only") << m_editor << false << false << false << 0 << three << none
-                                 << none << none;
+        << m_editor << static_cast<int>(Heatmap) << 0 << three << keys << none << none;
+    QTest::newRow("no heat map") << m_editor << static_cast<int>(PerApplication) << 0 << three
+                                 << none << editor << none;
+    QTest::newRow("totals only") << m_editor << 0 << 0 << three << none << none << none;
 }
 
 void KeypressesStatTest::filesTwoBatches()
 {
     QFETCH(QString, application);
-    QFETCH(bool, excluded);
-    QFETCH(bool, perApplication);
-    QFETCH(bool, heatmap);
+    QFETCH(int, switches);
     QFETCH(int, unknownKeys);
     m_client->system.activeApplication = application;
+    const bool perApplication = (switches & PerApplication) != 0;
+    const bool excluded = (switches & Excluded) != 0;
     if (excluded) {
         m_client->system.excludedApplications.insert(application);
     }
     m_stat->setPerApplication(perApplication);
-    m_stat->setHeatmap(heatmap);
+    m_stat->setHeatmap((switches & Heatmap) != 0);
     const QList<Qt::Key> batch = QList<Qt::Key>{Qt::Key_A, Qt::Key_B, Qt::Key_A} +
                                  QList<Qt::Key>(unknownKeys, Qt::Key_unknown);
     type(batch);
     type({});
     type(batch);
 
-    const QString today =
-        QStringLiteral(R"(WHERE "day"=date('now', 'localtime') ORDER BY 1, 2, 3)");
-    QTEST(m_client->rows(QStringLiteral("SELECT hour, count, profile_id FROM keypresses ") + today),
-          "total");
-    QTEST(
-        m_client->rows(
-            QStringLiteral("SELECT hour, key, count, profile_id FROM keypress_frequency ") + today),
-        "keys");
-    QTEST(m_client->rows(QStringLiteral("SELECT hour, path, keys, clicks, profile_id "
-                                        "FROM input_per_application ") +
-                         today),
-          "applications");
-    QTEST(m_client->rows(QStringLiteral("SELECT hour, key, count, path, profile_id "
-                                        "FROM keypress_frequency_application ") +
-                         today),
+    const auto today = [this](const char* columnsAndTable) {
+        return m_client->rows(
+            QStringLiteral("SELECT hour, %1 WHERE day=date('now', 'localtime') ORDER BY 1, 2, 3")
+                .arg(QLatin1String(columnsAndTable)));
+    };
+    QTEST(today("count, profile_id FROM keypresses"), "total");
+    QTEST(today("key, count, profile_id FROM keypress_frequency"), "keys");
+    QTEST(today("path, keys, clicks, profile_id FROM input_per_application"), "applications");
+    QTEST(today("key, count, path, profile_id FROM keypress_frequency_application"),
           "applicationKeys");
     const auto all = static_cast<quint64>(2 * batch.size());
     QCOMPARE(m_client->totals.unzurged().keys, all);
@@ -138,14 +135,12 @@ void KeypressesStatTest::startsEachHourAndProfileAtZero()
     m_stat->setStatsProfileId(7);
     type({Qt::Key_A, Qt::Key_A}, 10);
     type({Qt::Key_A}, 10);
-    QCOMPARE(
-        m_client->rows(QStringLiteral("SELECT hour, profile_id, count FROM keypresses "
-                                      "ORDER BY hour, profile_id")),
-        (QStringList{QStringLiteral("9 0 1"), QStringLiteral("10 0 0"), QStringLiteral("10 7 1")}));
-    QCOMPARE(
-        m_client->rows(QStringLiteral("SELECT hour, profile_id, count FROM keypress_frequency "
-                                      "ORDER BY hour, profile_id")),
-        (QStringList{QStringLiteral("9 0 3"), QStringLiteral("10 0 3"), QStringLiteral("10 7 3")}));
+    QCOMPARE(m_client->rows(QStringLiteral("SELECT hour, profile_id, count FROM keypresses "
+                                           "ORDER BY hour, profile_id")),
+             QStringLiteral("9|0|1,10|0|0,10|7|1"));
+    QCOMPARE(m_client->rows(QStringLiteral("SELECT hour, profile_id, count FROM keypress_frequency "
+                                           "ORDER BY hour, profile_id")),
+             QStringLiteral("9|0|3,10|0|3,10|7|3"));
 }
 
 void KeypressesStatTest::countsOnlyWhatIsTypedWhileOn()
@@ -156,42 +151,36 @@ void KeypressesStatTest::countsOnlyWhatIsTypedWhileOn()
     m_client->system.keys = {Qt::Key_S, Qt::Key_E, Qt::Key_C};
     m_stat->setEnabled(true);
     m_stat->update();
-    QVERIFY(m_client->rows(QStringLiteral("SELECT * FROM keypress_frequency")).isEmpty());
-}
-
-void KeypressesStatTest::filesCombinations_data()
-{
-    QTest::addColumn<KeyCombination>("combination");
-    QTest::addColumn<QStringList>("rows");
-    using Rows = QStringList;
-    QTest::newRow("plain key") << KeyCombination{.key = 65} << Rows{};
-    QTest::newRow("two modifiers") << KeyCombination{.control = true, .shift = true, .key = 65}
-                                   << Rows{QStringLiteral("control,shift,65 1")};
-    QTest::newRow("all modifiers")
-        << KeyCombination{.control = true,
-                          .option = true,
-                          .shift = true,
-                          .command = true,
-                          .fn = true,
-                          .key = Qt::Key_F1}
-        << Rows{QStringLiteral("control,option,shift,command,fn,16777264 1")};
+    QCOMPARE(m_client->rows(QStringLiteral("SELECT * FROM keypress_frequency")), QString());
 }
 
 void KeypressesStatTest::filesCombinations()
 {
-    QFETCH(KeyCombination, combination);
-    m_client->system.combinations = {combination, combination};
+    const KeyCombination plain{.key = 65};
+    const KeyCombination two{.control = true, .shift = true, .key = 65};
+    const KeyCombination five{.control = true,
+                              .option = true,
+                              .shift = true,
+                              .command = true,
+                              .fn = true,
+                              .key = Qt::Key_F1};
+    // A combination is counted from its second time on.
+    m_client->system.combinations = {plain, two, plain, five, two, five, two};
     type({});
-    QTEST(m_client->rows(QStringLiteral("SELECT combo, count FROM keycombo_frequency")), "rows");
-    QTEST(m_client->rows(QStringLiteral("SELECT combo, count FROM keycombo_frequency_application "
-                                        "WHERE path='/usr/bin/editor'")),
-          "rows");
+    const QString expected =
+        QStringLiteral("control,option,shift,command,fn,16777264|1,control,shift,65|2");
+    QCOMPARE(m_client->rows(
+                 QStringLiteral("SELECT combo, count FROM keycombo_frequency ORDER BY combo")),
+             expected);
+    QCOMPARE(
+        m_client->rows(QStringLiteral("SELECT combo, count FROM keycombo_frequency_application "
+                                      "WHERE path='/usr/bin/editor' ORDER BY combo")),
+        expected);
 }
 
 void KeypressesStatTest::hidesTheOrderOfKeys()
 {
-    Log::start(m_client->directory.path());
-    Log::setLevel(Log::Level::Debug);
+    const LogCapture log(Log::Level::Debug);
     QList<Qt::Key> typed;
     QStringList order;
     for (int key = Qt::Key_A; key <= Qt::Key_T; ++key) {
@@ -200,30 +189,26 @@ void KeypressesStatTest::hidesTheOrderOfKeys()
     }
     type(typed, 1);
     type(typed, 2);
-    Log::stop();
 
-    QStringList stored[2];
-    for (int hour : {1, 2}) {
-        stored[hour - 1] = m_client->rows(
+    const auto stored = [this](int hour) {
+        return m_client->rows(
             QStringLiteral("SELECT key FROM keypress_frequency WHERE hour=%1 ORDER BY rowid")
                 .arg(hour));
-        QCOMPARE(stored[hour - 1].size(), order.size());
-        QVERIFY(stored[hour - 1] != order);
-    }
-    QVERIFY(stored[0] != stored[1]);
-    QFile log(m_client->directory.filePath(QStringLiteral("app.log")));
-    QVERIFY(log.open(QIODevice::ReadOnly));
-    QCOMPARE(log.readAll(), QByteArray());
+    };
+    QCOMPARE(stored(1).split(u',').size(), order.size());
+    QVERIFY(stored(1) != order.join(u','));
+    QVERIFY(stored(1) != stored(2));
+    QCOMPARE(log.text(), QString());
 }
 
 void KeypressesStatTest::goesOnAfterTheDatabaseWasReopened()
 {
     type({Qt::Key_A});
-    m_client->database.closeDatabase();
-    QVERIFY(m_client->database.reconnectIfNeeded());
+    m_client->database()->closeDatabase();
+    QVERIFY(m_client->database()->reconnectIfNeeded());
     type({Qt::Key_A});
     QCOMPARE(m_client->rows(QStringLiteral("SELECT key, count FROM keypress_frequency")),
-             QStringList{QStringLiteral("65 2")});
+             QStringLiteral("65|2"));
 }
 
 REGISTER_TEST(KeypressesStatTest);

@@ -52,7 +52,6 @@ class StatTest : public QObject
 private Q_SLOTS:
     void updatesWhenDue_data();
     void updatesWhenDue();
-    void measuresEachUpdateByItself();
     void switchesOnAndOffOnce();
     void updatesAfterTheClockWasSetBack();
 
@@ -95,18 +94,6 @@ void StatTest::updatesWhenDue()
     stat.setUiMode(ui);
     stat.update(m_start.addMSecs(elapsedMs));
     QTEST(stat.noted, "updates");
-}
-
-void StatTest::measuresEachUpdateByItself()
-{
-    NotingStat stat(&m_system, nullptr);
-    for (int second = 0; second < 125; second += 5) {
-        stat.update(m_start.addSecs(second));
-    }
-    // The first tick, eleven frequent ones, one minute, eleven more, two minutes.
-    const QString eleven(11, QLatin1Char('f'));
-    QCOMPARE(stat.noted, QString(QStringLiteral("fni") + eleven + QStringLiteral("fn") + eleven +
-                                 QStringLiteral("fni")));
 }
 
 void StatTest::switchesOnAndOffOnce()
