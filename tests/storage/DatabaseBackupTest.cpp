@@ -2,6 +2,7 @@
 #include "storage/SampleDatabase.h"
 #include "support/LogCapture.h"
 #include "support/TestDatabase.h"
+#include "support/TestFiles.h"
 #include "support/TestRegistry.h"
 
 #include <QSignalSpy>
@@ -118,9 +119,7 @@ void DatabaseBackupTest::isAbandonedCleanly()
     QSignalSpy finished(test.database(), &Database::backupFinished);
     QVERIFY(finished.wait(20'000));
     const QString backup = backupOf(test);
-    QFile before(backup);
-    QVERIFY(before.open(QIODevice::ReadOnly));
-    const QByteArray content = before.readAll();
+    const QByteArray content = readFile(backup);
     fill(test, 50'000);
     for (const int waitMs : {0, 25, 200, 400}) {
         test.database()->backupDatabase();
@@ -129,8 +128,7 @@ void DatabaseBackupTest::isAbandonedCleanly()
         QVERIFY(!QFile::exists(backup + QStringLiteral(".part")));
         QCOMPARE(test.value(QStringLiteral("SELECT COUNT(*) FROM applications")).toInt(), 50'000);
     }
-    SampleDatabase copy(backup);
-    QVERIFY(copy.isSound());
+    QVERIFY(SampleDatabase(backup).isSound());
     QVERIFY(!content.isEmpty());
 }
 

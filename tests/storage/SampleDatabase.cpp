@@ -2,15 +2,17 @@
 #include "storage/SampleDatabase.h"
 
 #include "storage/DSqlQuery.h"
+#include "support/TestFiles.h"
 
-#include <QFile>
+#include <QRegularExpression>
 #include <QSqlRecord>
 
 namespace {
 
-QString testFile(const QString& name)
+QStringList linesOf(const QString& name)
 {
-    return QStringLiteral(TALLYVANE_SOURCE_DIR "/tests/storage/") + name;
+    const QString path = QStringLiteral(TALLYVANE_SOURCE_DIR "/tests/storage/") + name;
+    return QString::fromUtf8(readFile(path)).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
 }
 
 } // namespace
@@ -30,14 +32,21 @@ SampleDatabase::~SampleDatabase()
 
 void SampleDatabase::create(const QString& fileName, int version)
 {
+    static const QRegularExpression heading(QStringLiteral("^-- Versions? (\\d+)(?: to (\\d+))?$"));
     SampleDatabase sample(fileName);
-    sample.runScript(testFile(QStringLiteral("databases/common.sql")));
-    sample.runScript(testFile(QStringLiteral("databases/v%1.sql").arg(version)));
-}
-
-void SampleDatabase::runScript(const QString& path)
-{
-    DSqlQuery(m_connection).executeSqlFile(path);
+    bool belongs = false;
+    sample.exec(QStringLiteral("BEGIN"));
+    for (const QString& line : linesOf(QStringLiteral("databases.sql"))) {
+        if (const auto match = heading.match(line); match.hasMatch()) {
+            const int first = match.captured(1).toInt();
+            const int last = match.hasCaptured(2) ? match.captured(2).toInt() : first;
+            belongs = first <= version && version <= last;
+        } else if (belongs) {
+            sample.exec(line);
+        }
+    }
+    sample.exec(QStringLiteral("PRAGMA user_version = %1").arg(version));
+    sample.exec(QStringLiteral("COMMIT"));
 }
 
 bool SampleDatabase::exec(const QString& statement)
@@ -114,10 +123,7 @@ QString SampleDatabase::description(const QSqlDatabase& connection, const QStrin
 QMap<QString, QString> expectedSchema(const QString& fileName)
 {
     QMap<QString, QString> tables;
-    QFile file(testFile(fileName));
-    file.open(QIODevice::ReadOnly);
-    const QString text = QString::fromUtf8(file.readAll());
-    for (const QString& line : text.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
+    for (const QString& line : linesOf(fileName)) {
         if (!line.startsWith(QLatin1Char('#'))) {
             const QStringList parts = line.split(QLatin1Char('|'));
             tables.insert(parts.at(0).trimmed(),

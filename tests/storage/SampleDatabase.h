@@ -19,7 +19,6 @@ public:
     /// Writes a database as a client of schema version `version` left it, with rows in every table.
     static void create(const QString& fileName, int version);
 
-    void runScript(const QString& path);
     bool exec(const QString& statement);
     int version();
     bool isSound();
