@@ -45,8 +45,7 @@ public:
     bool saveSettings();
 
     /// Brings the copy in the tables `unzurged_stats` and `pending_applications_stats` up to date.
-    /// Called inside the collector's transaction, once a minute, and by `saveSettings`' callers at
-    /// exit.
+    /// Called inside the collector's transaction, once a minute and at exit.
     void writeDatabaseCopy();
 
     // Counts of zero and below add nothing; a counter that would exceed `CounterLimit` stays there.

@@ -4,8 +4,8 @@
 #include "account/Aes.h"
 #include "account/TvwFormat.h"
 #include "base/Log.h"
+#include "storage/DatabaseFiles.h"
 
-#include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
@@ -36,18 +36,6 @@ QString describe(Tvw::Fault fault)
         break;
     }
     return {};
-}
-
-/// A name beside `path` that no file has yet.
-QString freeNameBeside(const QString& path)
-{
-    const QString now = QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-HHmmss"));
-    const QString dated = path + QStringLiteral(".damaged-") + now;
-    QString name = dated;
-    for (int i = 2; QFileInfo::exists(name); ++i) {
-        name = dated + QLatin1Char('-') + QString::number(i);
-    }
-    return name;
 }
 
 } // namespace
@@ -113,7 +101,7 @@ std::optional<QByteArray> TvwFile::read()
 
 void TvwFile::moveAside(const QString& reason)
 {
-    const QString aside = freeNameBeside(m_path);
+    const QString aside = DatabaseFiles::datedName(m_path + QStringLiteral(".damaged"));
     m_replaceable = QFile::rename(m_path, aside);
     if (m_replaceable) {
         Log::warn(

@@ -6,6 +6,7 @@
 #include "storage/Database.h"
 
 #include <QSqlDatabase>
+#include <QSqlError>
 
 namespace {
 
@@ -47,8 +48,9 @@ void ProfileManager::setActiveStatsProfile(int id, const QString& name)
     QSqlDatabase connection = Database::instance()->connection();
     const bool began = connection.transaction();
     const bool marked = markActive(id);
-    if (began) {
-        connection.commit();
+    if (began && !connection.commit()) {
+        Log::error("Unable to store the active profile: {}", connection.lastError().text());
+        connection.rollback();
     }
     if (!marked) {
         Log::warn("There is no profile with ID: {}, counting under the default profile", id);

@@ -89,8 +89,11 @@ bool DSqlQuery::executeSqlFile(const QString& path)
         }
     }
     finish();
-    if (!m_connection.commit() && m_scriptError.isEmpty()) {
-        m_scriptError = m_connection.lastError().databaseText();
+    if (!m_connection.commit()) {
+        if (m_scriptError.isEmpty()) {
+            m_scriptError = m_connection.lastError().databaseText();
+        }
+        m_connection.rollback();
     }
     return m_scriptError.isEmpty();
 }

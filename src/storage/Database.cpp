@@ -18,11 +18,6 @@ namespace {
 
 Database* s_instance = nullptr;
 
-void logValue(const char* text, const QString& value)
-{
-    Log::info("{}{}", text, value);
-}
-
 bool isSound(const QString& databaseFile)
 {
     const ReadingConnection connection(databaseFile);
@@ -142,10 +137,10 @@ bool Database::prepareFile()
 QSqlDatabase Database::connectionNamed(const QString& name)
 {
     if (QSqlDatabase::contains(name)) {
-        logValue("Re-using existing db connection with name: ", name);
+        Log::info("Re-using existing db connection with name: {}", name);
         return QSqlDatabase::database(name, false);
     }
-    logValue("Creating db connection with name: ", name);
+    Log::info("Creating db connection with name: {}", name);
     return QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
 }
 
@@ -164,7 +159,7 @@ bool Database::openConnection()
     m_connection = connectionNamed(ConnectionName);
     m_connection.setDatabaseName(m_files.fileName());
     m_connection.setConnectOptions(connectOptions(m_access));
-    logValue("Database connection options: ", m_connection.connectOptions());
+    Log::info("Database connection options: {}", m_connection.connectOptions());
     if (!m_connection.open()) {
         m_failure = tr("Unable to open database: ") + m_connection.lastError().text();
         return false;
@@ -182,7 +177,7 @@ Database::Outcome Database::checkOpened()
     }
     setPragmas();
     const IntegrityCheck check = IntegrityCheck::run(m_connection, IntegrityCheck::Depth::Quick);
-    logValue("Database check: ", check.text);
+    Log::info("Database check: {}", check.text);
     if (check.verdict == IntegrityCheck::Verdict::Sound) {
         return Outcome::Opened;
     }
@@ -365,7 +360,7 @@ QString Database::checkDatabase()
     if (m_connection.isOpen()) {
         text = IntegrityCheck::run(m_connection, IntegrityCheck::Depth::Quick).text;
     }
-    logValue("Database check: ", text);
+    Log::info("Database check: {}", text);
     return text;
 }
 
@@ -375,7 +370,7 @@ QString Database::checkDatabaseFull()
     if (m_connection.isOpen()) {
         text = IntegrityCheck::run(m_connection, IntegrityCheck::Depth::Full).text;
     }
-    logValue("Database integrity check: ", text);
+    Log::info("Database integrity check: {}", text);
     return text;
 }
 

@@ -20,11 +20,11 @@ namespace {
 using namespace std::chrono_literals;
 
 /// 256 KiB at SQLite's default page size: a fraction of a millisecond, some 25 MB a second.
-constexpr int pagesPerStep = 64;
-constexpr auto stepInterval = 10ms;
+constexpr int PagesPerStep = 64;
+constexpr auto StepInterval = 10ms;
 
 /// How many instructions of SQLite's machine run between two looks at whether to give up.
-constexpr int instructionsPerLook = 10'000;
+constexpr int InstructionsPerLook = 10'000;
 
 /// The handle of a Qt connection; null where Qt's driver brings a SQLite of its own, whose handles
 /// the library this program is linked to must not touch.
@@ -64,7 +64,7 @@ DatabaseBackup::DatabaseBackup(const QSqlDatabase& source, const QString& target
     , m_target(target)
     , m_part(target + QStringLiteral(".part"))
 {
-    m_timer.setInterval(stepInterval);
+    m_timer.setInterval(StepInterval);
     QObject::connect(&m_timer, &QTimer::timeout, this, &DatabaseBackup::copySomePages);
 }
 
@@ -128,7 +128,7 @@ bool DatabaseBackup::openTarget()
 
 void DatabaseBackup::copySomePages()
 {
-    switch (const int result = sqlite3_backup_step(m_backup.get(), pagesPerStep)) {
+    switch (const int result = sqlite3_backup_step(m_backup.get(), PagesPerStep)) {
     case SQLITE_OK:
     case SQLITE_BUSY:   // Another connection writes,
     case SQLITE_LOCKED: // or this one is inside a transaction: the next turn of the timer goes on.
@@ -158,15 +158,14 @@ void DatabaseBackup::checkCopy()
     m_checking->start(QThread::LowPriority);
 }
 
-bool DatabaseBackup::isCopySound() const
+bool DatabaseBackup::isCopySound()
 {
     const ReadingConnection connection(m_part);
     sqlite3* handle = handleOf(connection.database());
     if (handle == nullptr) {
         return false;
     }
-    sqlite3_progress_handler(handle, instructionsPerLook, &isAbandoned,
-                             const_cast<std::atomic<bool>*>(&m_abandoned));
+    sqlite3_progress_handler(handle, InstructionsPerLook, &isAbandoned, &m_abandoned);
     const IntegrityCheck check =
         IntegrityCheck::run(connection.database(), IntegrityCheck::Depth::Full);
     sqlite3_progress_handler(handle, 0, nullptr, nullptr);

@@ -51,7 +51,7 @@ private:
     bool openTarget();
     void copySomePages();
     void checkCopy();
-    bool isCopySound() const; ///< Runs on the checking thread.
+    bool isCopySound(); ///< Runs on the checking thread.
     void end(bool replaced);
 
     QSqlDatabase m_source;

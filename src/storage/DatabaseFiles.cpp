@@ -22,10 +22,10 @@
 
 namespace {
 
-constexpr mode_t privateMode = S_IRUSR | S_IWUSR;
+constexpr mode_t PrivateMode = S_IRUSR | S_IWUSR;
 
 /// https://sqlite.org/fileformat2.html, section 1.3.
-constexpr int headerBytes = 100;
+constexpr int HeaderBytes = 100;
 
 QString reason()
 {
@@ -62,19 +62,6 @@ bool linkOrMove(const QString& from, const QString& to)
         return true;
     }
     return !QFileInfo::exists(to) && rename(from, to);
-}
-
-/// The first free name of the form "path-yyyyMMdd-HHmmss", with a number behind it where one second
-/// sees several.
-QString datedName(const QString& path)
-{
-    const QString stem = path + QLatin1Char('-') +
-                         QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-HHmmss"));
-    QString name = stem;
-    for (int number = 2; QFileInfo::exists(name); ++number) {
-        name = stem + QLatin1Char('-') + QString::number(number);
-    }
-    return name;
 }
 
 bool copyContent(QFile& source, QFile& target)
@@ -136,7 +123,7 @@ DatabaseFiles::Kind DatabaseFiles::kind() const
     if (file.size() == 0) {
         return Kind::Empty;
     }
-    return file.size() < headerBytes ? Kind::Stub : Kind::Regular;
+    return file.size() < HeaderBytes ? Kind::Stub : Kind::Regular;
 }
 
 bool DatabaseFiles::hasBackup() const
@@ -168,8 +155,8 @@ std::optional<int> DatabaseFiles::storedVersion() const
     if (kind() != Kind::Regular || !file.open(QIODevice::ReadOnly)) {
         return std::nullopt;
     }
-    const QByteArray header = file.read(headerBytes);
-    if (header.size() < headerBytes || !header.startsWith(magic)) {
+    const QByteArray header = file.read(HeaderBytes);
+    if (header.size() < HeaderBytes || !header.startsWith(magic)) {
         return std::nullopt;
     }
     return qFromBigEndian<qint32>(header.constData() + versionOffset);
@@ -180,18 +167,18 @@ bool DatabaseFiles::makePrivate() const
     if (kind() == Kind::Missing) {
         return createEmpty(m_fileName);
     }
-    return ::chmod(QFile::encodeName(m_fileName).constData(), privateMode) == 0;
+    return ::chmod(QFile::encodeName(m_fileName).constData(), PrivateMode) == 0;
 }
 
 bool DatabaseFiles::createEmpty(const QString& path)
 {
     const int descriptor =
         ::open(QFile::encodeName(path).constData(),
-               O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW, privateMode);
+               O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW, PrivateMode);
     if (descriptor < 0) {
         return false;
     }
-    const bool ok = ::fchmod(descriptor, privateMode) == 0;
+    const bool ok = ::fchmod(descriptor, PrivateMode) == 0;
     ::close(descriptor);
     return ok;
 }
@@ -232,6 +219,17 @@ bool DatabaseFiles::replace(const QString& source, const QString& target)
     // Not every file system can do this for a directory; the new name then reaches the disk later.
     syncToDisk(QFileInfo(target).absolutePath());
     return true;
+}
+
+QString DatabaseFiles::datedName(const QString& path)
+{
+    const QString stem = path + QLatin1Char('-') +
+                         QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-HHmmss"));
+    QString name = stem;
+    for (int number = 2; QFileInfo::exists(name); ++number) {
+        name = stem + QLatin1Char('-') + QString::number(number);
+    }
+    return name;
 }
 
 std::optional<QString> DatabaseFiles::keepDamaged() const

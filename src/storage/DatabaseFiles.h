@@ -66,6 +66,10 @@ public:
     /// Writes a finished file to the disk and lets it take the place of `target`. True if it did.
     static bool replace(const QString& source, const QString& target);
 
+    /// The first free name of the form "path-yyyyMMdd-HHmmss", with a number behind it where one
+    /// second sees several.
+    static QString datedName(const QString& path);
+
     /// Keeps the database under a dated name, together with its journal, and returns that name;
     /// null where that failed. The file itself stays as a second name of the same content where the
     /// file system can do that, so that at no instant the database is missing.

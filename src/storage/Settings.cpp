@@ -6,6 +6,7 @@
 #include "storage/Database.h"
 #include "storage/DefaultSettings.h"
 
+#include <QSqlError>
 #include <QThread>
 
 namespace {
@@ -28,6 +29,14 @@ bool isNull(const QVariant& value)
 QVariant storable(const QVariant& value)
 {
     return isNull(value) ? QVariant(QStringLiteral("")) : value;
+}
+
+/// At the level trace alone: settings are read often.
+void logAccess(const char* operation, const QString& key)
+{
+    if (Log::isEnabled(Log::Level::Trace)) {
+        Log::debug("Settings::{}({})", operation, key);
+    }
 }
 
 } // namespace
@@ -88,12 +97,15 @@ void Settings::initializeDefaultSettings()
     for (const auto& [key, value] : DefaultSettings::ofThisMoment(QDateTime::currentDateTime())) {
         setDefault(key, value);
     }
-    connection.commit();
+    if (!connection.commit()) {
+        Log::error("Unable to store the default settings: {}", connection.lastError().text());
+        connection.rollback();
+    }
 }
 
 bool Settings::setDefault(const QString& key, const QVariant& value)
 {
-    Log::trace("Settings::setDefault({})", key);
+    logAccess("setDefault", key);
     if (!m_insertDefault) {
         return false;
     }
@@ -111,7 +123,7 @@ bool Settings::setDefault(const QString& key, const QVariant& value)
 
 QVariant Settings::get(const QString& key, const QVariant& defaultValue) const
 {
-    Log::trace("Settings::get({})", key);
+    logAccess("get", key);
     {
         const QReadLocker locker(&m_lock);
         const auto cached = m_cache.constFind(key);
@@ -125,7 +137,7 @@ QVariant Settings::get(const QString& key, const QVariant& defaultValue) const
 
 bool Settings::has(const QString& key) const
 {
-    Log::trace("Settings::has({})", key);
+    logAccess("has", key);
     {
         const QReadLocker locker(&m_lock);
         if (m_cache.contains(key)) {
@@ -137,7 +149,7 @@ bool Settings::has(const QString& key) const
 
 bool Settings::set(const QString& key, const QVariant& value)
 {
-    Log::trace("Settings::set({})", key);
+    logAccess("set", key);
     {
         const QWriteLocker locker(&m_lock);
         m_cache.insert(key, value);
@@ -164,7 +176,7 @@ bool Settings::setDouble(const QString& key, const double& value)
 
 void Settings::del(const QString& key)
 {
-    Log::trace("Settings::del({})", key);
+    logAccess("del", key);
     {
         const QWriteLocker locker(&m_lock);
         m_cache.remove(key);

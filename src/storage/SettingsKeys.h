@@ -7,7 +7,7 @@
 
 /// Every key of the table `settings`: its type, its meaning, and what a read gives where nothing is
 /// stored. No other place spells a key. The sections follow the order in which defaults are stored;
-/// which of the keys have one is listed in `Settings::initializeDefaultSettings`.
+/// which of the keys have one is listed in `DefaultSettings`.
 namespace SettingsKeys {
 
 // Which statistics are taken.
