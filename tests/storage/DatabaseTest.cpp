@@ -28,8 +28,8 @@ enum class Backup
     Damaged,
 };
 
-constexpr int rowsInDatabase = 3000;
-constexpr int rowsInBackup = 1000;
+constexpr int RowsInDatabase = 3000;
+constexpr int RowsInBackup = 1000;
 
 Damage noDatabase(int size)
 {
@@ -127,14 +127,14 @@ void DatabaseTest::prepare(const QTemporaryDir& directory, Backup backup, const 
                 .arg(first)
                 .arg(last));
     };
-    fill(1, rowsInBackup);
+    fill(1, RowsInBackup);
     if (backup != Backup::None) {
         QFile::copy(file, file + QStringLiteral(".backup"));
     }
     if (backup == Backup::Damaged) {
         zeroedPage(0.5)(file + QStringLiteral(".backup"));
     }
-    fill(rowsInBackup + 1, rowsInDatabase);
+    fill(RowsInBackup + 1, RowsInDatabase);
     damage(file);
 }
 
@@ -172,7 +172,7 @@ void DatabaseTest::survivesDamage_data()
     };
     for (const auto& [name, damage] : damages) {
         const bool isEmpty = qstrcmp(name, "empty") == 0;
-        QTest::addRow("%s, good backup", name) << damage << Backup::Good << 0 << rowsInBackup;
+        QTest::addRow("%s, good backup", name) << damage << Backup::Good << 0 << RowsInBackup;
         QTest::addRow("%s, damaged backup", name) << damage << Backup::Damaged << 1 << 0;
         // An empty file alone is what a first start leaves that ends at once.
         QTest::addRow("%s, no backup", name) << damage << Backup::None << (isEmpty ? 0 : 1) << 0;
@@ -267,7 +267,7 @@ void DatabaseTest::offersNoNewDatabaseForLackOfSpace()
     QCOMPARE(readFile(file), damaged);
     QCOMPARE(filesIn(directory, "*.part"), QStringList());
     const Database database(directory.path(), prompts);
-    QCOMPARE(rowsIn(database), rowsInBackup);
+    QCOMPARE(rowsIn(database), RowsInBackup);
 }
 
 void DatabaseTest::leavesANewerDatabaseUntouched()
@@ -353,7 +353,7 @@ void DatabaseTest::runsOnReadOnly()
                      : QStringLiteral("Unable to open database: unable to open database file Error "
                                       "opening database"));
         const bool asExpected = opens ? database.state() == Database::State::ReadOnly &&
-                                            rowsIn(database) == rowsInDatabase &&
+                                            rowsIn(database) == RowsInDatabase &&
                                             !DSqlQuery(database.connection())
                                                  .exec(QStringLiteral("DELETE FROM applications"))
                                       : database.state() == Database::State::Failed;
@@ -421,7 +421,7 @@ void DatabaseTest::restoresNothingFromAStrayJournal()
     writeFile(file, {});
     TestPrompts prompts;
     const Database database(directory.path(), prompts);
-    QCOMPARE(rowsIn(database), rowsInBackup);
+    QCOMPARE(rowsIn(database), RowsInBackup);
     QVERIFY(QFile::exists(database.keptDamagedFile() + QStringLiteral("-journal")));
 }
 

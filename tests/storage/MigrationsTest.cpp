@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr int latest = Database::SchemaVersion;
+constexpr int Latest = Database::SchemaVersion;
 
 /// The rows of each table, in the columns it had at first.
 struct Content
@@ -106,7 +106,7 @@ private:
 void MigrationsTest::verifyUpgraded(const QString& file, const Content& before)
 {
     SampleDatabase database(file);
-    QCOMPARE(database.version(), latest);
+    QCOMPARE(database.version(), Latest);
     QVERIFY(database.isSound());
     QCOMPARE(rowsOf(database, before.columns), before.rows);
     const QMap<QString, QString> expected = expectedSchema(QStringLiteral("schema.txt"));
@@ -154,7 +154,7 @@ void MigrationsTest::upgrades_data()
         {1, QStringLiteral("/opt/bandwidth; /opt/both; /opt/uptime; ")},
         {3, QStringLiteral("/opt/left; ")},
     };
-    for (int version = 1; version < latest; ++version) {
+    for (int version = 1; version < Latest; ++version) {
         QTest::addRow("from %d", version)
             << version << added.value(version) + QStringLiteral("path 1; path 2");
     }
@@ -197,10 +197,10 @@ void MigrationsTest::createsMissingTablesInTheirFinalForm()
 void MigrationsTest::endsWholeWhereAStatementFails()
 {
     const int from = 4;
-    for (int broken = from + 1; broken <= latest; ++broken) {
+    for (int broken = from + 1; broken <= Latest; ++broken) {
         const QTemporaryDir directory(fastTemporaryDirectory());
         const QString file = directory.filePath(DatabaseFiles::Name);
-        for (int step = from + 1; step <= latest; ++step) {
+        for (int step = from + 1; step <= Latest; ++step) {
             QByteArray script = readFile(QStringLiteral(":/db-upgrades/%1.sql").arg(step));
             if (step == broken) {
                 script.replace("PRAGMA user_version",
@@ -215,7 +215,7 @@ void MigrationsTest::endsWholeWhereAStatementFails()
         QFile::remove(file);
         SampleDatabase::create(file, from);
 
-        QCOMPARE(upgrade(file, from, latest, directory.path()),
+        QCOMPARE(upgrade(file, from, Latest, directory.path()),
                  QStringLiteral("no such table: nowhere"));
         QCOMPARE(SampleDatabase(file).version(), broken - 1);
         QCOMPARE(schemaOf(file), schema);
