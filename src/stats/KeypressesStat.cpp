@@ -112,7 +112,10 @@ void KeypressesStat::onDisabled()
 
 void KeypressesStat::doFrequentUpdate(QDateTime now, bool)
 {
-    const Place place{now.time().hour(), statsProfileId(), system().getActiveApplicationPath()};
+    const QString path = system().getActiveApplicationPath();
+    // A null text would be stored as NULL, which the tables do not take.
+    const Place place{now.time().hour(), statsProfileId(),
+                      path.isNull() ? QLatin1String("") : path};
     writeCombinations(place);
 
     QList<Qt::Key> keys = system().retrieveIncrementalKeyPresses();
@@ -201,19 +204,26 @@ void KeypressesStat::writeTotal(int count, const Place& place)
 
 void KeypressesStat::writeApplication(int count, const QList<KeyCount>& counts, const Place& place)
 {
-    if (!isPerApplication() || place.path.isEmpty() ||
-        system().shouldExcludeApplicationForStats(place.path)) {
+    if (!isPerApplication() || system().shouldExcludeApplicationForStats(place.path)) {
         return;
     }
-    m_perApplication.add({count, place.hour, place.path, place.profileId},
-                         {place.hour, place.path, count, place.profileId});
-    LocalStats::instance()->increaseAppKeys(place.path, count);
-    if (!isHeatmap()) {
-        return;
+    if (!place.path.isEmpty()) {
+        m_perApplication.add({count, place.hour, place.path, place.profileId},
+                             {place.hour, place.path, count, place.profileId});
+        LocalStats::instance()->increaseAppKeys(place.path, count);
     }
-    for (const auto& [key, keyCount] : counts) {
+    if (isHeatmap()) {
+        writeApplicationKeys(counts, place);
+    }
+}
+
+void KeypressesStat::writeApplicationKeys(const QList<KeyCount>& counts, const Place& place)
+{
+    // Also under no path, where the application in front is unknown: over all paths, the keys add
+    // up to those of the heat map.
+    for (const auto& [key, count] : counts) {
         const int value = key;
-        m_perKeyAndApplication.add({keyCount, place.hour, value, place.path, place.profileId},
-                                   {place.hour, value, keyCount, place.path, place.profileId});
+        m_perKeyAndApplication.add({count, place.hour, value, place.path, place.profileId},
+                                   {place.hour, value, count, place.path, place.profileId});
     }
 }

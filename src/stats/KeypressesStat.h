@@ -52,6 +52,7 @@ private:
     void writeKeys(const QList<KeyCount>& counts, const Place& place);
     void writeTotal(int count, const Place& place);
     void writeApplication(int count, const QList<KeyCount>& counts, const Place& place);
+    void writeApplicationKeys(const QList<KeyCount>& counts, const Place& place);
 
     CountedRow m_total;
     CountedRow m_perKey;

@@ -84,7 +84,8 @@ void KeypressesStatTest::filesTwoBatches_data()
                                   << QStringLiteral("14|/usr/bin/editor|10|0|0") << editorKeys;
     QTest::newRow("excluded application")
         << m_editor << (all | Excluded) << 0 << three << keys << none << none;
-    QTest::newRow("no application in front") << none << all << 0 << three << keys << none << none;
+    QTest::newRow("no application in front")
+        << none << all << 0 << three << keys << none << QStringLiteral("14|65|4||0,14|66|2||0");
     QTest::newRow("not per application")
         << m_editor << static_cast<int>(Heatmap) << 0 << three << keys << none << none;
     QTest::newRow("no heat map") << m_editor << static_cast<int>(PerApplication) << 0 << three
