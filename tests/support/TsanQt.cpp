@@ -84,3 +84,24 @@ bool QThread::wait(QDeadlineTimer deadline)
     }
     return ended;
 }
+
+// What a functor captured was written before its event was posted, and is read when the receiver
+// takes the event. Qt's own classes as receivers are out of reach here.
+
+bool QMetaObject::invokeMethodImpl(QObject* object, QtPrivate::QSlotObjectBase* slot,
+                                   Qt::ConnectionType type, void* result)
+{
+    static const auto inQt =
+        next<bool (*)(QObject*, QtPrivate::QSlotObjectBase*, Qt::ConnectionType, void*)>(
+            "_ZN11QMetaObject16invokeMethodImplEP7QObjectPN9QtPrivate15QSlotObjectBaseEN2Qt"
+            "14ConnectionTypeEPv");
+    __tsan_release(object);
+    return inQt(object, slot, type, result);
+}
+
+bool QObject::event(QEvent* event)
+{
+    static const auto inQt = next<bool (*)(QObject*, QEvent*)>("_ZN7QObject5eventEP6QEvent");
+    __tsan_acquire(this);
+    return inQt(this, event);
+}
