@@ -15,7 +15,7 @@ namespace {
 
 /// Far beyond what the counts of any number of applications take; keeps a file that is something
 /// else entirely from being read into memory.
-constexpr qint64 LargestFile = 64 * 1024 * 1024;
+constexpr qint64 LargestFile = 64LL * 1024 * 1024;
 
 QString describe(Tvw::Fault fault)
 {

@@ -197,7 +197,7 @@ QVariant Settings::readRow(const QString& key) const
     }
     m_select->bindValue(0, key);
     const bool found = m_select->exec() && m_select->next();
-    const QVariant value = found ? m_select->value(0) : QVariant();
+    QVariant value = found ? m_select->value(0) : QVariant();
     m_select->finish();
     return value;
 }

@@ -26,10 +26,11 @@ Notice::Notice(QWidget* parent)
     , m_icon(new QLabel(this))
     , m_title(new QLabel(this))
     , m_text(new QLabel(this))
+    , m_commandRow(new QWidget(this))
     , m_button(new QPushButton(this))
 {
     setObjectName(QStringLiteral("notice"));
-    m_commandRow = buildCommand();
+    buildCommand();
     m_title->setObjectName(QStringLiteral("noticeTitle"));
     m_text->setObjectName(QStringLiteral("noticeText"));
     m_text->setWordWrap(true);
@@ -52,26 +53,25 @@ Notice::Notice(QWidget* parent)
     applyTheme();
 }
 
-QWidget* Notice::buildCommand()
+void Notice::buildCommand()
 {
-    auto* row = new QWidget(this);
-    m_command = new QLineEdit(row);
+    m_command = new QLineEdit(m_commandRow);
     m_command->setObjectName(QStringLiteral("command"));
     m_command->setReadOnly(true);
     m_command->setAccessibleName(tr("Command to run in a terminal"));
     m_command->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
-    m_copy = new QPushButton(Icons::symbol(QStringLiteral("copy")), tr("Copy command"), row);
+    m_copy =
+        new QPushButton(Icons::symbol(QStringLiteral("copy")), tr("Copy command"), m_commandRow);
     m_copy->setObjectName(QStringLiteral("copyCommand"));
     m_copy->setMinimumHeight(4 * Theme::Rhythm);
     m_copy->setMinimumWidth(m_copy->sizeHint().width());
     m_command->setMinimumHeight(4 * Theme::Rhythm);
     connect(m_copy, &QPushButton::clicked, this, &Notice::copyCommand);
-    auto* layout = new QHBoxLayout(row);
+    auto* layout = new QHBoxLayout(m_commandRow);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(Theme::Rhythm);
     layout->addWidget(m_command, 1);
     layout->addWidget(m_copy);
-    return row;
 }
 
 void Notice::setContent(const Content& content)

@@ -35,7 +35,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    QWidget* buildCommand();
+    void buildCommand();
     void applyTheme();
     void copyCommand();
 

@@ -115,7 +115,8 @@ void RankingView::paintRow(QPainter& painter, int row, const QRect& area) const
                      fontMetrics().elidedText(shown.label, Qt::ElideRight, labelWidth));
     painter.drawText(area, Qt::AlignVCenter | Qt::AlignRight, Format::count(shown.count));
 
-    const QRectF track(labelWidth + Theme::Gap, area.center().y() - BarHeight / 2 + 1,
+    const int top = area.center().y() - BarHeight / 2 + 1;
+    const QRectF track(labelWidth + Theme::Gap, top,
                        area.width() - labelWidth - countWidth - 2 * Theme::Gap, BarHeight);
     QRectF bar = track;
     bar.setWidth(std::max(2.0, track.width() * static_cast<double>(shown.count) /

@@ -82,16 +82,16 @@ private:
     bool m_answered = false;
     bool m_readable = true;
 
-    CountsModel* m_facts;
-    CountsModel* m_hours;
-    CountsModel* m_keys;
-    CountsModel* m_applications;
-    Notice* m_notice;
-    QWidget* m_cards;
+    CountsModel* m_facts = nullptr;
+    CountsModel* m_hours = nullptr;
+    CountsModel* m_keys = nullptr;
+    CountsModel* m_applications = nullptr;
+    Notice* m_notice = nullptr;
+    QWidget* m_cards = nullptr;
     QVBoxLayout* m_pageLayout = nullptr;
-    QGridLayout* m_grid;
+    QGridLayout* m_grid = nullptr;
     std::optional<bool> m_isWide; ///< As last arranged.
-    FigurePanel* m_figurePanel;
-    HourChart* m_hourChart;
+    FigurePanel* m_figurePanel = nullptr;
+    HourChart* m_hourChart = nullptr;
     QList<Card*> m_cardList; ///< In reading order: figure, hours, keys, applications.
 };

@@ -3,6 +3,7 @@
 #include "support/TestDatabase.h"
 #include "support/TestRegistry.h"
 
+#include <QRandomGenerator>
 #include <QTest>
 
 #include <sys/wait.h>
@@ -340,7 +341,8 @@ void LocalStatsTest::survivesBeingKilled()
     constexpr int kills = 30;
     quint64 reported = 0;
     for (int i = 0; i < kills; ++i) {
-        reported = countAndKill(directory(), std::chrono::microseconds(std::rand() % 20'000));
+        reported = countAndKill(
+            directory(), std::chrono::microseconds(QRandomGenerator::global()->bounded(20'000)));
         QVERIFY(reported > 0);
         const Run next(directory());
         // The last count stored, or the one after it, stored but not yet reported.

@@ -113,7 +113,7 @@ private:
 void tickWithNothingToWrite(benchmark::State& state)
 {
     Client client;
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         client.tick(500);
     }
 }
@@ -121,7 +121,7 @@ void tickWithNothingToWrite(benchmark::State& state)
 void referenceEmptyTransaction(benchmark::State& state)
 {
     RawDatabase database;
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         database.run("BEGIN");
         database.run("COMMIT");
     }
@@ -131,7 +131,7 @@ void tickWithABusyMinute(benchmark::State& state)
 {
     Client client;
     const QList<Qt::Key> keys = busyMinute();
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         client.system.keys = keys;
         client.tick(5'000);
     }
@@ -159,7 +159,7 @@ void referenceSameStatements(benchmark::State& state)
         "UPDATE OR IGNORE keypress_frequency_application SET \"count\"=\"count\"+3 WHERE "
         "\"day\"=date('now', 'localtime') AND \"hour\"=1 AND \"key\"=? AND "
         "\"path\"='/usr/bin/editor' AND \"profile_id\"=0");
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         database.run("BEGIN");
         database.run("UPDATE keypresses SET \"count\"=\"count\"+600");
         database.run("UPDATE input_per_application SET \"keys\"=\"keys\"+600");

@@ -100,9 +100,6 @@ class Desktop:
     def press(self, *keys):
         self.run("xdotool", "key", *keys)
 
-    def screenshot(self, path):
-        self.run("import", "-window", "root", str(path))
-
     def kill_server(self):
         self.server.kill()
         self.server.wait()

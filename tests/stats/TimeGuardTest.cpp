@@ -283,7 +283,7 @@ void TimeGuardTest::storesTheTimeEverySixtyUpdates()
     const QString age = QStringLiteral("UPDATE last_update_time SET time='2020-01-01 00:00:00'");
     m_client->exec(age);
     for (int tick = 0; tick < 60; ++tick) {
-        guard.update(start.addMSecs(500 * tick));
+        guard.update(start.addMSecs(500LL * tick));
     }
     QCOMPARE(m_client->value(stored), 0);
     guard.update(start.addSecs(30));

@@ -40,12 +40,12 @@ void DSqlQueryTest::logsSlowStatementsOnlyWhenAsked()
     const TestDatabase test;
     const LogCapture log(Log::Level::Trace);
     const QString statement = QStringLiteral("SELECT 1");
-    DSqlQuery(test.database(), statement, true);
+    QVERIFY(DSqlQuery(test.database(), statement, true).isActive());
     QVERIFY(!log.contains(QStringLiteral("took too much time")));
     DSqlQuery::setTimeCheckEnabled(true);
-    DSqlQuery(test.database(), statement, true);
+    QVERIFY(DSqlQuery(test.database(), statement, true).isActive());
     DSqlQuery::setTimeCheckThreshold(60'000);
-    DSqlQuery(test.database(), QStringLiteral("SELECT 2"), true);
+    QVERIFY(DSqlQuery(test.database(), QStringLiteral("SELECT 2"), true).isActive());
     DSqlQuery::setTimeCheckEnabled(false);
     DSqlQuery::setTimeCheckThreshold(0);
     QCOMPARE(log.text().count(QStringLiteral("trace Query exec(...) took too much time!")), 1);

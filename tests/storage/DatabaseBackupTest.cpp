@@ -7,6 +7,7 @@
 
 #include <QSignalSpy>
 #include <QTest>
+#include <QTimer>
 
 class DatabaseBackupTest : public QObject
 {
@@ -138,11 +139,11 @@ void DatabaseBackupTest::neverComesFromADamagedDatabase()
     QSignalSpy finished(test.database(), &Database::backupFinished);
     QVERIFY(finished.wait(20'000));
     // What the quick check at start does not see: a row that its index does not know.
-    for (const char* statement : {"CREATE TABLE t (v)", "CREATE INDEX t_v ON t (v)",
-                                  "INSERT INTO t VALUES (1)", "PRAGMA writable_schema = ON",
-                                  "UPDATE sqlite_master SET sql = 'CREATE INDEX t_v ON t (v) WHERE "
-                                  "v > 1' WHERE name = 't_v'",
-                                  "PRAGMA writable_schema = RESET"}) {
+    constexpr auto redefine =
+        "UPDATE sqlite_master SET sql = 'CREATE INDEX t_v ON t (v) WHERE v > 1' WHERE name = 't_v'";
+    for (const char* statement :
+         {"CREATE TABLE t (v)", "CREATE INDEX t_v ON t (v)", "INSERT INTO t VALUES (1)",
+          "PRAGMA writable_schema = ON", redefine, "PRAGMA writable_schema = RESET"}) {
         QVERIFY(test.exec(QString::fromLatin1(statement)));
     }
     QVERIFY(setAge(backupOf(test), 100'000));

@@ -54,24 +54,24 @@ bool SampleDatabase::exec(const QString& statement)
     return DSqlQuery(m_connection).exec(statement);
 }
 
-int SampleDatabase::version()
+int SampleDatabase::version() const
 {
     return rows(QStringLiteral("PRAGMA user_version")).toInt();
 }
 
-bool SampleDatabase::isSound()
+bool SampleDatabase::isSound() const
 {
     return rows(QStringLiteral("PRAGMA integrity_check")) == QStringLiteral("ok");
 }
 
-QStringList SampleDatabase::tables()
+QStringList SampleDatabase::tables() const
 {
     return rows(QStringLiteral("SELECT name FROM sqlite_master WHERE type = 'table' "
                                "AND name NOT LIKE 'sqlite_%' ORDER BY name"))
         .split(QStringLiteral("; "));
 }
 
-QStringList SampleDatabase::columns(const QString& table)
+QStringList SampleDatabase::columns(const QString& table) const
 {
     return rows(QStringLiteral("SELECT name FROM pragma_table_info('%1')").arg(table))
         .split(QStringLiteral("; "));

@@ -20,10 +20,10 @@ public:
     static void create(const QString& fileName, int version);
 
     bool exec(const QString& statement);
-    int version();
-    bool isSound();
-    QStringList tables();
-    QStringList columns(const QString& table);
+    int version() const;
+    bool isSound() const;
+    QStringList tables() const;
+    QStringList columns(const QString& table) const;
 
     /// All rows, joined by "; ", their columns by "|".
     QString rows(const QString& query) const;

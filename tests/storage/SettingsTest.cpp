@@ -190,7 +190,9 @@ void SettingsTest::answersEightThreadsWhileOneWrites()
     std::atomic<bool> stop = false;
     std::atomic<int> wrong = 0;
     std::vector<std::jthread> readers;
-    for (int i = 0; i < 8; ++i) {
+    constexpr int threads = 8;
+    readers.reserve(threads);
+    for (int i = 0; i < threads; ++i) {
         readers.emplace_back([&] {
             while (!stop) {
                 const int port = settings.value(SettingsKeys::ClientApiHttpPort);

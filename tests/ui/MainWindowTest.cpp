@@ -236,7 +236,7 @@ void MainWindowTest::tabReachesNamedControlsInReadingOrder()
     find<QWidget>("keysToday")->findChild<QAction*>(QStringLiteral("showTable"))->trigger();
     find<QWidget>("viewToday")->setFocus();
     QStringList reached;
-    for (QWidget* control = find<QWidget>("viewToday");
+    for (auto* control = find<QWidget>("viewToday");
          !reached.contains(control->objectName()) || control->objectName() == u"menu";
          control = QApplication::focusWidget()) {
         const auto* button = qobject_cast<QAbstractButton*>(control);

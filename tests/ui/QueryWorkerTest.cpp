@@ -24,7 +24,7 @@ private:
     /// A query that says that it began, and returns `value` once it may go on.
     static std::function<Answer(const QSqlDatabase&)> held(int value);
 
-    const UiDatabase m_database;
+    const UiDatabase m_database{};
     static inline QSemaphore s_began{0};
     static inline QSemaphore s_mayGoOn{0};
     static inline std::atomic<int> s_run = 0;

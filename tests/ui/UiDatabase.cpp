@@ -36,7 +36,7 @@ const char* const Letters = "eeeeeeeeeeeetttttttttaaaaaaaaooooooooiiiiiiinnnnnnn
 
 } // namespace
 
-void UiDatabase::insert(const QString& statement, const QVariantList& values)
+void UiDatabase::insert(const QString& statement, const QVariantList& values) const
 {
     DSqlQuery query(connection());
     QVERIFY(query.prepare(statement));

@@ -22,5 +22,5 @@ public:
     void addBusyDay(const QDate& day);
 
 private:
-    void insert(const QString& statement, const QVariantList& values);
+    void insert(const QString& statement, const QVariantList& values) const;
 };
