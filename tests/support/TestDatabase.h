@@ -42,13 +42,13 @@ public:
     QStringList questions;
 };
 
-/// The template of a temporary directory, in memory where that can be: a database waits for the disk
-/// many times, and tests open hundreds.
+/// The template of a temporary directory, in memory where that can be: a database waits for the
+/// disk many times, and tests open hundreds.
 inline QString fastTemporaryDirectory()
 {
     const QString memory = QStringLiteral("/dev/shm");
-    return (QFileInfo(memory).isWritable() ? memory : QDir::tempPath())
-           + QStringLiteral("/tallyvane-XXXXXX");
+    return (QFileInfo(memory).isWritable() ? memory : QDir::tempPath()) +
+           QStringLiteral("/tallyvane-XXXXXX");
 }
 
 /// A temporary data directory with a new database in it and the settings initialised on that. Only
