@@ -162,7 +162,7 @@ std::optional<QByteArray> open(const QByteArray& key, const QByteArray& nonce,
         return std::nullopt;
     }
     QByteArray tag = sealed.last(TagSize);
-    const std::optional<QByteArray> plain = process(context.get(), sealed.chopped(TagSize));
+    std::optional<QByteArray> plain = process(context.get(), sealed.chopped(TagSize));
     if (!plain ||
         EVP_CIPHER_CTX_ctrl(context.get(), EVP_CTRL_AEAD_SET_TAG, TagSize, tag.data()) != 1 ||
         !finish(context.get())) {

@@ -27,11 +27,15 @@ void Stat::onEnabled() {}
 
 void Stat::onDisabled() {}
 
+// The time is handed on by value to every statistic, which may keep it.
+// NOLINTBEGIN(performance-unnecessary-value-param)
 void Stat::doUpdate(QDateTime, bool) {}
 
 void Stat::doFrequentUpdate(QDateTime, bool) {}
 
 void Stat::doInfrequentUpdate(QDateTime, bool) {}
+
+// NOLINTEND(performance-unnecessary-value-param)
 
 bool Stat::shouldUpdate(const QDateTime& now) const
 {

@@ -7,6 +7,8 @@
 #include <QRegularExpression>
 #include <QSqlError>
 
+#include <algorithm>
+
 Migrations::Migrations(const QSqlDatabase& connection, const QString& scriptDirectory)
     : m_connection(connection)
     , m_scriptDirectory(scriptDirectory)
@@ -56,13 +58,10 @@ bool Migrations::runStep(int step)
 
 bool Migrations::runStatements(const QStringList& statements)
 {
-    for (const QString& statement : statements) {
-        // The schema script has just created in their final form the tables this database lacked.
-        if (!addsExistingColumn(statement) && !runStatement(statement)) {
-            return false;
-        }
-    }
-    return true;
+    // The schema script has just created in their final form the tables this database lacked.
+    return std::all_of(statements.cbegin(), statements.cend(), [this](const QString& statement) {
+        return addsExistingColumn(statement) || runStatement(statement);
+    });
 }
 
 bool Migrations::runStatement(const QString& statement)

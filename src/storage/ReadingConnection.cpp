@@ -13,9 +13,9 @@ namespace {
 QString nextName()
 {
     constexpr int hexadecimal = 16;
-    static std::atomic<quintptr> s_next = 1;
+    static std::atomic<quintptr> next = 1;
     return Database::ConnectionName + QStringLiteral("-0x") +
-           QString::number(s_next++, hexadecimal);
+           QString::number(next++, hexadecimal);
 }
 
 } // namespace

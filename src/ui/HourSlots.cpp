@@ -8,7 +8,7 @@
 QList<HourSlot> hourSlots(const QDate& day, const QTimeZone& zone)
 {
     constexpr int hours = 24;
-    constexpr qint64 stepSeconds = 15 * 60; // No zone shifts by less.
+    constexpr qint64 stepSeconds = 15LL * 60; // No zone shifts by less.
     constexpr int stepsPerHour = 4;
     std::array<int, hours> steps{};
     const QDateTime end = day.addDays(1).startOfDay(zone);

@@ -181,10 +181,10 @@ double moveMouse(const FileDescriptor& end, int reportsPerSecond, int seconds)
         x.input_event_usec = next.tv_nsec / 1000;
         input_event y = x;
         y.code = REL_Y;
-        input_event end_ = x;
-        end_.type = EV_SYN;
-        end_.code = SYN_REPORT;
-        writeAll(end, {x, y, end_});
+        input_event synchronisation = x;
+        synchronisation.type = EV_SYN;
+        synchronisation.code = SYN_REPORT;
+        writeAll(end, {x, y, synchronisation});
     }
     return processorSeconds(CLOCK_THREAD_CPUTIME_ID) - before;
 }
