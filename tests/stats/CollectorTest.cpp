@@ -112,7 +112,8 @@ private:
 void CollectorTest::init()
 {
     m_client = std::make_unique<Client>();
-    m_now = QDateTime::currentDateTime();
+    // Not before the second that the first tick stores by SQLite's own clock.
+    m_now = QDateTime::currentDateTime().addSecs(1);
     m_keys = std::make_unique<KeypressesStat>(&m_client->system, nullptr);
     m_hooked = std::make_unique<HookedStat>(&m_client->system, nullptr);
     m_collector = std::make_unique<Collector>(nullptr);
