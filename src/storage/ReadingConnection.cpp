@@ -14,8 +14,7 @@ QString nextName()
 {
     constexpr int hexadecimal = 16;
     static std::atomic<quintptr> next = 1;
-    return Database::ConnectionName + QStringLiteral("-0x") +
-           QString::number(next++, hexadecimal);
+    return Database::ConnectionName + QStringLiteral("-0x") + QString::number(next++, hexadecimal);
 }
 
 } // namespace
