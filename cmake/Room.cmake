@@ -22,3 +22,15 @@ function(tallyvane_room name)
   target_link_libraries(${name}_links_alone PRIVATE "$<LINK_LIBRARY:WHOLE_ARCHIVE,${name}>")
   set_property(GLOBAL APPEND PROPERTY TALLYVANE_ROOM_PROBES ${name}_links_alone)
 endfunction()
+
+# tallyvane_room_part(ROOM CLASSES ... HEADERS ...): adds the classes of a subdirectory, each a pair of
+# files beside the caller, and headers without a source file to a room.
+function(tallyvane_room_part room)
+  cmake_parse_arguments(part "" "" "CLASSES;HEADERS" ${ARGN})
+  foreach(class IN LISTS part_CLASSES)
+    target_sources(${room} PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}/${class}.cpp")
+    list(APPEND part_HEADERS ${class}.h)
+  endforeach()
+  list(TRANSFORM part_HEADERS PREPEND "${CMAKE_CURRENT_SOURCE_DIR}/")
+  target_sources(${room} PUBLIC FILE_SET HEADERS FILES ${part_HEADERS})
+endfunction()

@@ -5,14 +5,18 @@ find_package(benchmark REQUIRED)
 # The rooms whose tests run more than one thread: what the tsan preset builds and runs.
 set(TALLYVANE_THREADED_ROOMS base storage system stats ui)
 
-# tallyvane_tests(ROOM CLASSES test classes... LIBRARIES further libraries... SOURCES helper files...)
+# tallyvane_tests(ROOM [PART part] CLASSES test classes... LIBRARIES further libraries...
+#                 SOURCES helper files...)
 #
-# Makes one executable, ROOM_tests, of the files CLASS.cpp beside the caller, and one ctest entry per
-# class, named "ROOM.CLASS".
+# Makes one executable, ROOM_tests or ROOM_PART_tests, of the files CLASS.cpp beside the caller, and
+# one ctest entry per class, named "ROOM.CLASS".
 function(tallyvane_tests room)
-  cmake_parse_arguments(arg "" "" "CLASSES;LIBRARIES;SOURCES" ${ARGN})
+  cmake_parse_arguments(arg "" "PART" "CLASSES;LIBRARIES;SOURCES" ${ARGN})
   list(TRANSFORM arg_CLASSES APPEND .cpp OUTPUT_VARIABLE files)
   set(target ${room}_tests)
+  if(arg_PART)
+    set(target ${room}_${arg_PART}_tests)
+  endif()
   add_executable(${target} "${CMAKE_SOURCE_DIR}/tests/support/TestMain.cpp" ${files} ${arg_SOURCES})
   if(TALLYVANE_SANITIZE STREQUAL "thread")
     target_sources(${target} PRIVATE "${CMAKE_SOURCE_DIR}/tests/support/TsanQt.cpp")

@@ -22,12 +22,13 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
-Card::Card(const QString& name, const QString& title, QWidget* picture, CountsModel* model,
+Card::Card(const QString& name, const QString& title, QWidget* picture, QAbstractItemModel* model,
            QWidget* parent)
     : QFrame(parent)
     , m_name(name)
     , m_model(model)
     , m_title(new QLabel(title, this))
+    , m_head(new QHBoxLayout)
     , m_explanation(new QLabel(this))
     , m_menuButton(new QToolButton(this))
     , m_pages(new QStackedLayout)
@@ -41,14 +42,13 @@ Card::Card(const QString& name, const QString& title, QWidget* picture, CountsMo
     m_pages->addWidget(picture);
     picture->setAccessibleName(title);
 
-    auto* head = new QHBoxLayout;
-    head->setSpacing(Theme::Rhythm);
-    head->addWidget(m_title, 1);
-    head->addWidget(m_menuButton);
+    m_head->setSpacing(Theme::Rhythm);
+    m_head->addWidget(m_title, 1);
+    m_head->addWidget(m_menuButton);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(Theme::Gap, Theme::Rhythm, Theme::Rhythm, Theme::Gap);
     layout->setSpacing(0);
-    layout->addLayout(head);
+    layout->addLayout(m_head);
     layout->addWidget(m_explanation);
     layout->addSpacing(Theme::Rhythm);
     auto* body = new QHBoxLayout;
@@ -96,7 +96,21 @@ void Card::setExplanation(const QString& text)
     m_explanation->setVisible(!text.isEmpty());
 }
 
-void Card::setTableOrder(CountsModel::Column column, Qt::SortOrder order)
+void Card::setControl(QWidget* control)
+{
+    m_head->insertWidget(m_head->indexOf(m_menuButton), control);
+    setTabOrder(control, m_menuButton);
+}
+
+void Card::setTitle(const QString& title)
+{
+    m_title->setText(title);
+    setAccessibleName(title);
+    m_pages->widget(0)->setAccessibleName(title);
+    m_menuButton->setAccessibleName(tr("Menu of “%1”").arg(title));
+}
+
+void Card::setTableOrder(int column, Qt::SortOrder order)
 {
     m_sortColumn = column;
     m_sortOrder = order;

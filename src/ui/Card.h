@@ -1,19 +1,20 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "ui/CountsModel.h"
-
 #include <QFrame>
 
 #include <functional>
 
 class CountsTable;
+class QAbstractItemModel;
+class QHBoxLayout;
 class QLabel;
 class QStackedLayout;
 class QToolButton;
 
 /// One card of a view: a title, at most one line of explanation, a picture of its data, and a menu
-/// with what can be done with them. The table behind the menu is made when it is first wanted.
+/// with what can be done with them. The table behind the menu is made when it is first wanted; its
+/// models give their raw values, to sort and export by, under `CountsModel::SortRole`.
 /// Thread: main.
 class Card : public QFrame
 {
@@ -22,13 +23,19 @@ class Card : public QFrame
 public:
     /// Draws `picture`, which it takes over; `model` is the same data as a table and must live
     /// longer. `name` becomes part of object names and of the names of saved files.
-    Card(const QString& name, const QString& title, QWidget* picture, CountsModel* model,
+    Card(const QString& name, const QString& title, QWidget* picture, QAbstractItemModel* model,
          QWidget* parent = nullptr);
 
     void setExplanation(const QString& text);
 
-    /// How the table is sorted when it is first shown; by count, most first, unless told otherwise.
-    void setTableOrder(CountsModel::Column column, Qt::SortOrder order);
+    /// How the table is sorted when it is first shown: by this column, or, where it is -1, in the
+    /// order of the rows as they are. By the second column, most first, unless told otherwise.
+    void setTableOrder(int column, Qt::SortOrder order);
+
+    /// The words between the title and the menu: a choice of what is drawn, for example.
+    void setControl(QWidget* control);
+
+    void setTitle(const QString& title);
 
     /// Moves the focus to the table's filter; false where the table is not shown.
     bool focusFilter();
@@ -51,13 +58,14 @@ private:
                     const std::function<QString(const QString&)>& write);
 
     QString m_name;
-    CountsModel* m_model;
+    QAbstractItemModel* m_model;
     QLabel* m_title;
+    QHBoxLayout* m_head;
     QLabel* m_explanation;
     QToolButton* m_menuButton;
     QAction* m_tableAction = nullptr;
     QStackedLayout* m_pages;
     CountsTable* m_table = nullptr; ///< Null until it was first shown.
-    CountsModel::Column m_sortColumn = CountsModel::CountColumn;
+    int m_sortColumn = 1;
     Qt::SortOrder m_sortOrder = Qt::DescendingOrder;
 };

@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/QueryWorker.h"
 
-#include "ui/WorkerConnection.h"
+#include "ui/QueryWorkerThread.h"
 
 QueryWorker::QueryWorker(const QString& databaseFile, QObject* parent)
     : QObject(parent)
-    , m_connection(new WorkerConnection(databaseFile))
+    , m_work(new QueryWorkerThread(databaseFile))
 {
     m_thread.setObjectName(QStringLiteral("tv-ui-queries"));
-    m_connection->moveToThread(&m_thread);
-    connect(&m_thread, &QThread::finished, m_connection, &QObject::deleteLater);
+    m_work->moveToThread(&m_thread);
+    connect(&m_thread, &QThread::finished, m_work, &QObject::deleteLater);
     m_thread.start();
 }
 
@@ -38,11 +38,11 @@ void QueryWorker::enqueue(const QString& topic, QObject* receiver, Job job)
         };
         QMetaObject::invokeMethod(this, handOver, Qt::QueuedConnection);
     };
-    auto work = [connection = m_connection, latest = latest, question, job = std::move(job),
+    auto work = [work = m_work, latest = latest, question, job = std::move(job),
                  deliver = std::move(deliver)] {
         if (*latest == question) {
-            deliver(job(connection->database()));
+            deliver(job(work->history()));
         }
     };
-    QMetaObject::invokeMethod(m_connection, std::move(work), Qt::QueuedConnection);
+    QMetaObject::invokeMethod(m_work, std::move(work), Qt::QueuedConnection);
 }

@@ -4,7 +4,6 @@
 #include <QHash>
 #include <QObject>
 #include <QPointer>
-#include <QSqlDatabase>
 #include <QString>
 #include <QThread>
 
@@ -14,11 +13,13 @@
 #include <optional>
 #include <type_traits>
 
-class WorkerConnection;
+class History;
+class QueryWorkerThread;
 
-/// Runs queries on one thread of its own, over one read-only connection, and hands the answers back
-/// to the main thread. A topic (a view, say) has one question at a time: asking again drops the
-/// older one, whether it still waits or is being answered. Thread: main, but for what `ask` says.
+/// Runs queries on one thread of its own, over the history that lives there, and hands the answers
+/// back to the main thread. A topic (a view, say) has one question at a time: asking again drops
+/// the older one, whether it still waits or is being answered. Thread: main, but for what `ask`
+/// says.
 class QueryWorker : public QObject
 {
     Q_OBJECT
@@ -34,26 +35,24 @@ public:
     /// where the database could not be read.
     template <typename Answer>
     void ask(const QString& topic, QObject* receiver,
-             std::function<std::optional<Answer>(const QSqlDatabase&)> query,
+             std::function<std::optional<Answer>(History&)> query,
              std::function<void(const std::optional<Answer>&)> deliver)
     {
         enqueue(topic, receiver,
-                [query = std::move(query),
-                 deliver = std::move(deliver)](const QSqlDatabase& connection) {
-                    const std::optional<Answer> answer =
-                        connection.isOpen() ? query(connection) : std::nullopt;
+                [query = std::move(query), deliver = std::move(deliver)](History& history) {
+                    const std::optional<Answer> answer = query(history);
                     return Delivery([deliver, answer] { deliver(answer); });
                 });
     }
 
 private:
     using Delivery = std::function<void()>;
-    using Job = std::function<Delivery(const QSqlDatabase&)>;
+    using Job = std::function<Delivery(History&)>;
     using Latest = std::shared_ptr<std::atomic<quint64>>; ///< The newest question of a topic.
 
     void enqueue(const QString& topic, QObject* receiver, Job job);
 
     QHash<QString, Latest> m_latest;
     QThread m_thread;
-    WorkerConnection* m_connection; ///< Lives in the thread, which deletes it as it ends.
+    QueryWorkerThread* m_work; ///< Lives in the thread, which deletes it as it ends.
 };

@@ -12,6 +12,7 @@
 #include "ui/RankingView.h"
 #include "ui/Theme.h"
 #include "ui/TodayNotice.h"
+#include "ui/history/History.h"
 
 #include <QApplication>
 #include <QFileInfo>
@@ -204,17 +205,17 @@ void TodayView::resizeEvent(QResizeEvent* event)
     arrange();
 }
 
-std::optional<TodayView::Answer> TodayView::readFigures(const QSqlDatabase& connection,
-                                                        const QDate& day, qint64 knownVersion)
+std::optional<TodayView::Answer> TodayView::readFigures(History& history, const QDate& day,
+                                                        qint64 knownVersion)
 {
-    const std::optional<qint64> version = TodayQuery::dataVersion(connection);
+    const std::optional<qint64> version = history.version();
     if (!version) {
         return std::nullopt;
     }
     if (*version == knownVersion) {
         return Answer{.dataVersion = *version, .figures = std::nullopt};
     }
-    std::optional<TodayFigures> figures = TodayQuery::run(connection, day);
+    std::optional<TodayFigures> figures = TodayQuery::run(history.connection(), day);
     if (!figures) {
         return std::nullopt;
     }
@@ -231,9 +232,7 @@ void TodayView::refresh()
     const qint64 known = m_figures.day == today ? m_dataVersion : -1;
     m_worker.ask<Answer>(
         QStringLiteral("today"), this,
-        [today, known](const QSqlDatabase& connection) {
-            return readFigures(connection, today, known);
-        },
+        [today, known](History& history) { return readFigures(history, today, known); },
         [this](const std::optional<Answer>& answer) { take(answer); });
 }
 

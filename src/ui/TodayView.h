@@ -14,6 +14,7 @@
 class Card;
 class CountsModel;
 class FigurePanel;
+class History;
 class HourChart;
 class Notice;
 class QGridLayout;
@@ -57,7 +58,7 @@ private:
         std::optional<TodayFigures> figures; ///< Nothing where they are as they were.
     };
 
-    static std::optional<Answer> readFigures(const QSqlDatabase& connection, const QDate& day,
+    static std::optional<Answer> readFigures(History& history, const QDate& day,
                                              qint64 knownVersion);
 
     void buildModels();

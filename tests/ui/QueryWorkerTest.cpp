@@ -2,6 +2,7 @@
 #include "UiDatabase.h"
 #include "support/TestRegistry.h"
 #include "ui/QueryWorker.h"
+#include "ui/history/History.h"
 
 #include <QSemaphore>
 #include <QSqlQuery>
@@ -22,7 +23,7 @@ private:
     using Answer = std::optional<int>;
 
     /// A query that says that it began, and returns `value` once it may go on.
-    static std::function<Answer(const QSqlDatabase&)> held(int value);
+    static std::function<Answer(History&)> held(int value);
 
     const UiDatabase m_database{};
     static inline QSemaphore s_began{0};
@@ -30,9 +31,9 @@ private:
     static inline std::atomic<int> s_run = 0;
 };
 
-std::function<QueryWorkerTest::Answer(const QSqlDatabase&)> QueryWorkerTest::held(int value)
+std::function<QueryWorkerTest::Answer(History&)> QueryWorkerTest::held(int value)
 {
-    return [value](const QSqlDatabase&) -> Answer {
+    return [value](History&) -> Answer {
         ++s_run;
         s_began.release();
         s_mayGoOn.acquire();
@@ -47,9 +48,9 @@ void QueryWorkerTest::readsOffTheMainThreadAndWritesNothing()
     const QThread* asked = nullptr;
     worker.ask<bool>(
         QStringLiteral("topic"), this,
-        [&asked](const QSqlDatabase& connection) -> std::optional<bool> {
+        [&asked](History& history) -> std::optional<bool> {
             asked = QThread::currentThread();
-            return QSqlQuery(connection).exec(QStringLiteral("DELETE FROM settings"));
+            return QSqlQuery(history.connection()).exec(QStringLiteral("DELETE FROM settings"));
         },
         [&](const std::optional<bool>& answer) {
             QCOMPARE(QThread::currentThread(), thread());
@@ -85,7 +86,7 @@ void QueryWorkerTest::keepsTopicsApartAndForgetsLostReceivers()
     QList<int> answers;
     const auto ask = [&](const QString& topic, QObject* receiver, int value) {
         worker.ask<int>(
-            topic, receiver, [value](const QSqlDatabase&) -> Answer { return value; },
+            topic, receiver, [value](History&) -> Answer { return value; },
             [&answers](const Answer& answer) { answers.append(answer.value_or(-1)); });
     };
     {
@@ -123,9 +124,9 @@ void QueryWorkerTest::saysThatTheFileIsMissing()
 {
     QueryWorker worker(QStringLiteral("/proc/no-such-directory/tallyvane.db"));
     bool answered = false;
-    worker.ask<int>(
-        QStringLiteral("topic"), this, [](const QSqlDatabase&) -> Answer { return 1; },
-        [&answered](const Answer& answer) {
+    worker.ask<qint64>(
+        QStringLiteral("topic"), this, [](History& history) { return history.version(); },
+        [&answered](const std::optional<qint64>& answer) {
             answered = true;
             QVERIFY(!answer);
         });
