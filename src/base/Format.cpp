@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 
 namespace {
 
@@ -87,6 +88,29 @@ QString Format::bytes(quint64 number)
         ++unit;
     }
     return threeDigits(value) + QLatin1Char(' ') + QLatin1String(units.at(unit));
+}
+
+Format::Lengths Format::lengths(const QString& system)
+{
+    return system == QLatin1String("imperial") ? Lengths::Imperial : Lengths::Metric;
+}
+
+QString Format::length(double inches, Lengths lengths)
+{
+    struct Unit
+    {
+        double inches;
+        const char* name;
+    };
+
+    constexpr std::array<Unit, 3> metric{{{1e5 / 2.54, "km"}, {100 / 2.54, "m"}, {1 / 2.54, "cm"}}};
+    constexpr std::array<Unit, 3> imperial{{{63'360, "mi"}, {12, "ft"}, {1, "in"}}};
+    const std::array<Unit, 3>& units = lengths == Lengths::Metric ? metric : imperial;
+    const auto* unit =
+        std::find_if(units.begin(), units.end() - 1, [inches](const Unit& candidate) {
+            return std::abs(inches) >= candidate.inches;
+        });
+    return threeDigits(inches / unit->inches) + QLatin1Char(' ') + QLatin1String(unit->name);
 }
 
 QString Format::duration(qint64 seconds)

@@ -17,6 +17,20 @@ QString shortCount(qint64 number);
 /// Bytes in binary units: "0 B", "1.5 KiB", "3.2 GiB".
 QString bytes(quint64 number);
 
+/// Units of lengths, as the setting `mouse_distance_system` names them.
+enum class Lengths
+{
+    Metric,
+    Imperial,
+};
+
+/// `Imperial` for "imperial", else `Metric`.
+Lengths lengths(const QString& system);
+
+/// A length in inches in the largest unit that leaves a whole number before the point: "12 cm",
+/// "3.05 m", "12.4 km", or "12 in", "3.05 ft", "12.4 mi".
+QString length(double inches, Lengths lengths);
+
 /// "45 s", "3 min", "2 h 5 min", "3 d 4 h". Negative values count as 0.
 QString duration(qint64 seconds);
 

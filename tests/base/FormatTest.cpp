@@ -37,6 +37,11 @@ void FormatTest::writes_data()
     row(Format::bytes(1'024), "1 KiB");
     row(Format::bytes(1'536), "1.5 KiB");
     row(Format::bytes(std::numeric_limits<quint64>::max()), "16 EiB");
+    row(Format::length(0, Format::Lengths::Metric), "0 cm");
+    row(Format::length(40, Format::Lengths::Metric), "1.02 m");
+    row(Format::length(1'000'000, Format::Lengths::Metric), "25.4 km");
+    row(Format::length(11, Format::lengths(QStringLiteral("imperial"))), "11 in");
+    row(Format::length(63'360, Format::Lengths::Imperial), "1 mi");
     row(Format::duration(-5), "0 s");
     row(Format::duration(59), "59 s");
     row(Format::duration(3'599), "59 min");
