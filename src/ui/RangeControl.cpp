@@ -41,7 +41,7 @@ RangeControl::RangeControl(QWidget* parent)
     layout->addWidget(m_back);
     layout->addWidget(m_button);
     buildMenu();
-    show(m_range);
+    setRange(m_range);
 }
 
 void RangeControl::buildMenu()
@@ -78,7 +78,7 @@ void RangeControl::select(const DateRange& range)
     if (m_before.size() > StepsKept) {
         m_before.removeFirst();
     }
-    show(range);
+    setRange(range);
     Q_EMIT rangeChanged(range);
 }
 
@@ -87,11 +87,11 @@ void RangeControl::goBack()
     if (m_before.isEmpty()) {
         return;
     }
-    show(m_before.takeLast());
+    setRange(m_before.takeLast());
     Q_EMIT rangeChanged(m_range);
 }
 
-void RangeControl::show(const DateRange& range)
+void RangeControl::setRange(const DateRange& range)
 {
     m_range = range;
     m_button->setText(range.name());

@@ -30,7 +30,7 @@ Q_SIGNALS:
 private:
     void buildMenu();
     void chooseDays();
-    void show(const DateRange& range);
+    void setRange(const DateRange& range);
 
     DateRange m_range;
     QList<DateRange> m_before; ///< The last few, oldest first.
