@@ -8,12 +8,14 @@
 
 namespace {
 
-/// Compared in single precision, in which positions are computed: 0.55 itself would be beyond the
-/// bound otherwise.
+/// In single precision, in which positions are computed: 0.55 of a screen is a little more than the
+/// double 0.55.
+constexpr double CentreBegin = 0.45F;
+constexpr double CentreEnd = 0.55F;
+
 bool isCentral(double coordinate)
 {
-    const auto position = static_cast<float>(coordinate);
-    return position >= 0.45F && position <= 0.55F;
+    return coordinate >= CentreBegin && coordinate <= CentreEnd;
 }
 
 /// Where a full-screen program, typically a game, keeps the pointer while it hides it: in the
