@@ -5,6 +5,21 @@
 
 #include <QTime>
 
+namespace {
+
+constexpr int FrequentMs = 5'000;
+
+} // namespace
+
+InputStat::InputStat(AbstractSystem* system, QObject* parent)
+    : Stat(system, parent)
+    , m_discard(this)
+{
+    m_discard.setInterval(FrequentMs);
+    connect(&m_discard, &QTimer::timeout, this, &InputStat::discardGathered);
+    m_discard.start();
+}
+
 int InputStat::getUpdateMilliSecondMod() const
 {
     return 60'000;
@@ -17,7 +32,7 @@ int InputStat::getUpdateMilliSecondModUI() const
 
 int InputStat::getFrequentUpdateMilliSecond() const
 {
-    return 5'000;
+    return FrequentMs;
 }
 
 int InputStat::getFrequentUpdateMilliSecondUI() const
@@ -34,6 +49,7 @@ void InputStat::onEnabled()
 {
     // The listener may have gone on for another statistic: what was typed or clicked while this one
     // was off is not counted.
+    m_discard.stop();
     discardGathered();
     system().acquireInputMonitor();
 }
@@ -41,6 +57,7 @@ void InputStat::onEnabled()
 void InputStat::onDisabled()
 {
     system().releaseInputMonitor();
+    m_discard.start();
 }
 
 InputStat::Place InputStat::placeAt(const QDateTime& now) const

@@ -4,16 +4,20 @@
 #include "stats/Stat.h"
 
 #include <QString>
+#include <QTimer>
 
 /// What the statistics of keyboard and mouse share. Input is read while at least one of them is on.
 /// Each takes its own quantity in its frequent update, and keeps no counts between two of them.
-/// Thread: main.
+///
+/// One that is off takes its quantity as often, and drops it: what was typed while nobody counts
+/// keys would otherwise stay in memory, in its order, for as long as the mouse is read. Thread:
+/// main.
 class InputStat : public Stat
 {
     Q_OBJECT
 
 public:
-    using Stat::Stat;
+    InputStat(AbstractSystem* system, QObject* parent);
 
     int getUpdateMilliSecondMod() const override;
     int getUpdateMilliSecondModUI() const override;
@@ -43,4 +47,6 @@ protected:
 private:
     /// Takes what was gathered, and drops it.
     virtual void discardGathered() = 0;
+
+    QTimer m_discard; ///< Runs while this is off.
 };

@@ -6,6 +6,7 @@
 #include "support/TestRegistry.h"
 
 #include <QTest>
+#include <QTimer>
 
 #include <array>
 #include <memory>
@@ -311,6 +312,20 @@ void MouseStatsTest::countsOnlyWhatHappensWhileOn()
         stat->setEnabled(true);
         stat->update();
     }
+    // One that is off does not let its quantity pile up, for whom else the device may be read.
+    for (Stat* stat : stats) {
+        stat->setEnabled(false);
+        stat->findChild<QTimer*>()->setInterval(0);
+    }
+    system.clicks = {0};
+    system.points = {{0.1, 0.1}};
+    QTRY_VERIFY(system.clicks.isEmpty() && system.points.isEmpty());
+    for (Stat* stat : stats) {
+        stat->setEnabled(true);
+    }
+    system.clicks = {0};
+    QTest::qWait(20);
+    QCOMPARE(system.clicks.size(), 1);
     QCOMPARE(m_client->totals.unzurged(), UnzurgedCounts{});
     QCOMPARE(today("* FROM mousepoints"), QString());
 }
