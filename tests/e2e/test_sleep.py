@@ -36,8 +36,8 @@ class Sleep(DesktopTest):
         time.sleep(0.3)
         self.logind.prepare_for_sleep(True)
         wait_for(lambda: self.state()[2] == before[2] + 1, "what was counted is written before sleep")
+        asleep = self.state()  # read now: a stopped client may hold the database
         process.send_signal(signal.SIGSTOP)
-        asleep = self.state()
         self.clock.set(HOUR)
         process.send_signal(signal.SIGCONT)
         self.logind.prepare_for_sleep(False)
