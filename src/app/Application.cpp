@@ -11,9 +11,9 @@
 #include "base/SnapStandardPaths.h"
 #include "base/Version.h"
 #include "profiles/ProfileManager.h"
+#include "stats/AllStats.h"
 #include "stats/Collector.h"
-#include "stats/KeypressesStat.h"
-#include "stats/StatSwitches.h"
+#include "stats/Stat.h"
 #include "storage/Database.h"
 #include "storage/MousePointPruning.h"
 #include "storage/Settings.h"
@@ -160,7 +160,7 @@ void Application::prepareCounting()
     m_system = std::make_unique<CachedSystem>(std::move(system));
     watchForSleep();
     QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/tallyvane-logo.ico")));
-    m_collector->addStat(new KeypressesStat(m_system.get(), this));
+    AllStats::addTo(*m_collector, m_system.get(), this);
 }
 
 void Application::watchForSleep()
@@ -169,7 +169,11 @@ void Application::watchForSleep()
     if (!power) {
         return;
     }
-    connect(power, &PowerMonitor::suspended, this, [this] { m_system->onSystemSuspend(); });
+    connect(power, &PowerMonitor::suspended, this, [this] {
+        m_collector->flush(); // What was counted until now belongs to the profile until now.
+        resetProfile("we're going to sleep");
+        m_system->onSystemSuspend();
+    });
     connect(power, &PowerMonitor::resumed, this, [this] { m_system->onSystemResume(); });
     connect(power, &PowerMonitor::sessionEnding, this, &Application::exitClient);
 }
@@ -230,14 +234,8 @@ void Application::applySettings(bool changedByUser)
 void Application::applyStatisticSwitches()
 {
     m_collector->flush();
-    const auto isOn = [](const SettingKey<bool>& key) { return Settings::instance().value(key); };
     const bool mayCount = !m_pausedByUser && m_database->state() == Database::State::Open;
-    for (StatSwitch statSwitch : StatSwitches::fromSettings(isOn)) {
-        if (Stat* stat = m_collector->getStat<Stat>(statSwitch.statistic)) {
-            statSwitch.enabled = statSwitch.enabled && mayCount;
-            statSwitch.applyTo(*stat);
-        }
-    }
+    AllStats::followSettings(*m_collector, mayCount);
 }
 
 void Application::singleAppMessage(const QString& message)
@@ -271,7 +269,7 @@ void Application::exitClient()
         return;
     }
     m_exiting = true;
-    resetProfileBeforeExit();
+    resetProfile("we're exiting the client");
     Log::info("Shutting down client, we've had enough!");
     closeProcesses();
     QCoreApplication::quit();
@@ -286,14 +284,13 @@ void Application::endProcess()
     std::_Exit(EXIT_SUCCESS);
 }
 
-void Application::resetProfileBeforeExit()
+void Application::resetProfile(const char* reason)
 {
     if (!m_started || m_profiles->getActiveStatsProfileId() == ProfileManager::DefaultProfileId ||
         !Settings::instance().value(SettingsKeys::ProfilesResetOnSleep)) {
         return;
     }
-    Log::info("Resetting to default profile because we're exiting the client and the setting is "
-              "enabled.");
+    Log::info("Resetting to default profile because {} and the setting is enabled.", reason);
     m_profiles->activateDefaultProfile();
 }
 
@@ -337,7 +334,7 @@ void Application::leaveWithoutDisplay()
         return;
     }
     m_instance->m_exiting = true;
-    m_instance->resetProfileBeforeExit();
+    m_instance->resetProfile("we're exiting the client");
     Log::info("Shutting down client, the display is gone!");
     m_instance->stopCollecting();
     m_instance->saveState();
