@@ -18,6 +18,7 @@ class CommonSystem;
 class Database;
 class LocalStats;
 class MainWindowHost;
+class Milestones;
 class MousePointPruning;
 class ProfileManager;
 class TrayIcon;
@@ -139,6 +140,7 @@ private:
     Collector* m_collector = nullptr;
     std::unique_ptr<MousePointPruning> m_mousePointPruning;
     TrayIcon* m_tray = nullptr;
+    Milestones* m_milestones = nullptr;
     std::unique_ptr<MainWindowHost> m_window;
 
     QTimer m_memoryTimer;
