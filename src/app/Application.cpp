@@ -5,11 +5,13 @@
 #include "account/ProxySettings.h"
 #include "app/MainWindowHost.h"
 #include "app/PortableMode.h"
+#include "app/ProfileWiring.h"
 #include "app/Requirements.h"
 #include "app/UnixSignals.h"
 #include "base/Log.h"
 #include "base/SnapStandardPaths.h"
 #include "base/Version.h"
+#include "profiles/Milestones.h"
 #include "profiles/ProfileManager.h"
 #include "stats/AllStats.h"
 #include "stats/Collector.h"
@@ -187,6 +189,7 @@ void Application::prepareTray()
     connect(m_tray, &TrayIcon::pauseRequested, this, &Application::pauseCounting);
     connect(m_tray, &TrayIcon::resumeRequested, this, &Application::resumeCounting);
     connect(m_tray, &TrayIcon::quitRequested, this, &Application::exitClient);
+    new ProfileWiring(*m_profiles, *m_collector, *m_tray, this);
     Q_EMIT refreshTrayIcon();
     m_tray->show();
     const QString damaged = m_database->keptDamagedFile();
@@ -211,6 +214,10 @@ void Application::slotStartupDelayed()
     applySettings(false);
     m_collector->start();
     Q_EMIT refreshTrayIcon();
+    m_milestones = new Milestones(this);
+    connect(m_milestones, &Milestones::signalNeedTrayIconMessage, this,
+            &Application::slotNeedTrayIconMessage);
+    m_milestones->refreshSettings(Milestones::All);
     // Qt ends the process from within its event loop when the display goes away. Registered this
     // late, so that it runs before what was made up to here is destroyed.
     std::atexit(&Application::leaveWithoutDisplay);
@@ -310,6 +317,9 @@ void Application::closeProcesses()
 void Application::stopCollecting()
 {
     m_closed = true;
+    if (m_milestones) {
+        m_milestones->stop();
+    }
     if (m_collector) {
         m_collector->stopCollector();
         m_collector->finish();

@@ -19,6 +19,7 @@ class CommonSystem;
 class Database;
 class LocalStats;
 class MainWindowHost;
+class Milestones;
 class MousePointPruning;
 class ProfileManager;
 class TrayIcon;
@@ -144,6 +145,7 @@ private:
     LiveRates m_liveRates;
     std::unique_ptr<MousePointPruning> m_mousePointPruning;
     TrayIcon* m_tray = nullptr;
+    Milestones* m_milestones = nullptr;
     std::unique_ptr<MainWindowHost> m_window;
 
     QTimer m_memoryTimer;

@@ -5,6 +5,7 @@
 #include "storage/DSqlQuery.h"
 #include "storage/DatabaseBackup.h"
 #include "storage/DatabaseCleaner.h"
+#include "storage/HistoryStamp.h"
 #include "storage/IntegrityCheck.h"
 #include "storage/Migrations.h"
 #include "storage/ReadingConnection.h"
@@ -253,6 +254,7 @@ Database::Outcome Database::restore()
     const Outcome outcome = open();
     if (outcome == Outcome::Opened) {
         Log::info("Recovered database from backup file!");
+        HistoryStamp::renew(m_connection);
     }
     return outcome;
 }
@@ -325,6 +327,7 @@ bool Database::createSchema()
 bool Database::upgrade()
 {
     if (m_version == 0) {
+        HistoryStamp::renew(m_connection);
         DSqlQuery query(this);
         const bool ok = query.exec(QStringLiteral("PRAGMA user_version=%1;").arg(SchemaVersion));
         Log::info("First time database use detected, setting version to: {}", SchemaVersion);
@@ -470,6 +473,11 @@ QString Database::keptDamagedFile() const
 void Database::setProfileFilter(std::optional<int> profileId)
 {
     m_profileFilter = profileId;
+}
+
+std::optional<int> Database::profileFilter() const
+{
+    return m_profileFilter;
 }
 
 QString Database::generateWhereQueryProfileFilter(const QString& table) const

@@ -96,6 +96,7 @@ public:
 
     /// The profile whose statistics the views show; none, as at first, stands for all profiles.
     void setProfileFilter(std::optional<int> profileId);
+    std::optional<int> profileFilter() const;
 
     /// The SQL condition that restricts a query to the profile filter: "profile_id = 3", or "1"
     /// where all profiles are shown. `table` is the table's name or alias in that query, or empty.

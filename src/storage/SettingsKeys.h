@@ -303,6 +303,10 @@ inline const SettingKey<QDateTime> OnlineLastHeatmapButtons{
 inline const SettingKey<QDateTime> OnlineLastHeatmapButtonsApps{
     QStringLiteral("online_last_heatmap_buttons_apps")};
 
+// Without a stored default: the history.
+/// Differs once stored days were changed after the fact; see `HistoryStamp`, which alone uses it.
+inline const SettingKey<QString> HistoryStamp{QStringLiteral("history_stamp")};
+
 // Without a stored default: the main window.
 /// As `QWidget::saveGeometry` gives it.
 inline const SettingKey<QByteArray> MainwindowGeometry{QStringLiteral("mainwindow_geometry")};
