@@ -52,7 +52,10 @@ void BootTimeStat::doInfrequentUpdate(QDateTime, bool)
 void BootTimeStat::addCurrentBootTime()
 {
     const QDateTime bootTime = system().getBootTime();
-    if (!m_running || !bootTime.isValid()) {
+    const QDateTime now = QDateTime::currentDateTime();
+    // After the clock was set back, the history with this boot's row was moved along, and the boot
+    // seems to lie ahead. Added again, it would pass for a recent boot until then.
+    if (!m_running || !bootTime.isValid() || bootTime > now) {
         return;
     }
     DSqlQuery recent(Database::instance());
@@ -70,6 +73,6 @@ void BootTimeStat::addCurrentBootTime()
     // As text of SQLite's own form. A time bound as it is would be stored with a "T" and its
     // milliseconds: later than any time of that day, so that a second boot would not be found.
     insert.bindValue(0, Format::isoDateTime(bootTime));
-    insert.bindValue(1, Format::isoDateTime(QDateTime::currentDateTime()));
+    insert.bindValue(1, Format::isoDateTime(now));
     insert.exec();
 }

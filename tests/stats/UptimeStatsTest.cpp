@@ -71,6 +71,7 @@ void UptimeStatsTest::recordsEachBootOnce_data()
     QTest::newRow("second boot on one day") << QList{-60, -45} << qsizetype{2};
     QTest::newRow("later restart") << QList{-60, -60} << qsizetype{1};
     QTest::newRow("restart within 30 s of the boot") << QList{-10, -10} << qsizetype{1};
+    QTest::newRow("clock set back since the boot") << QList{-60, 3'600} << qsizetype{1};
     QTest::newRow("time changed within 30 s") << QList{-10, -8} << qsizetype{1};
 }
 
