@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/history/BootRows.h"
 
-#include "base/Format.h"
-#include "storage/DSqlQuery.h"
+#include "ui/history/RowReader.h"
 
 #include <algorithm>
 
@@ -30,8 +29,7 @@ bool touches(const BootSession& session, const HistoryScope& scope)
 std::optional<BootSession> BootRows::session(const QString& start, const QString& end)
 {
     const auto read = [](const QString& text) {
-        QDateTime time = QDateTime::fromString(text.left(19) + QLatin1Char('Z'), Qt::ISODate);
-        return time;
+        return QDateTime::fromString(text + QLatin1Char('Z'), Qt::ISODate);
     };
     const QDateTime startText = read(start);
     const QDateTime endText = read(end);
@@ -48,26 +46,22 @@ std::optional<BootSession> BootRows::session(const QString& start, const QString
 std::optional<QList<BootSession>> BootRows::read(const QSqlDatabase& connection,
                                                  const HistoryScope& scope)
 {
-    DSqlQuery query(connection);
-    query.setForwardOnly(true);
-    if (!query.prepare(
-            QStringLiteral("SELECT \"boot_time\", \"end_time\" FROM uptimes WHERE "
-                           "\"boot_time\"<:after AND (\"end_time\">=:from OR \"boot_time\">=:from) "
-                           "ORDER BY \"boot_time\""))) {
-        return std::nullopt;
-    }
     const QDate from = scope.first.isNull() ? QDate(1, 1, 1) : scope.first.addDays(-ZoneDays);
-    query.bindValue(QStringLiteral(":from"), Format::isoDay(from));
-    query.bindValue(QStringLiteral(":after"), Format::isoDay(scope.last.addDays(1)));
-    if (!query.exec()) {
-        return std::nullopt;
-    }
     QList<BootSession> sessions;
-    while (query.next()) {
-        const auto found = session(query.value(0).toString(), query.value(1).toString());
-        if (found && touches(*found, scope)) {
-            sessions.append(*found);
-        }
-    }
-    return sessions;
+    const bool isRead = RowReader::forEachRow(
+        connection,
+        QStringLiteral("SELECT \"boot_time\", \"end_time\" FROM uptimes WHERE "
+                       "\"boot_time\"<:after AND (\"end_time\">=:from OR \"boot_time\">=:from) "
+                       "ORDER BY \"boot_time\""),
+        [&scope, &from](QSqlQuery& query) {
+            query.bindValue(QStringLiteral(":from"), Format::isoDay(from));
+            query.bindValue(QStringLiteral(":after"), Format::isoDay(scope.last.addDays(1)));
+        },
+        [&scope, &sessions](const QSqlQuery& row) {
+            const auto found = session(row.value(0).toString(), row.value(1).toString());
+            if (found && touches(*found, scope)) {
+                sessions.append(*found);
+            }
+        });
+    return isRead ? std::optional(sessions) : std::nullopt;
 }

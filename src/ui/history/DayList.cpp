@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/history/DayList.h"
 
-#include "storage/DSqlQuery.h"
+#include "ui/history/RowReader.h"
 
 #include <QStringList>
 
@@ -26,29 +26,43 @@ const QStringList& tables()
     return names;
 }
 
-/// Leaves out what is no date of the calendar, all of which sorts before the year 1.
-const QString& firstDay()
+/// `extreme`, MIN or MAX, of the days of the calendar before :before. What is no such day sorts in
+/// front of them or is no date to read.
+QString extremeDay(const QString& extreme)
 {
-    static const QString text =
-        QStringLiteral("SELECT MIN(\"day\") FROM %1 WHERE \"day\">='0001-01-01'");
-    return text;
+    QStringList parts;
+    for (const QString& table : tables()) {
+        parts += QStringLiteral("SELECT %1(\"day\") AS \"found\" FROM %2 "
+                                "WHERE \"day\">='0001-01-01' AND \"day\"<:before")
+                     .arg(extreme, table);
+    }
+    return QStringLiteral("SELECT %1(\"found\") FROM (%2)")
+        .arg(extreme, parts.join(QStringLiteral(" UNION ALL ")));
+}
+
+std::optional<QDate> find(const QSqlDatabase& connection, const QString& statement,
+                          const QString& before)
+{
+    QDate found;
+    const bool isRead = RowReader::forEachRow(
+        connection, statement,
+        [&before](QSqlQuery& query) { query.bindValue(QStringLiteral(":before"), before); },
+        [&found](const QSqlQuery& row) {
+            found = QDate::fromString(row.value(0).toString(), Qt::ISODate);
+        });
+    return isRead ? std::optional(found) : std::nullopt;
 }
 
 } // namespace
 
 std::optional<QDate> DayList::first(const QSqlDatabase& connection)
 {
-    QDate first;
-    for (const QString& table : tables()) {
-        DSqlQuery query(connection);
-        query.setForwardOnly(true);
-        if (!query.exec(firstDay().arg(table)) || !query.next()) {
-            return std::nullopt;
-        }
-        const QDate day = QDate::fromString(query.value(0).toString(), Qt::ISODate);
-        if (day.isValid() && (first.isNull() || day < first)) {
-            first = day;
-        }
-    }
-    return first;
+    static const QString statement = extremeDay(QStringLiteral("MIN"));
+    return find(connection, statement, QStringLiteral("9999-12-31"));
+}
+
+std::optional<QDate> DayList::before(const QSqlDatabase& connection, const QDate& day)
+{
+    static const QString statement = extremeDay(QStringLiteral("MAX"));
+    return find(connection, statement, Format::isoDay(day));
 }

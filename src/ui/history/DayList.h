@@ -6,10 +6,13 @@
 
 #include <optional>
 
-/// Finds the days of which there are hourly rows. Thread: that of the connection.
+/// Finds days of which there are hourly rows. Answers are null where there is no such day, and
+/// nothing where the statement failed, which is in the log. Thread: that of the connection.
 namespace DayList {
 
-/// The first of them, null where there is none; nothing where a statement failed.
 std::optional<QDate> first(const QSqlDatabase& connection);
+
+/// The newest before `day`.
+std::optional<QDate> before(const QSqlDatabase& connection, const QDate& day);
 
 } // namespace DayList

@@ -7,15 +7,41 @@
 #include "ui/history/DayList.h"
 #include "ui/history/HistoryLists.h"
 #include "ui/history/RawHistory.h"
+#include "ui/history/RollUp.h"
+#include "ui/history/RollUpSource.h"
 
+#include <QDir>
+#include <QFileInfo>
 #include <QSet>
 
 #include <algorithm>
 
 namespace {
 
-/// Asked for at a time, so that no statement holds up a writer for long.
-constexpr int DaysAtOnce = 7;
+QString rollUpFile(const QString& databaseFile)
+{
+    return QFileInfo(databaseFile).dir().filePath(RollUp::FileName);
+}
+
+void addNumber(NumberSums& sums, const QSqlQuery& row, int at)
+{
+    sums[row.value(at).toInt()] += row.value(at + 1).toLongLong();
+}
+
+void addText(TextSums& sums, const QSqlQuery& row, int at)
+{
+    sums[row.value(at).toString()] += row.value(at + 1).toLongLong();
+}
+
+void addCell(CellSums& sums, const QSqlQuery& row, int at)
+{
+    sums[{row.value(at).toInt(), row.value(at + 1).toInt()}] += row.value(at + 2).toLongLong();
+}
+
+void addApplication(ApplicationSums& sums, const QSqlQuery& row, int at)
+{
+    sums[row.value(at).toString()] += ApplicationCounts::fromRow(row, at + 1);
+}
 
 } // namespace
 
@@ -29,9 +55,13 @@ Totals& Totals::operator+=(const Totals& other)
     return *this;
 }
 
-History::History(const QString& databaseFile)
+History::History(const QString& databaseFile, RollUps rollUps, Today today)
     : m_databaseFile(databaseFile)
+    , m_today(std::move(today))
 {
+    if (rollUps == RollUps::Kept) {
+        m_rollUp = std::make_unique<RollUp>(rollUpFile(databaseFile));
+    }
 }
 
 History::~History() = default;
@@ -48,84 +78,131 @@ const QSqlDatabase& History::connection()
 
 std::optional<qint64> History::version()
 {
+    m_share = 1;
     return TodayQuery::dataVersion(connection());
 }
 
 double History::preparedShare() const
 {
-    return 1;
+    return m_share;
 }
 
-bool History::collect(const HistoryScope& scope, const Add& add)
+bool History::prepareMore()
 {
-    const std::optional<QDate> known = firstDay();
-    if (!known) {
+    return m_rollUp && follow() && m_hasSums && m_rollUp->prepareSome(connection());
+}
+
+bool History::follow()
+{
+    const std::optional<qint64> version = TodayQuery::dataVersion(connection());
+    if (!version) {
         return false;
     }
-    HistoryScope part = scope;
-    for (QDate day = std::max(*known, scope.first); known->isValid() && day <= scope.last;
-         day = day.addDays(DaysAtOnce)) {
-        part.first = day;
-        part.last = std::min(day.addDays(DaysAtOnce - 1), scope.last);
-        if (!add(*m_raw, part)) {
+    if (version != m_version) {
+        const std::optional<QDate> first = DayList::first(connection());
+        if (!first) {
             return false;
         }
+        m_firstDay = *first;
+        m_version = version;
     }
+    m_hasSums = m_rollUp && m_rollUp->follow(connection(), *version, m_today());
     return true;
+}
+
+AnswerParts History::parts(const HistoryScope& scope) const
+{
+    const qint64 firstDay = m_firstDay.toJulianDay();
+    const RollUpCoverage none{.from = firstDay, .until = firstDay, .pending = {}};
+    return (m_hasSums ? m_rollUp->coverage() : none).parts(scope, m_firstDay, m_today());
+}
+
+History::Outcome History::collect(const HistoryScope& scope, const Add& add)
+{
+    if (!follow()) {
+        return Outcome::Unreadable;
+    }
+    const AnswerParts answer = parts(scope);
+    if (answer.summed) {
+        RollUpSource summed(m_rollUp->connection(), m_rollUp->coverage().summedMonths());
+        if (!add(summed, *answer.summed)) {
+            return Outcome::SumsFailed;
+        }
+    }
+    const bool isRead = std::ranges::all_of(
+        answer.hourly, [&](const HistoryScope& part) { return add(*m_raw, part); });
+    m_share = std::min(m_share, answer.share);
+    return isRead ? Outcome::Read : Outcome::Unreadable;
+}
+
+template <typename Sums, typename AddTo>
+std::optional<Sums> History::gather(const HistoryScope& scope, AddTo add)
+{
+    while (true) {
+        Sums sums;
+        const Outcome outcome =
+            collect(scope, [&](HistorySource& source, const HistoryScope& part) {
+                return add(source, part, sums);
+            });
+        if (outcome == Outcome::SumsFailed) {
+            m_rollUp->discard();
+            continue;
+        }
+        return outcome == Outcome::Read ? std::optional(std::move(sums)) : std::nullopt;
+    }
+}
+
+template <typename Sums, typename TakeRow>
+std::optional<Sums> History::gatherCounts(CountTable table, const HistoryScope& scope, TakeRow take)
+{
+    return gather<Sums>(
+        scope, [table, take](HistorySource& source, const HistoryScope& part, Sums& sums) {
+            return source.eachCount(table, part,
+                                    [&](const QSqlQuery& row, int at) { take(sums, row, at); });
+        });
+}
+
+std::optional<TotalsSums> History::gatherTotals(const HistoryScope& scope, TotalsBy by)
+{
+    return gather<TotalsSums>(scope,
+                              [by](HistorySource& source, const HistoryScope& part,
+                                   TotalsSums& sums) { return source.addTotals(part, by, sums); });
 }
 
 std::optional<Totals> History::totals(const HistoryScope& scope)
 {
-    TotalsSums sums;
-    const bool isRead = collect(scope, [&sums](HistorySource& source, const HistoryScope& part) {
-        return source.addTotals(part, TotalsBy::Nothing, sums);
-    });
-    return isRead ? std::optional(sums[0]) : std::nullopt;
+    auto sums = gatherTotals(scope, TotalsBy::Nothing);
+    return sums ? std::optional((*sums)[0]) : std::nullopt;
 }
 
 std::optional<QList<DayTotals>> History::days(const HistoryScope& scope)
 {
-    TotalsSums sums;
-    const bool isRead = collect(scope, [&sums](HistorySource& source, const HistoryScope& part) {
-        return source.addTotals(part, TotalsBy::Day, sums);
-    });
-    return isRead ? std::optional(HistoryLists::days(sums)) : std::nullopt;
+    const auto sums = gatherTotals(scope, TotalsBy::Day);
+    return sums ? std::optional(HistoryLists::days(*sums)) : std::nullopt;
 }
 
 std::optional<QList<HourTotals>> History::hours(const HistoryScope& scope)
 {
-    TotalsSums sums;
-    const bool isRead = collect(scope, [&sums](HistorySource& source, const HistoryScope& part) {
-        return source.addTotals(part, TotalsBy::Hour, sums);
-    });
-    return isRead ? std::optional(HistoryLists::hours(sums)) : std::nullopt;
+    const auto sums = gatherTotals(scope, TotalsBy::Hour);
+    return sums ? std::optional(HistoryLists::hours(*sums)) : std::nullopt;
 }
 
 std::optional<QList<WeekHourTotals>> History::weekHours(const HistoryScope& scope)
 {
-    TotalsSums sums;
-    const bool isRead = collect(scope, [&sums](HistorySource& source, const HistoryScope& part) {
-        return source.addTotals(part, TotalsBy::WeekHour, sums);
-    });
-    return isRead ? std::optional(HistoryLists::weekHours(sums)) : std::nullopt;
+    const auto sums = gatherTotals(scope, TotalsBy::WeekHour);
+    return sums ? std::optional(HistoryLists::weekHours(*sums)) : std::nullopt;
 }
 
 std::optional<QList<KeyCount>> History::keys(const HistoryScope& scope)
 {
-    NumberSums sums;
-    const bool isRead = collect(scope, [&sums](HistorySource& source, const HistoryScope& part) {
-        return source.addKeys(part, sums);
-    });
-    return isRead ? std::optional(HistoryLists::keys(sums)) : std::nullopt;
+    const auto sums = gatherCounts<NumberSums>(CountTable::Keys, scope, addNumber);
+    return sums ? std::optional(HistoryLists::keys(*sums)) : std::nullopt;
 }
 
 std::optional<QList<CombinationCount>> History::combinations(const HistoryScope& scope, int limit)
 {
-    TextSums sums;
-    const bool isRead = collect(scope, [&sums](HistorySource& source, const HistoryScope& part) {
-        return source.addCombinations(part, sums);
-    });
-    return isRead ? std::optional(HistoryLists::combinations(sums, limit)) : std::nullopt;
+    const auto sums = gatherCounts<TextSums>(CountTable::Combinations, scope, addText);
+    return sums ? std::optional(HistoryLists::combinations(*sums, limit)) : std::nullopt;
 }
 
 std::optional<QList<ButtonCount>> History::buttons(const HistoryScope& scope)
@@ -138,41 +215,34 @@ std::optional<QList<ButtonCount>> History::buttons(const HistoryScope& scope)
 
 std::optional<QList<ScrollCount>> History::scrolls(const HistoryScope& scope)
 {
-    NumberSums sums;
-    const bool isRead = collect(scope, [&sums](HistorySource& source, const HistoryScope& part) {
-        return source.addScrolls(part, sums);
-    });
-    return isRead ? std::optional(HistoryLists::scrolls(sums)) : std::nullopt;
+    const auto sums = gatherCounts<NumberSums>(CountTable::Scrolls, scope, addNumber);
+    return sums ? std::optional(HistoryLists::scrolls(*sums)) : std::nullopt;
 }
 
 std::optional<QList<ClickCell>> History::clickCells(const HistoryScope& scope)
 {
-    CellSums sums;
-    const bool isRead = collect(scope, [&sums](HistorySource& source, const HistoryScope& part) {
-        return source.addClickCells(part, sums);
-    });
-    return isRead ? std::optional(HistoryLists::clickCells(sums)) : std::nullopt;
+    const auto sums = gatherCounts<CellSums>(CountTable::ClickCells, scope, addCell);
+    return sums ? std::optional(HistoryLists::clickCells(*sums)) : std::nullopt;
 }
 
 std::optional<QList<ApplicationTotals>> History::applications(const HistoryScope& scope)
 {
-    ApplicationSums sums;
-    const bool isRead = collect(scope, [&sums](HistorySource& source, const HistoryScope& part) {
-        return source.addApplications(part, sums);
-    });
+    const auto sums =
+        gatherCounts<ApplicationSums>(CountTable::Applications, scope, addApplication);
     const auto known = KnownApplications::read(connection(), scope.profileId);
-    return isRead && known ? std::optional(HistoryLists::applications(sums, *known)) : std::nullopt;
+    return sums && known ? std::optional(HistoryLists::applications(*sums, *known)) : std::nullopt;
 }
 
 std::optional<QList<ApplicationDay>> History::applicationDays(const HistoryScope& scope,
                                                               const QStringList& paths)
 {
     const QStringList distinct(QSet<QString>(paths.cbegin(), paths.cend()).values());
-    ApplicationDaySums sums;
-    const bool isRead = collect(scope, [&](HistorySource& source, const HistoryScope& part) {
-        return source.addApplicationDays(part, distinct, sums);
-    });
-    return isRead ? std::optional(HistoryLists::applicationDays(sums)) : std::nullopt;
+    const auto sums = gather<ApplicationDaySums>(
+        scope,
+        [&distinct](HistorySource& source, const HistoryScope& part, ApplicationDaySums& days) {
+            return source.addApplicationDays(part, distinct, days);
+        });
+    return sums ? std::optional(HistoryLists::applicationDays(*sums)) : std::nullopt;
 }
 
 std::optional<QList<BootSession>> History::boots(const HistoryScope& scope)
@@ -182,5 +252,5 @@ std::optional<QList<BootSession>> History::boots(const HistoryScope& scope)
 
 std::optional<QDate> History::firstDay()
 {
-    return DayList::first(connection());
+    return follow() ? std::optional(m_firstDay) : std::nullopt;
 }

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "ui/history/CountTable.h"
 #include "ui/history/HistoryScope.h"
+#include "ui/history/HistorySums.h"
 #include "ui/history/HistoryTypes.h"
 
 #include <QSqlDatabase>
@@ -15,6 +17,8 @@
 class HistorySource;
 class RawHistory;
 class ReadingConnection;
+class RollUp;
+struct AnswerParts;
 
 /// Answers what was counted over any days, for the views.
 ///
@@ -26,7 +30,18 @@ class ReadingConnection;
 class History
 {
 public:
-    explicit History(const QString& databaseFile);
+    /// Whether sums of past days are kept in a file beside the database; without, long ranges take
+    /// seconds.
+    enum class RollUps
+    {
+        Kept,
+        None,
+    };
+
+    using Today = std::function<QDate()>;
+
+    explicit History(const QString& databaseFile, RollUps rollUps = RollUps::Kept,
+                     Today today = &QDate::currentDate);
     ~History();
 
     History(const History&) = delete;
@@ -61,9 +76,14 @@ public:
     std::optional<QList<ApplicationDay>> applicationDays(const HistoryScope& scope,
                                                          const QStringList& paths);
 
-    /// How much of the days before today is summed up, 0 to 1: while less than 1, answers over long
-    /// ranges lack the rest.
+    /// How much of the days asked for is in the answers since `version` was last asked for, 0 to 1;
+    /// of several answers, in the one that lacks most. While days are still being summed, answers
+    /// over long ranges lack the oldest.
     double preparedShare() const;
+
+    /// Sums some of the days that are over, for some 30 ms. False where nothing is left to do: call
+    /// it again after the next question.
+    bool prepareMore();
 
     /// In the order of their starts, those that touch the days of `scope`, whatever its profile.
     std::optional<QList<BootSession>> boots(const HistoryScope& scope);
@@ -76,12 +96,38 @@ public:
     const QSqlDatabase& connection();
 
 private:
+    enum class Outcome
+    {
+        Read,
+        Unreadable,
+        SumsFailed, ///< What was added is of no use; ask again.
+    };
+
     using Add = std::function<bool(HistorySource& source, const HistoryScope& part)>;
 
-    /// Runs `add` for parts of `scope` that together are all of it.
-    bool collect(const HistoryScope& scope, const Add& add);
+    /// Sums up over the parts of `scope` by `add`, which is handed the sums to add to; nothing
+    /// where something could not be read.
+    template <typename Sums, typename AddTo>
+    std::optional<Sums> gather(const HistoryScope& scope, AddTo add);
+
+    template <typename Sums, typename TakeRow>
+    std::optional<Sums> gatherCounts(CountTable table, const HistoryScope& scope, TakeRow take);
+
+    std::optional<TotalsSums> gatherTotals(const HistoryScope& scope, TotalsBy by);
+
+    Outcome collect(const HistoryScope& scope, const Add& add);
+    AnswerParts parts(const HistoryScope& scope) const;
+
+    /// Follows what happened since the last question; false where the database cannot be read.
+    bool follow();
 
     QString m_databaseFile;
+    Today m_today;
     std::unique_ptr<ReadingConnection> m_connection;
     std::unique_ptr<RawHistory> m_raw; ///< After the connection that it reads.
+    std::unique_ptr<RollUp> m_rollUp;  ///< None where no sums are kept.
+    bool m_hasSums = false;            ///< As of the last question.
+    std::optional<qint64> m_version;   ///< As of the last question.
+    QDate m_firstDay;                  ///< As of `m_version`.
+    double m_share = 1;
 };

@@ -1,13 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "ui/history/CountTable.h"
 #include "ui/history/HistoryScope.h"
 #include "ui/history/HistorySums.h"
 
+#include <QSqlQuery>
 #include <QStringList>
 
+#include <functional>
+
 /// Something that holds counts of days: the hourly rows, or what was summed of them before. Each
-/// function adds to the sums it is given, so that days from several sources come together in one
+/// function adds to what it is given, so that days from several sources come together in one
 /// answer. All return false where something could not be read, which is in the log; the sums are
 /// then of no use.
 ///
@@ -15,6 +19,9 @@
 class HistorySource
 {
 public:
+    /// Takes a row: its first value stands in column `at`.
+    using TakeRow = std::function<void(const QSqlQuery& row, int at)>;
+
     HistorySource() = default;
     virtual ~HistorySource() = default;
 
@@ -22,11 +29,11 @@ public:
     HistorySource& operator=(const HistorySource&) = delete;
 
     virtual bool addTotals(const HistoryScope& scope, TotalsBy by, TotalsSums& sums) = 0;
-    virtual bool addKeys(const HistoryScope& scope, NumberSums& sums) = 0;
-    virtual bool addCombinations(const HistoryScope& scope, TextSums& sums) = 0;
-    virtual bool addScrolls(const HistoryScope& scope, NumberSums& sums) = 0;
-    virtual bool addClickCells(const HistoryScope& scope, CellSums& sums) = 0;
-    virtual bool addApplications(const HistoryScope& scope, ApplicationSums& sums) = 0;
+
+    /// Hands over rows of what is counted and its sums, in the order of the columns of
+    /// `CountTableText`. One thing may come several times.
+    virtual bool eachCount(CountTable table, const HistoryScope& scope, const TakeRow& take) = 0;
+
     virtual bool addApplicationDays(const HistoryScope& scope, const QStringList& paths,
                                     ApplicationDaySums& sums) = 0;
 };

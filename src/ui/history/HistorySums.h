@@ -5,7 +5,9 @@
 
 #include <QDate>
 #include <QHash>
+#include <QSqlQuery>
 #include <QString>
+#include <QVariant>
 
 #include <map>
 #include <utility>
@@ -57,6 +59,16 @@ struct ApplicationCounts
     qint64 scrolls = 0;
     double inches = 0;
     qint64 frontSeconds = 0;
+
+    /// The five columns from `at` on.
+    static ApplicationCounts fromRow(const QSqlQuery& row, int at)
+    {
+        return {.keys = row.value(at).toLongLong(),
+                .clicks = row.value(at + 1).toLongLong(),
+                .scrolls = row.value(at + 2).toLongLong(),
+                .inches = row.value(at + 3).toDouble(),
+                .frontSeconds = row.value(at + 4).toLongLong()};
+    }
 
     ApplicationCounts& operator+=(const ApplicationCounts& other)
     {

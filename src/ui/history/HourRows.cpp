@@ -33,7 +33,7 @@ template <typename Take>
 bool readTable(const QSqlDatabase& connection, const HistoryScope& scope, const QString& values,
                const QString& table, HourParts& parts, Take take)
 {
-    return RowReader::forEachRow(
+    return RowReader::forEachScopedRow(
         connection, slotRows(values, table), scope, [&parts, take](const QSqlQuery& row) {
             const QDate day = QDate::fromString(row.value(0).toString(), Qt::ISODate);
             if (day.isValid()) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/history/KnownApplications.h"
 
-#include "storage/DSqlQuery.h"
+#include "ui/history/RowReader.h"
 
 namespace {
 
@@ -9,15 +9,11 @@ using Known = QHash<QString, KnownApplication>;
 
 bool readNames(const QSqlDatabase& connection, Known& known)
 {
-    DSqlQuery query(connection);
-    query.setForwardOnly(true);
-    if (!query.exec(QStringLiteral("SELECT \"path\", \"name\" FROM applications"))) {
-        return false;
-    }
-    while (query.next()) {
-        known[query.value(0).toString()].name = query.value(1).toString();
-    }
-    return true;
+    return RowReader::forEachRow(connection,
+                                 QStringLiteral("SELECT \"path\", \"name\" FROM applications"),
+                                 RowReader::bindNothing, [&known](const QSqlQuery& row) {
+                                     known[row.value(0).toString()].name = row.value(1).toString();
+                                 });
 }
 
 /// Rows from before `last_used` was kept know only when the application ran.
@@ -32,22 +28,15 @@ const QString& runningTimes()
 
 bool readRunningTimes(const QSqlDatabase& connection, std::optional<int> profileId, Known& known)
 {
-    DSqlQuery query(connection);
-    query.setForwardOnly(true);
-    if (!query.prepare(runningTimes())) {
-        return false;
-    }
-    query.bindValue(QStringLiteral(":profile"), profileId ? QVariant(*profileId) : QVariant());
-    if (!query.exec()) {
-        return false;
-    }
-    while (query.next()) {
-        KnownApplication& application = known[query.value(0).toString()];
-        const QString lastUsed = query.value(2).toString() + QLatin1Char('Z');
-        application.runningSeconds = query.value(1).toLongLong();
-        application.lastUsed = QDateTime::fromString(lastUsed, Qt::ISODate).toLocalTime();
-    }
-    return true;
+    return RowReader::forEachRow(
+        connection, runningTimes(),
+        [profileId](QSqlQuery& query) { RowReader::bindProfile(query, profileId); },
+        [&known](const QSqlQuery& row) {
+            KnownApplication& application = known[row.value(0).toString()];
+            const QString lastUsed = row.value(2).toString() + QLatin1Char('Z');
+            application.runningSeconds = row.value(1).toLongLong();
+            application.lastUsed = QDateTime::fromString(lastUsed, Qt::ISODate).toLocalTime();
+        });
 }
 
 } // namespace

@@ -8,35 +8,13 @@
 
 namespace {
 
-/// The sums of a table's counts, by one of its columns.
-QString countsBy(const QString& column, const QString& table)
-{
-    return RowReader::scoped(QStringLiteral("SELECT %1, SUM(\"count\") FROM %2").arg(column, table),
-                             QStringLiteral("GROUP BY 1 HAVING SUM(\"count\")<>0"));
-}
+constexpr int FirstThing = 2; ///< Behind day and profile.
 
-bool addNumbers(const QSqlDatabase& connection, const QString& column, const QString& table,
-                const HistoryScope& scope, NumberSums& sums)
-{
-    return RowReader::forEachRow(
-        connection, countsBy(column, table), scope,
-        [&sums](const QSqlQuery& row) { sums[row.value(0).toInt()] += row.value(1).toLongLong(); });
-}
-
-const QString& inputPerApplication()
+const QString& buttonCounts()
 {
     static const QString text = RowReader::scoped(
-        QStringLiteral("SELECT \"path\", SUM(\"keys\"), SUM(\"clicks\"), SUM(\"scrolls\"), "
-                       "SUM(\"distance_inches\") FROM input_per_application"),
-        QStringLiteral("AND \"path\"<>'' GROUP BY \"path\""));
-    return text;
-}
-
-const QString& frontPerApplication()
-{
-    static const QString text = RowReader::scoped(
-        QStringLiteral("SELECT \"path\", SUM(\"seconds_active\") FROM application_active_hour"),
-        QStringLiteral("AND \"path\"<>'' GROUP BY \"path\""));
+        QStringLiteral("SELECT \"button\", SUM(\"count\") FROM mouseclicks_frequency"),
+        QStringLiteral("GROUP BY \"button\""));
     return text;
 }
 
@@ -44,7 +22,7 @@ const QString& inputOfApplication()
 {
     static const QString text = RowReader::scoped(
         QStringLiteral("SELECT \"day\", SUM(\"keys\"), SUM(\"clicks\"), SUM(\"scrolls\"), "
-                       "SUM(\"distance_inches\") FROM input_per_application"),
+                       "SUM(\"distance_inches\"), 0 FROM input_per_application"),
         QStringLiteral("AND \"path\"=:path GROUP BY \"day\""));
     return text;
 }
@@ -52,22 +30,10 @@ const QString& inputOfApplication()
 const QString& frontOfApplication()
 {
     static const QString text = RowReader::scoped(
-        QStringLiteral("SELECT \"day\", SUM(\"seconds_active\") FROM application_active_hour"),
+        QStringLiteral(
+            "SELECT \"day\", 0, 0, 0, 0, SUM(\"seconds_active\") FROM application_active_hour"),
         QStringLiteral("AND \"path\"=:path GROUP BY \"day\""));
     return text;
-}
-
-ApplicationCounts inputCounts(const QSqlQuery& row)
-{
-    return {.keys = row.value(1).toLongLong(),
-            .clicks = row.value(2).toLongLong(),
-            .scrolls = row.value(3).toLongLong(),
-            .inches = row.value(4).toDouble()};
-}
-
-ApplicationCounts frontCounts(const QSqlQuery& row)
-{
-    return {.frontSeconds = row.value(1).toLongLong()};
 }
 
 } // namespace
@@ -89,82 +55,32 @@ bool RawHistory::addTotals(const HistoryScope& scope, TotalsBy by, TotalsSums& s
     return true;
 }
 
-bool RawHistory::addKeys(const HistoryScope& scope, NumberSums& sums)
+bool RawHistory::eachCount(CountTable table, const HistoryScope& scope, const TakeRow& take)
 {
-    return addNumbers(m_connection, QStringLiteral("\"key\""), QStringLiteral("keypress_frequency"),
-                      scope, sums);
-}
-
-bool RawHistory::addCombinations(const HistoryScope& scope, TextSums& sums)
-{
-    return RowReader::forEachRow(
-        m_connection, countsBy(QStringLiteral("\"combo\""), QStringLiteral("keycombo_frequency")),
-        scope, [&sums](const QSqlQuery& row) {
-            sums[row.value(0).toString()] += row.value(1).toLongLong();
-        });
+    return RowReader::forEachScopedRow(m_connection, CountTableTexts::of(table).hourly, scope,
+                                       [&take](const QSqlQuery& row) { take(row, FirstThing); });
 }
 
 bool RawHistory::addButtons(const HistoryScope& scope, NumberSums& sums)
 {
-    return addNumbers(m_connection, QStringLiteral("\"button\""),
-                      QStringLiteral("mouseclicks_frequency"), scope, sums);
-}
-
-bool RawHistory::addScrolls(const HistoryScope& scope, NumberSums& sums)
-{
-    return addNumbers(m_connection, QStringLiteral("\"direction\""), QStringLiteral("mousescrolls"),
-                      scope, sums);
-}
-
-bool RawHistory::addClickCells(const HistoryScope& scope, CellSums& sums)
-{
-    // CAST cuts towards zero: one less where that is not below the value.
-    static const QString cells = RowReader::scoped(
-        QStringLiteral("SELECT CAST(\"x\" AS INTEGER) - (CAST(\"x\" AS INTEGER)>\"x\"), "
-                       "CAST(\"y\" AS INTEGER) - (CAST(\"y\" AS INTEGER)>\"y\"), COUNT(*) "
-                       "FROM (SELECT \"day\", \"profile_id\", \"x\"*%1 AS \"x\", \"y\"*%2 AS \"y\" "
-                       "FROM mousepoints)")
-            .arg(ClickCell::Columns)
-            .arg(ClickCell::Rows),
-        QStringLiteral("GROUP BY 1, 2"));
-    return RowReader::forEachRow(m_connection, cells, scope, [&sums](const QSqlQuery& row) {
-        sums[{row.value(0).toInt(), row.value(1).toInt()}] += row.value(2).toLongLong();
-    });
-}
-
-bool RawHistory::addApplications(const HistoryScope& scope, ApplicationSums& sums)
-{
-    return RowReader::forEachRow(m_connection, inputPerApplication(), scope,
-                                 [&sums](const QSqlQuery& row) {
-                                     sums[row.value(0).toString()] += inputCounts(row);
-                                 }) &&
-           RowReader::forEachRow(m_connection, frontPerApplication(), scope,
-                                 [&sums](const QSqlQuery& row) {
-                                     sums[row.value(0).toString()] += frontCounts(row);
-                                 });
+    return RowReader::forEachScopedRow(
+        m_connection, buttonCounts(), scope,
+        [&sums](const QSqlQuery& row) { sums[row.value(0).toInt()] += row.value(1).toLongLong(); });
 }
 
 bool RawHistory::addApplicationDays(const HistoryScope& scope, const QStringList& paths,
                                     ApplicationDaySums& sums)
 {
     return std::ranges::all_of(paths, [&](const QString& path) {
-        const auto bindPath = [&path](QSqlQuery& query) {
+        const auto bind = [&scope, &path](QSqlQuery& query) {
+            RowReader::bindScope(query, scope);
             query.bindValue(QStringLiteral(":path"), path);
         };
-        const auto day = [](const QSqlQuery& row) {
-            return QDate::fromString(row.value(0).toString(), Qt::ISODate);
+        const auto add = [&path, &sums](const QSqlQuery& row) {
+            const QDate day = QDate::fromString(row.value(0).toString(), Qt::ISODate);
+            sums[{day, path}] += ApplicationCounts::fromRow(row, 1);
         };
-        return RowReader::forEachRow(
-                   m_connection, inputOfApplication(), scope,
-                   [&](const QSqlQuery& row) {
-                       sums[{day(row), path}] += inputCounts(row);
-                   },
-                   bindPath) &&
-               RowReader::forEachRow(
-                   m_connection, frontOfApplication(), scope,
-                   [&](const QSqlQuery& row) {
-                       sums[{day(row), path}] += frontCounts(row);
-                   },
-                   bindPath);
+        return RowReader::forEachRow(m_connection, inputOfApplication(), bind, add) &&
+               RowReader::forEachRow(m_connection, frontOfApplication(), bind, add);
     });
 }

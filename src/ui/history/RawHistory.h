@@ -15,14 +15,11 @@ public:
     explicit RawHistory(const QSqlDatabase& connection);
 
     bool addTotals(const HistoryScope& scope, TotalsBy by, TotalsSums& sums) override;
-    bool addKeys(const HistoryScope& scope, NumberSums& sums) override;
-    bool addCombinations(const HistoryScope& scope, TextSums& sums) override;
-    bool addScrolls(const HistoryScope& scope, NumberSums& sums) override;
-    bool addClickCells(const HistoryScope& scope, CellSums& sums) override;
-    bool addApplications(const HistoryScope& scope, ApplicationSums& sums) override;
+    bool eachCount(CountTable table, const HistoryScope& scope, const TakeRow& take) override;
     bool addApplicationDays(const HistoryScope& scope, const QStringList& paths,
                             ApplicationDaySums& sums) override;
 
+    /// Clicks by button. They are few, as none is kept for longer than three months.
     bool addButtons(const HistoryScope& scope, NumberSums& sums);
 
 private:
