@@ -27,8 +27,8 @@ public:
         static constexpr int Accent = -1;
 
         QString name;
-        int colour = Accent;                 ///< A category of `Ramp`; beyond them "other".
-        QList<std::optional<double>> values; ///< One to a column; nothing where there is a gap.
+        int colour = Accent;                   ///< A category of `Ramp`; beyond them "other".
+        QList<std::optional<double>> values{}; ///< One to a column; nothing where there is a gap.
         friend bool operator==(const Series&, const Series&) = default;
     };
 

@@ -18,8 +18,8 @@ public:
     struct DaySeries
     {
         QString name;
-        int colour = Series::Accent; ///< A category of `Ramp`; beyond them "other".
-        QMap<QDate, double> values;  ///< Days on which nothing was counted are left out.
+        int colour = Series::Accent;  ///< A category of `Ramp`; beyond them "other".
+        QMap<QDate, double> values{}; ///< Days on which nothing was counted are left out.
     };
 
     explicit TimeChart(QWidget* parent = nullptr);

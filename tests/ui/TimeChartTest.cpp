@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/TestRegistry.h"
+#include "ui/HourChart.h"
 #include "ui/Theme.h"
 #include "ui/TimeChart.h"
 
@@ -22,6 +23,7 @@ private Q_SLOTS:
     void choosesTheDaysUnderThePointer();
     void choosesByKeyboard();
     void keepsLabelsApart();
+    void halvesAnHourThatComesTwice();
 };
 
 namespace {
@@ -227,6 +229,34 @@ void TimeChartTest::keepsLabelsApart()
         emptyRows = isEmpty ? emptyRows + 1 : 0;
     }
     QCOMPARE(labels, 7);
+}
+
+void TimeChartTest::halvesAnHourThatComesTwice()
+{
+    HourChart chart;
+    chart.resize(800, 200);
+    const QDate day(2026, 10, 25);
+    chart.setDay(day, {.name = QStringLiteral("Keys")}, {{2, 100}, {7, 50}},
+                 day.addDays(1).startOfDay());
+    QCOMPARE(chart.accessibleDescription(),
+             QStringLiteral("25 October 2026, 02:00 to 03:00, which comes twice\nKeys in both: 100"
+                            "\n25 October 2026, 07:00 to 08:00\nKeys: 50"));
+    const QImage picture = chart.grab().toImage();
+    const QColor accent = Theme::colours(chart.palette()).accent;
+    QList<int> bars; // Their heights.
+    for (int x = 1; x < picture.width(); ++x) {
+        const int high = drawn(picture, x, accent);
+        if (high > 0 && drawn(picture, x - 1, accent) == 0) {
+            bars.append(0);
+        }
+        if (high > 0) {
+            bars.last() = std::max(bars.constLast(), high);
+        }
+    }
+    QCOMPARE(bars.size(), 3);
+    QVERIFY(bars.at(0) > 100);
+    QCOMPARE(bars.at(0), bars.at(1));
+    QCOMPARE(bars.at(1), bars.at(2));
 }
 
 REGISTER_TEST(TimeChartTest);
