@@ -162,7 +162,7 @@ void OverviewView::buildLists()
             {.row = 2, .column = 2, .span = 2, .stretch = 2, .narrowHeight = 232});
     addCard(new Card(QStringLiteral("unzurged"), tr("Unzurged"), new UnzurgedPanel(m_unzurgedTable),
                      m_unzurgedTable),
-            {.row = 2, .column = 4, .span = 2, .stretch = 2, .narrowHeight = 232})
+            {.row = 2, .column = 4, .span = 2, .stretch = 2, .narrowHeight = 0})
         ->setTableOrder(CountsModel::NoColumn, Qt::AscendingOrder);
 }
 

@@ -50,8 +50,10 @@ UnzurgedPanel::UnzurgedPanel(FiguresModel* model, QWidget* parent)
         grid->addWidget(line.value, row, 1, Qt::AlignRight);
         m_lines.append(line);
     }
-    grid->addWidget(m_meaning, static_cast<int>(Measures::All.size()), 0, 1, 2);
-    grid->setRowStretch(static_cast<int>(Measures::All.size()), 1);
+    const auto below = static_cast<int>(Measures::All.size());
+    grid->setRowMinimumHeight(below, Theme::Rhythm / 2);
+    grid->addWidget(m_meaning, below + 1, 0, 1, 2);
+    grid->setRowStretch(below + 1, 1);
     m_refresh.setInterval(RefreshMs);
     connect(&m_refresh, &QTimer::timeout, this, &UnzurgedPanel::follow);
     applyTheme();
