@@ -207,6 +207,16 @@ void HeatGrid::mouseMoveEvent(QMouseEvent* event)
     }
 }
 
+void HeatGrid::mousePressEvent(QMouseEvent* event)
+{
+    const int cell = cellAt(event->position());
+    if (cell >= 0) {
+        m_focused = cell;
+        update();
+    }
+    QWidget::mousePressEvent(event);
+}
+
 void HeatGrid::leaveEvent(QEvent* event)
 {
     QToolTip::hideText();

@@ -69,12 +69,12 @@ void ScaleLegend::changeEvent(QEvent* event)
 
 void ScaleLegend::paintBar(QPainter& painter, const QRectF& bar) const
 {
-    for (int step = 0; step < Steps; ++step) {
-        const double share = static_cast<double>(step) / (Steps - 1);
-        const double left = bar.left() + bar.width() * step / Steps;
-        painter.fillRect(QRectF(left, bar.top(), bar.width() / Steps + 1, bar.height()),
-                         Ramp::quantity(share, palette()));
+    QLinearGradient gradient(bar.topLeft(), bar.topRight());
+    for (int step = 0; step <= Steps; ++step) {
+        const double share = static_cast<double>(step) / Steps;
+        gradient.setColorAt(share, Ramp::quantity(share, palette()));
     }
+    painter.fillRect(bar, gradient);
 }
 
 void ScaleLegend::paintEvent(QPaintEvent*)
@@ -87,7 +87,8 @@ void ScaleLegend::paintEvent(QPaintEvent*)
     paintBar(painter, bar);
     for (const double share : {0.0, 0.5, 1.0}) {
         const bool isMiddle = share > 0 && share < 1;
-        if (isMiddle && m_scale.largest() < LeastParted) {
+        const qint64 least = isMiddle ? LeastParted : 1;
+        if (share > 0 && m_scale.largest() < least) {
             continue;
         }
         const QRectF place(bar.left() + bar.width() * share - BarWidth / 2.0, bar.bottom(),

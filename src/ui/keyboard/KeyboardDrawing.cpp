@@ -83,7 +83,7 @@ QString KeyboardDrawing::describe(int index) const
 {
     const KeyboardKey& key = m_keyboard.keys().at(index);
     if (!key.isCounted()) {
-        return tr("%1: in the totals only, not counted by itself").arg(key.name);
+        return tr("%1: counted in the totals only").arg(key.name);
     }
     const QString name =
         m_keyboard.isShared(key.key) ? tr("%1, left and right").arg(key.name) : key.name;
@@ -142,16 +142,6 @@ QRectF KeyboardDrawing::keyArea(int index) const
 int KeyboardDrawing::keyAt(const QPointF& position) const
 {
     return m_boardSize.isEmpty() ? -1 : m_keyboard.keyAt((position - origin()) / unit());
-}
-
-bool KeyboardDrawing::event(QEvent* event)
-{
-    const bool restyled =
-        event->type() == QEvent::PaletteChange || event->type() == QEvent::ApplicationFontChange;
-    if (restyled) {
-        update();
-    }
-    return QWidget::event(event);
 }
 
 void KeyboardDrawing::keyPressEvent(QKeyEvent* event)

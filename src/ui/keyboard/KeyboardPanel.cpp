@@ -22,7 +22,7 @@ KeyboardPanel::KeyboardPanel(QWidget* parent)
     : QWidget(parent)
     , m_drawing(new KeyboardDrawing)
     , m_legend(new ScaleLegend(tr("Keys")))
-    , m_uncounted(new QLabel(tr("Dashed keys are in the totals only")))
+    , m_uncounted(new QLabel(tr("Dashed keys are counted in the totals only")))
     , m_unplaced(new QLabel)
 {
     m_unplaced->setObjectName(QStringLiteral("unplacedKeys"));
@@ -40,6 +40,10 @@ KeyboardPanel::KeyboardPanel(QWidget* parent)
     layout->addLayout(below);
     layout->addWidget(m_unplaced);
     setFocusProxy(m_drawing);
+    // The card keeps its height while it shows its table.
+    QSizePolicy policy = sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    setSizePolicy(policy);
     applyTheme();
 }
 
