@@ -90,9 +90,15 @@ void KeyboardLayoutsTest::everyKeyIsReachedByArrows()
     QList<int> waiting{0};
     while (!waiting.isEmpty()) {
         const int from = waiting.takeFirst();
-        for (const Direction direction :
-             {Direction::Left, Direction::Right, Direction::Up, Direction::Down}) {
+        const QPointF center = layout.keys().at(from).boundingArea().center();
+        const QList<std::pair<Direction, QPointF>> ways{{Direction::Left, {-1, 0}},
+                                                        {Direction::Right, {1, 0}},
+                                                        {Direction::Up, {0, -1}},
+                                                        {Direction::Down, {0, 1}}};
+        for (const auto& [direction, way] : ways) {
             const int to = layout.neighbour(from, direction);
+            const QPointF moved = layout.keys().at(to).boundingArea().center() - center;
+            QVERIFY(to == from || QPointF::dotProduct(moved, way) > 0);
             if (reached.insert(to).second) {
                 waiting.append(to);
             }
