@@ -56,8 +56,8 @@ QString RankingView::describe(int row) const
 {
     const CountsModel::Row& shown = m_model->rows().at(row);
     const QString share = m_model->index(row, CountsModel::ShareColumn).data().toString();
-    const QString text = tr("%1, keys: %2 (%3 % of those listed)")
-                             .arg(shown.label, Format::count(shown.count), share);
+    const QString text =
+        tr("%1: %2 (%3 % of those listed)").arg(shown.label, Format::count(shown.count), share);
     return shown.toolTip.isEmpty() ? text : text + QLatin1Char('\n') + shown.toolTip;
 }
 
