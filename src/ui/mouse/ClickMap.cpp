@@ -270,11 +270,28 @@ void ClickMap::paintScreens(QPainter& painter) const
         painter.setBrush(Qt::NoBrush);
         painter.drawPath(shape);
         if (screens.size() > 1) {
-            painter.setPen(colours.text);
-            painter.drawText(outline.adjusted(Theme::Rhythm, Theme::Rhythm / 2, 0, 0),
-                             Qt::AlignLeft | Qt::AlignTop, ScreenPlaces::name(screen.place));
+            paintName(painter, screen.place);
         }
     }
+}
+
+void ClickMap::paintName(QPainter& painter, const QRectF& place) const
+{
+    constexpr int half = Theme::Rhythm / 2;
+    const Theme::Colours colours = Theme::colours(palette());
+    const QString name = ScreenPlaces::name(place);
+    const QSizeF size(painter.fontMetrics().horizontalAdvance(name) + 2 * half,
+                      painter.fontMetrics().height());
+    const QRectF label(toWidget(place.topLeft()) + QPointF(half, half), size);
+    // On a ground of its own: the density below may have any colour.
+    QColor ground = colours.card;
+    constexpr float opacity = 0.85F;
+    ground.setAlphaF(opacity);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(ground);
+    painter.drawRoundedRect(label, 2, 2);
+    painter.setPen(colours.text);
+    painter.drawText(label, Qt::AlignCenter, name);
 }
 
 void ClickMap::paintSpot(QPainter& painter) const

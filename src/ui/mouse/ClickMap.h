@@ -54,6 +54,7 @@ private:
     int legendHeight() const;
     QRectF placeOnWidget(const QRectF& place) const;
     void paintScreens(QPainter& painter) const;
+    void paintName(QPainter& painter, const QRectF& place) const;
     void paintSpot(QPainter& painter) const;
     void paintLegend(QPainter& painter) const;
 

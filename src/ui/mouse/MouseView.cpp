@@ -69,7 +69,7 @@ void MouseView::addTotals()
 {
     m_tiles = new FigureTiles(TileCount);
     auto* card =
-        addCard(new Card(QStringLiteral("mouseTotals"), tr("Mouse"), m_tiles, m_tiles->model()),
+        addCard(new Card(QStringLiteral("mouseTotals"), tr("Totals"), m_tiles, m_tiles->model()),
                 {.row = 0, .stretch = 0, .narrowHeight = 0});
     card->setTableOrder(CountsModel::NoColumn, Qt::AscendingOrder);
 }
@@ -180,13 +180,16 @@ void MouseView::showTotals(const QList<DayTotals>& days)
                                  .note = note,
                                  .inFull = {}};
     };
-    const double mean = daysMoved == 0 ? 0 : sum.inches / static_cast<double>(daysMoved);
-    m_tiles->setTiles(
-        {count(tr("Clicks"), sum.clicks), count(tr("Scroll steps"), sum.scrolls),
-         travel(tr("Travel"), sum.inches, {}),
-         travel(tr("Travel per day"), mean, tr("On %1 days moved").arg(Format::count(daysMoved))),
-         travel(tr("Longest day"), longest.totals.inches,
-                longest.day.isValid() ? Format::day(longest.day) : QString())});
+    QList<FigureTiles::Tile> tiles{count(tr("Clicks"), sum.clicks),
+                                   count(tr("Scroll steps"), sum.scrolls),
+                                   travel(tr("Travel"), sum.inches, {})};
+    if (daysMoved > 1) {
+        const double mean = sum.inches / static_cast<double>(daysMoved);
+        tiles.append(travel(tr("Travel per day"), mean,
+                            tr("Mean of %1 days").arg(Format::count(daysMoved))));
+        tiles.append(travel(tr("Longest day"), longest.totals.inches, Format::day(longest.day)));
+    }
+    m_tiles->setTiles(tiles);
 }
 
 QString MouseView::missingPositions() const

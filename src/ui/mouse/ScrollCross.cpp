@@ -101,23 +101,23 @@ ScrollCross::Arm ScrollCross::arm(Direction direction) const
         return {{0, -1},
                 {middle.x() - size.width() / 2, middle.y() - reach - above - size.height(),
                  size.width(), size.height()},
-                Qt::AlignHCenter | Qt::AlignBottom};
+                Qt::AlignHCenter};
     case Direction::Down:
         return {{0, 1},
                 {middle.x() - size.width() / 2, middle.y() + reach + above, size.width(),
                  size.height()},
-                Qt::AlignHCenter | Qt::AlignTop};
+                Qt::AlignHCenter};
     case Direction::Left:
         return {
             {-1, 0},
             {middle.x() - beyond - size.width(), middle.y() - half, size.width(), size.height()},
-            Qt::AlignRight | Qt::AlignVCenter};
+            Qt::AlignRight};
     case Direction::Right:
         break;
     }
     return {{1, 0},
             {middle.x() + beyond, middle.y() - half, size.width(), size.height()},
-            Qt::AlignLeft | Qt::AlignVCenter};
+            Qt::AlignLeft};
 }
 
 void ScrollCross::paintEvent(QPaintEvent*)
@@ -153,8 +153,10 @@ void ScrollCross::paintArm(QPainter& painter, Direction direction, qint64 larges
         painter.setBrush(colours.accent);
         painter.drawRoundedRect(bar(std::max(Rounding, length)), Rounding, Rounding);
     }
+    const QRectF upper(label.topLeft(), QSizeF(label.width(), label.height() / 2));
+    const int across = static_cast<int>(alignment) | Qt::AlignVCenter;
     painter.setPen(colours.text);
-    painter.drawText(label, static_cast<int>(alignment), figure(direction));
+    painter.drawText(upper, across, figure(direction));
     painter.setPen(colours.mutedText);
-    painter.drawText(label, static_cast<int>(alignment), name(direction));
+    painter.drawText(upper.translated(0, upper.height()), across, name(direction));
 }

@@ -30,9 +30,9 @@ private:
     /// Where the parts of one direction lie.
     struct Arm
     {
-        QPointF unit; ///< Towards it, of length 1.
-        QRectF label;
-        Qt::Alignment alignment;
+        QPointF unit;            ///< Towards it, of length 1.
+        QRectF label;            ///< Of two lines.
+        Qt::Alignment alignment; ///< Across, within the label.
     };
 
     Arm arm(Utils::ScrollDirection direction) const;

@@ -13,6 +13,7 @@ namespace {
 
 constexpr int BarHeight = 8;
 constexpr int UsualRows = 4;
+constexpr int HighestRow = 72;
 
 } // namespace
 
@@ -20,7 +21,7 @@ ShareBars::ShareBars(CountsModel* model, QWidget* parent)
     : QWidget(parent)
     , m_model(model)
 {
-    setMinimumHeight(UsualRows * rowHeight());
+    setMinimumHeight(UsualRows * leastRowHeight());
     connect(model, &QAbstractItemModel::dataChanged, this, &ShareBars::follow);
     connect(model, &QAbstractItemModel::rowsInserted, this, &ShareBars::follow);
     connect(model, &QAbstractItemModel::rowsRemoved, this, &ShareBars::follow);
@@ -35,12 +36,18 @@ void ShareBars::setEmptyText(const QString& text)
 QSize ShareBars::sizeHint() const
 {
     constexpr int characters = 24;
-    return {fontMetrics().averageCharWidth() * characters, UsualRows * rowHeight()};
+    return {fontMetrics().averageCharWidth() * characters, UsualRows * leastRowHeight()};
+}
+
+int ShareBars::leastRowHeight() const
+{
+    return fontMetrics().height() + BarHeight + Theme::Gap + Theme::Rhythm / 2;
 }
 
 int ShareBars::rowHeight() const
 {
-    return fontMetrics().height() + BarHeight + Theme::Gap + Theme::Rhythm / 2;
+    return std::clamp(height() / UsualRows, leastRowHeight(),
+                      std::max(HighestRow, leastRowHeight()));
 }
 
 QString ShareBars::figures(int row) const

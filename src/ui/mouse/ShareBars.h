@@ -24,6 +24,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    int leastRowHeight() const;
     int rowHeight() const;
     void follow();
     QString figures(int row) const;

@@ -14,6 +14,11 @@ QString translated(const char* text)
     return QCoreApplication::translate("SessionText", text);
 }
 
+QString fromTo(const QString& from, const QString& to)
+{
+    return translated(QT_TRANSLATE_NOOP("SessionText", "%1 to %2")).arg(from, to);
+}
+
 } // namespace
 
 QString SessionText::shortDay(const QDate& day)
@@ -40,12 +45,15 @@ QString SessionText::length(const BootSession& session, const QDateTime& now)
                : text;
 }
 
+QString SessionText::clocks(const BootSession& session)
+{
+    return fromTo(clock(session.start), clock(session.end));
+}
+
 QString SessionText::span(const BootSession& session)
 {
     const bool isOneDay = session.start.date() == session.end.date();
-    return translated(QT_TRANSLATE_NOOP("SessionText", "%1 to %2"))
-        .arg(isOneDay ? clock(session.start) : moment(session.start),
-             isOneDay ? clock(session.end) : moment(session.end));
+    return isOneDay ? clocks(session) : fromTo(moment(session.start), moment(session.end));
 }
 
 QString SessionText::describe(const BootSession& session, const QDateTime& now)

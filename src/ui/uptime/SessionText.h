@@ -17,6 +17,9 @@ QString clock(const QDateTime& time);
 /// "21 November 2026, 14:05".
 QString moment(const QDateTime& time);
 
+/// "08:12 to 23:40".
+QString clocks(const BootSession& session);
+
 /// "08:12 to 23:40", with the days where they differ.
 QString span(const BootSession& session);
 

@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr double HighestRow = 56;
+constexpr double HighestRow = 72;
 constexpr double LeastLength = 2;
 
 } // namespace
@@ -26,6 +26,7 @@ TimelineLayout::TimelineLayout(Lanes direction, int lanes, qint64 seconds, const
     }
     m_pitch = std::min(HighestRow, room.height() / lanes);
     m_plot.setHeight(m_pitch * lanes);
+    m_plot.moveCenter(room.center());
 }
 
 QRectF TimelineLayout::lane(int index) const

@@ -34,6 +34,14 @@ int hoursBetweenLabels(double length, int width)
     return DayHours / 2;
 }
 
+/// What lies over marks and leaves them to be seen.
+QColor faint(QColor colour)
+{
+    constexpr float strength = 0.14F;
+    colour.setAlphaF(strength);
+    return colour;
+}
+
 QString translated(const char* text)
 {
     return QCoreApplication::translate("TimelinePainter", text);
@@ -67,13 +75,15 @@ void TimelinePainter::paintRows()
 {
     const Theme::Colours colours = Theme::colours(m_look.palette);
     m_painter.setFont(m_look.caption);
+    m_painter.setPen(Qt::NoPen);
+    for (int row = 0; row < m_plan.laneCount(); ++row) {
+        m_painter.setBrush(row == m_look.hovered ? colours.hairline : colours.track);
+        const QRectF day = m_layout.bar(row, 0, m_plan.days().at(row).seconds);
+        m_painter.drawRoundedRect(day, Rounding, Rounding);
+    }
     paintRowHours();
     for (int row = 0; row < m_plan.laneCount(); ++row) {
-        const SessionDay& day = m_plan.days().at(row);
-        m_painter.setPen(Qt::NoPen);
-        m_painter.setBrush(row == m_look.hovered ? colours.hairline : colours.track);
-        m_painter.drawRoundedRect(m_layout.bar(row, 0, day.seconds), Rounding, Rounding);
-        for (const SessionPart& part : day.parts) {
+        for (const SessionPart& part : m_plan.days().at(row).parts) {
             paintPart(row, part);
         }
     }
@@ -98,7 +108,7 @@ void TimelinePainter::paintRowHours()
             continue;
         }
         const double x = m_layout.positionOf(static_cast<qint64>(hour) * HourSeconds);
-        m_painter.setPen(QPen(colours.grid, 1));
+        m_painter.setPen(QPen(faint(colours.text), 1));
         m_painter.drawLine(QPointF(x, plot.top()), QPointF(x, plot.bottom()));
         m_painter.setPen(colours.mutedText);
         const QString text = Format::hour(shown == 0 && hour > 0 ? DayHours : shown);
@@ -112,16 +122,27 @@ void TimelinePainter::paintRowLabels()
 {
     const QFontMetrics metrics(m_look.caption);
     m_painter.setPen(Theme::colours(m_look.palette).mutedText);
-    double free = -1; // Below which no label stands yet, from the last day upwards.
-    for (int row = m_plan.laneCount() - 1; row >= 0; --row) {
+    QList<QRectF> taken;
+    const auto paintLabel = [this, &metrics, &taken](int row) {
         const QRectF lane = m_layout.lane(row);
-        const double bottom = lane.center().y() + metrics.height() / 2.0;
-        if (free >= 0 && bottom > free) {
-            continue;
+        QRectF room(0, 0, lane.left() - Theme::Rhythm, metrics.height());
+        room.moveTop(lane.center().y() - room.height() / 2);
+        const bool isFree = std::none_of(taken.begin(), taken.end(), [&room](const QRectF& other) {
+            return other.intersects(room);
+        });
+        if (isFree) {
+            taken.append(room);
+            m_painter.drawText(room, Qt::AlignRight | Qt::AlignVCenter, m_plan.rowLabel(row));
         }
-        free = bottom - metrics.height();
-        m_painter.drawText(QRectF(0, free, lane.left() - Theme::Rhythm, metrics.height()),
-                           Qt::AlignRight | Qt::AlignVCenter, m_plan.rowLabel(row));
+    };
+    // Where there is no room for all, the odd days come first, then every so many from the last.
+    for (int row = 0; row < m_plan.laneCount(); ++row) {
+        if (m_plan.days().at(row).isShifted()) {
+            paintLabel(row);
+        }
+    }
+    for (int row = m_plan.laneCount() - 1; row >= 0; --row) {
+        paintLabel(row);
     }
 }
 
@@ -138,14 +159,15 @@ void TimelinePainter::paintPart(int row, const SessionPart& part)
         const double half = std::min(bar.height() / 2, 2 * GoingOn);
         paintGoingOn({bar.right() + half + 2, bar.center().y()}, {0, half}, {-half, 0});
     }
-    const QString text = SessionText::span(session) + QStringLiteral("   ") +
-                         SessionText::length(session, m_look.now);
     const QFontMetrics metrics(m_look.caption);
-    const bool hasRoom = bar.height() >= metrics.height() + Theme::Rhythm &&
-                         bar.width() >= metrics.horizontalAdvance(text) + 2 * Theme::Rhythm;
-    if (hasRoom) {
-        m_painter.setPen(Ramp::textOn(colours.accent));
-        m_painter.drawText(bar, Qt::AlignCenter, text);
+    const QString length = SessionText::length(session, m_look.now);
+    const QString span = SessionText::clocks(session) + QLatin1Char('\n') + length;
+    const double room = bar.width() - 2 * Theme::Rhythm;
+    m_painter.setPen(Ramp::textOn(colours.accent));
+    if (bar.height() >= 2 * metrics.height() && room >= metrics.size(0, span).width()) {
+        m_painter.drawText(bar, Qt::AlignCenter, span);
+    } else if (bar.height() >= metrics.height() && room >= metrics.horizontalAdvance(length)) {
+        m_painter.drawText(bar, Qt::AlignCenter, length);
     }
 }
 
@@ -164,10 +186,7 @@ void TimelinePainter::paintRaster()
     m_painter.fillRect(plot, colours.track);
     m_painter.drawImage(plot, m_look.raster);
     if (m_look.hovered >= 0) {
-        QColor shade = colours.text;
-        constexpr float strength = 0.2F;
-        shade.setAlphaF(strength);
-        m_painter.fillRect(m_layout.lane(m_look.hovered), shade);
+        m_painter.fillRect(m_layout.lane(m_look.hovered), faint(colours.text));
     }
     paintRasterHours();
     paintRasterDays();
@@ -184,7 +203,7 @@ void TimelinePainter::paintRasterHours()
     const int step = hoursBetweenLabels(plot.height(), 2 * metrics.height());
     for (int hour = 0; hour <= DayHours; hour += step) {
         const double y = m_layout.positionOf(static_cast<qint64>(hour) * HourSeconds);
-        m_painter.setPen(QPen(colours.grid, 1));
+        m_painter.setPen(QPen(faint(colours.text), 1));
         m_painter.drawLine(QPointF(plot.left(), y), QPointF(plot.right(), y));
         m_painter.setPen(colours.mutedText);
         m_painter.drawText(

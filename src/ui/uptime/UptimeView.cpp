@@ -4,7 +4,6 @@
 #include "base/Format.h"
 #include "ui/Card.h"
 #include "ui/CountsModel.h"
-#include "ui/FigureTiles.h"
 #include "ui/FiguresModel.h"
 #include "ui/TimeChart.h"
 #include "ui/uptime/SessionText.h"
@@ -16,6 +15,7 @@ namespace {
 
 constexpr int TileCount = 4;
 constexpr qint64 MsPerSecond = 1000;
+constexpr qint64 SecondsPerHour = 3600;
 
 FiguresModel::Column momentColumn(const QString& header)
 {
@@ -44,7 +44,7 @@ void UptimeView::addTotals()
 {
     m_tiles = new FigureTiles(TileCount);
     auto* card =
-        addCard(new Card(QStringLiteral("uptimeTotals"), tr("Uptime"), m_tiles, m_tiles->model()),
+        addCard(new Card(QStringLiteral("uptimeTotals"), tr("Totals"), m_tiles, m_tiles->model()),
                 {.row = 0, .stretch = 0, .narrowHeight = 0});
     card->setTableOrder(CountsModel::NoColumn, Qt::AscendingOrder);
 }
@@ -121,32 +121,43 @@ void UptimeView::showTotals(const Answer& answer)
         seconds += day.totals.uptimeMs / MsPerSecond;
         daysOn += day.totals.uptimeMs > 0 ? 1 : 0;
     }
-    const QDateTime now = QDateTime::currentDateTime();
-    qint64 boots = 0;
-    FigureTiles::Tile longest{
+    const auto boots = std::count_if(
+        answer.plan.sessions().begin(), answer.plan.sessions().end(),
+        [&answer](const BootSession& session) { return session.start.date() >= answer.first; });
+    QList<FigureTiles::Tile> tiles{
+        {.caption = tr("Time on"),
+         .figure = Format::duration(seconds),
+         .note = tr("Without time asleep"),
+         .inFull = tr("%1 h").arg(Format::count(seconds / SecondsPerHour))},
+        longestSession(answer.plan.sessions()),
+        {.caption = tr("Boots"), .figure = Format::count(boots), .note = {}, .inFull = {}}};
+    if (daysOn > 1) {
+        tiles.append({.caption = tr("Time on per day"),
+                      .figure = Format::duration(seconds / daysOn),
+                      .note = tr("Mean of %1 days").arg(Format::count(daysOn)),
+                      .inFull = {}});
+    }
+    m_tiles->setTiles(tiles);
+}
+
+FigureTiles::Tile UptimeView::longestSession(const QList<BootSession>& sessions)
+{
+    FigureTiles::Tile tile{
         .caption = tr("Longest session"), .figure = Format::duration(0), .note = {}, .inFull = {}};
-    qint64 longestSeconds = -1;
-    for (const BootSession& session : answer.plan.sessions()) {
-        boots += session.start.date() >= answer.first ? 1 : 0;
-        const qint64 length = session.start.secsTo(session.end);
-        if (length > longestSeconds) {
-            longestSeconds = length;
-            longest.figure = Format::duration(length);
-            longest.note = SessionDays::isRunning(session, now)
-                               ? tr("Going on since %1").arg(Format::day(session.start.date()))
-                               : tr("From %1").arg(Format::day(session.start.date()));
-            longest.inFull = SessionText::span(session);
+    const QDateTime now = QDateTime::currentDateTime();
+    qint64 longest = -1;
+    for (const BootSession& session : sessions) {
+        const qint64 seconds = session.start.secsTo(session.end);
+        if (seconds > longest) {
+            longest = seconds;
+            const QString day = Format::day(session.start.date());
+            tile.figure = Format::duration(seconds);
+            tile.note = SessionDays::isRunning(session, now) ? tr("Going on since %1").arg(day)
+                                                             : tr("From %1").arg(day);
+            tile.inFull = SessionText::span(session);
         }
     }
-    const qint64 mean = daysOn == 0 ? 0 : seconds / daysOn;
-    m_tiles->setTiles(
-        {{.caption = tr("Total"), .figure = Format::duration(seconds), .note = {}, .inFull = {}},
-         longest,
-         {.caption = tr("Boots"), .figure = Format::count(boots), .note = {}, .inFull = {}},
-         {.caption = tr("Mean per day"),
-          .figure = Format::duration(mean),
-          .note = tr("On %1 days with uptime").arg(Format::count(daysOn)),
-          .inFull = {}}});
+    return tile;
 }
 
 void UptimeView::showSessions(const SessionPlan& plan)

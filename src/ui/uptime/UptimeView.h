@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "ui/FigureTiles.h"
 #include "ui/View.h"
 #include "ui/uptime/SessionPlan.h"
 
-class FigureTiles;
 class FiguresModel;
 class SessionTimeline;
 class TimeChart;
@@ -38,6 +38,7 @@ private:
     void addDays();
     bool showAnswer(const Answer& answer);
     void showTotals(const Answer& answer);
+    static FigureTiles::Tile longestSession(const QList<BootSession>& sessions);
     void showSessions(const SessionPlan& plan);
     void showDays(const Answer& answer);
 

@@ -96,7 +96,7 @@ void MouseViewTest::showsWhatWasCounted()
                             "Clicks\t100\t\n"
                             "Scroll steps\t20\t\n"
                             "Travel\t33.3 ft\t\n"
-                            "Travel per day\t16.7 ft\tOn 2 days moved\n"
+                            "Travel per day\t16.7 ft\tMean of 2 days\n"
                             "Longest day\t25 ft\t20 November 2026\n"));
     QCOMPARE(table(view, "Button"), QStringLiteral("Left 30, Right 0, Middle 0, Other 10"));
     QCOMPARE(table(view, "Direction"), QStringLiteral("Up 5, Down 15, Left 0, Right 0"));

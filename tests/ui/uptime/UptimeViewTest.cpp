@@ -65,11 +65,11 @@ void UptimeViewTest::showsWhatWasCounted()
     QTRY_VERIFY(tiles->isVisible());
     QCOMPARE(TableText::tabbed(*tiles->model()),
              QStringLiteral("Figure\tValue\tRemark\n"
-                            "Total\t2 h\t\n"
+                            "Time on\t2 h\tWithout time asleep\n"
                             "Longest session\t17 November 2026, 22:00 to 19 November 2026, 06:00\t"
                             "From 17 November 2026\n"
                             "Boots\t2\t\n"
-                            "Mean per day\t1 h\tOn 2 days with uptime\n"));
+                            "Time on per day\t1 h\tMean of 2 days\n"));
 }
 
 void UptimeViewTest::saysThatThereIsNothing()
