@@ -8,9 +8,12 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 #include <optional>
 
+class HistorySource;
+class RawHistory;
 class ReadingConnection;
 
 /// Answers what was counted over any days, for the views.
@@ -73,6 +76,12 @@ public:
     const QSqlDatabase& connection();
 
 private:
+    using Add = std::function<bool(HistorySource& source, const HistoryScope& part)>;
+
+    /// Runs `add` for parts of `scope` that together are all of it.
+    bool collect(const HistoryScope& scope, const Add& add);
+
     QString m_databaseFile;
     std::unique_ptr<ReadingConnection> m_connection;
+    std::unique_ptr<RawHistory> m_raw; ///< After the connection that it reads.
 };

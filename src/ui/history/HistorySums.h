@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "ui/history/HistoryTypes.h"
+
+#include <QDate>
+#include <QHash>
+#include <QString>
+
+#include <map>
+#include <utility>
+
+/// What `Totals` are summed by.
+enum class TotalsBy
+{
+    Nothing,
+    Day,      ///< Julian days.
+    Hour,     ///< 0 to 23.
+    WeekHour, ///< See `weekHourSlot`.
+};
+
+constexpr int HoursOfDay = 24;
+
+/// 0 is Monday's first hour, 167 Sunday's last.
+constexpr int weekHourSlot(qint64 julianDay, int hour)
+{
+    constexpr int daysOfWeek = 7;
+    return static_cast<int>(julianDay % daysOfWeek) * HoursOfDay + hour;
+}
+
+/// The group that counts of an hour belong to.
+constexpr qint64 totalsGroup(TotalsBy by, qint64 julianDay, int hour)
+{
+    switch (by) {
+    case TotalsBy::Nothing:
+        return 0;
+    case TotalsBy::Day:
+        return julianDay;
+    case TotalsBy::Hour:
+        return hour;
+    case TotalsBy::WeekHour:
+        return weekHourSlot(julianDay, hour);
+    }
+    return 0;
+}
+
+using TotalsSums = std::map<qint64, Totals>; ///< By group; see `TotalsBy`.
+using NumberSums = QHash<int, qint64>;
+using TextSums = QHash<QString, qint64>;
+using CellSums = QHash<std::pair<int, int>, qint64>; ///< By column and row.
+
+/// What was counted in one application.
+struct ApplicationCounts
+{
+    qint64 keys = 0;
+    qint64 clicks = 0;
+    qint64 scrolls = 0;
+    double inches = 0;
+    qint64 frontSeconds = 0;
+
+    ApplicationCounts& operator+=(const ApplicationCounts& other)
+    {
+        keys += other.keys;
+        clicks += other.clicks;
+        scrolls += other.scrolls;
+        inches += other.inches;
+        frontSeconds += other.frontSeconds;
+        return *this;
+    }
+
+    friend bool operator==(const ApplicationCounts&, const ApplicationCounts&) = default;
+};
+
+using ApplicationSums = QHash<QString, ApplicationCounts>; ///< By path.
+using ApplicationDaySums = std::map<std::pair<QDate, QString>, ApplicationCounts>;
