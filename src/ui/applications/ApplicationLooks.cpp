@@ -17,6 +17,7 @@ ApplicationLooks::ApplicationLooks(const ViewContext& context, QObject* parent)
     : QObject(parent)
     , m_context(context)
     , m_general(Icons::symbol(QStringLiteral("application")))
+    , m_excluded(Icons::symbol(QStringLiteral("off")))
 {
     m_timer.setSingleShot(true);
     m_timer.setInterval(0);

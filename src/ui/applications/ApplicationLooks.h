@@ -24,6 +24,9 @@ public:
     /// The icon to show: a general one until the application's own is found, or where it has none.
     QIcon icon(const QString& path) const;
 
+    /// The icon of whatever is excluded from counting.
+    const QIcon& excludedIcon() const { return m_excluded; }
+
     /// Has name and icon found, which `found` tells.
     void want(const QString& path);
 
@@ -41,6 +44,7 @@ private:
 
     ViewContext m_context;
     QIcon m_general;
+    QIcon m_excluded;
     QHash<QString, Look> m_looks;
     QStringList m_wanted; ///< The last one first.
     QTimer m_timer;

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 #include <utility>
 
 namespace {
@@ -265,6 +266,9 @@ QVariant ApplicationsModel::data(const QModelIndex& index, int role) const
         if (index.column() != NameColumn) {
             return {};
         }
+        if (isExcluded(row.totals.path)) {
+            return m_looks.excludedIcon();
+        }
         m_looks.want(row.totals.path);
         return m_looks.icon(row.totals.path);
     case Qt::ToolTipRole:
@@ -354,7 +358,8 @@ QString ApplicationsModel::toolTip(const Row& row, int column) const
     case TravelColumn:
         return Format::length(row.totals.inches, m_lengths);
     case FrontColumn:
-        return Format::duration(row.totals.frontSeconds);
+        return tr("%1, %2 % of all listed")
+            .arg(Format::duration(row.totals.frontSeconds), shareOfFront(row));
     case RunningColumn:
         return Format::duration(row.totals.runningSeconds);
     case LastUsedColumn:
@@ -365,6 +370,17 @@ QString ApplicationsModel::toolTip(const Row& row, int column) const
     default:
         return {};
     }
+}
+
+QString ApplicationsModel::shareOfFront(const Row& row) const
+{
+    constexpr double percent = 100;
+    const double all =
+        std::accumulate(m_rows.begin(), m_rows.end(), 0.0, [](double sum, const Row& other) {
+            return sum + static_cast<double>(other.totals.frontSeconds);
+        });
+    const double share = all > 0 ? percent * static_cast<double>(row.totals.frontSeconds) / all : 0;
+    return QString::number(share, 'f', 1);
 }
 
 QString ApplicationsModel::note(const Row& row) const

@@ -89,6 +89,7 @@ private:
     QString text(const Row& row, int column) const;
     QVariant raw(const Row& row, int column) const;
     QString toolTip(const Row& row, int column) const;
+    QString shareOfFront(const Row& row) const;
     QString note(const Row& row) const;
     QString header(int column) const;
     QString headerOfRaw(int column) const;

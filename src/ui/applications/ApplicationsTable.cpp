@@ -22,6 +22,7 @@
 namespace {
 
 constexpr int LeastNameWidth = 17 * Theme::Rhythm;
+constexpr int MostNameWidth = 40 * Theme::Rhythm;
 constexpr int IconSize = 16;
 
 } // namespace
@@ -62,49 +63,57 @@ QStringList ApplicationsTable::selectedPaths() const
 
 void ApplicationsTable::fitColumns()
 {
-    constexpr auto figures = ApplicationsModel::PathColumn - ApplicationsModel::KeysColumn;
+    constexpr int figures = ApplicationsModel::PathColumn - ApplicationsModel::KeysColumn;
     std::array<int, figures> widths{};
-    const auto fit = [this, &widths](int padding) {
+    const auto fit = [this, &widths](int padding, int grid) {
         int column = ApplicationsModel::KeysColumn;
         for (int& width : widths) {
-            // On the grid, so that a digit more seldom moves the columns.
-            const int steps = (textWidth(column++) + padding + Theme::Rhythm - 1) / Theme::Rhythm;
-            width = steps * Theme::Rhythm;
+            width = (neededWidth(column++, padding) + grid - 1) / grid * grid;
         }
         return view()->viewport()->width() - std::accumulate(widths.begin(), widths.end(), 0);
     };
-    int left = fit(Theme::Gap);
+    // On a grid, so that a digit more seldom moves the columns, unless there is little room.
+    int left = fit(Theme::Gap, Theme::Rhythm);
     if (left < LeastNameWidth) {
-        left = fit(Theme::Rhythm);
+        left = fit(Theme::Rhythm, 1);
     }
+    // Where there is much, figures stay near their names.
+    const int more = std::max(0, left - MostNameWidth) / figures;
     QHeaderView& header = *view()->horizontalHeader();
-    header.resizeSection(ApplicationsModel::NameColumn, std::max(LeastNameWidth, left));
+    header.resizeSection(ApplicationsModel::NameColumn,
+                         std::max(LeastNameWidth, left - more * figures));
     int column = ApplicationsModel::KeysColumn;
     for (const int width : widths) {
-        header.resizeSection(column++, width);
+        header.resizeSection(column++, width + more);
     }
 }
 
-int ApplicationsTable::textWidth(int column) const
+int ApplicationsTable::neededWidth(int column, int padding) const
 {
-    constexpr int sortArrow = 2 * Theme::Rhythm;
+    constexpr int sortArrow = 26; // With its margins.
     const QFontMetrics metrics = view()->fontMetrics();
     const QString header = m_model.headerData(column, Qt::Horizontal).toString();
-    const int width = metrics.size(0, header).width() + sortArrow;
+    return std::max(metrics.size(0, header).width() + sortArrow,
+                    metrics.horizontalAdvance(longestText(column)) + padding);
+}
+
+QString ApplicationsTable::longestText(int column) const
+{
+    const QFontMetrics metrics = view()->fontMetrics();
     if (column == ApplicationsModel::LastUsedColumn) {
-        return std::max({width, metrics.horizontalAdvance(QStringLiteral("2026-08-28")),
-                         metrics.horizontalAdvance(tr("Today %1").arg(QStringLiteral("08:08")))});
+        const QString today = tr("Today %1").arg(QStringLiteral("08:08"));
+        const QString day = QStringLiteral("2026-08-28");
+        return metrics.horizontalAdvance(today) > metrics.horizontalAdvance(day) ? today : day;
     }
     if (m_model.rowCount() == 0) {
-        return width;
+        return {};
     }
     // The largest number is the longest, whatever its digits: they are equally wide.
     int largest = 0;
     for (int row = 1; row < m_model.rowCount(); ++row) {
         largest = m_model.compare(row, largest, column) > 0 ? row : largest;
     }
-    return std::max(width,
-                    metrics.horizontalAdvance(m_model.index(largest, column).data().toString()));
+    return m_model.index(largest, column).data().toString();
 }
 
 void ApplicationsTable::changeEvent(QEvent* event)

@@ -36,7 +36,8 @@ protected:
 
 private:
     void fitColumns();
-    int textWidth(int column) const;
+    int neededWidth(int column, int padding) const;
+    QString longestText(int column) const;
     void copyPaths() const;
 
     ApplicationsModel& m_model;

@@ -232,9 +232,9 @@ void ApplicationsView::confirmExclusion(const QStringList& paths)
     box->setObjectName(QStringLiteral("confirmExclusion"));
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->setTextFormat(Qt::PlainText);
-    box->setInformativeText(tr("From now on, nothing is counted per application there. Keys, "
-                               "clicks and travel still count in the totals, and what was counted "
-                               "before stays. You can count it again at any time."));
+    box->setInformativeText(tr("From now on, what you do there is not counted per application. "
+                               "Keys, clicks and travel still count in the totals, and what was "
+                               "counted before stays. This can be undone at any time."));
     const QPushButton* exclude =
         box->addButton(tr("Exclude from counting"), QMessageBox::AcceptRole);
     connect(exclude, &QPushButton::clicked, this, [this, paths] {

@@ -133,6 +133,10 @@ void ApplicationsTest::sortsByRawValues()
                                  application(QStringLiteral("d"), 1'000'000, 60),
                                  application(QStringLiteral("a"), 8, 60),
                                  application(QStringLiteral("B"), 9'000, 60)});
+    QVERIFY(shown.model.index(0, ApplicationsModel::FrontColumn)
+                .data(Qt::ToolTipRole)
+                .toString()
+                .contains(QStringLiteral("25.0 %")));
     shown.sortBy(column, order);
     QCOMPARE(shown.names().join(QString()), expected);
 }
