@@ -2,36 +2,13 @@
 #include "ui/applications/ApplicationsModel.h"
 
 #include "ui/applications/ApplicationLooks.h"
+#include "ui/applications/ApplicationTexts.h"
 
 #include <algorithm>
-#include <cmath>
 #include <numeric>
 #include <utility>
 
 namespace {
-
-constexpr double InchesPerMetre = 100 / 2.54;
-constexpr double InchesPerFoot = 12;
-
-/// "12,345:06", hours and minutes.
-QString hoursAndMinutes(qint64 seconds)
-{
-    constexpr qint64 minute = 60;
-    constexpr qint64 hour = 60 * minute;
-    if (seconds > 0 && seconds < minute) {
-        return QStringLiteral("< 0:01");
-    }
-    return QStringLiteral("%1:%2")
-        .arg(Format::count(seconds / hour))
-        .arg(seconds % hour / minute, 2, 10, QLatin1Char('0'));
-}
-
-QString timeOfDay(const QDateTime& time)
-{
-    constexpr int dayLength = 11;
-    constexpr int minutesLength = 5;
-    return Format::isoDateTime(time).mid(dayLength, minutesLength);
-}
 
 template <typename Value>
 int order(const Value& one, const Value& other)
@@ -261,7 +238,9 @@ QVariant ApplicationsModel::data(const QModelIndex& index, int role) const
     const bool isText = index.column() == NameColumn || index.column() == PathColumn;
     switch (role) {
     case Qt::DisplayRole:
-        return text(row, index.column());
+        return index.column() == NameColumn
+                   ? row.name
+                   : ApplicationTexts::cell(row.totals, index.column(), m_lengths);
     case Qt::DecorationRole:
         if (index.column() != NameColumn) {
             return {};
@@ -275,74 +254,20 @@ QVariant ApplicationsModel::data(const QModelIndex& index, int role) const
         return toolTip(row, index.column());
     case Qt::TextAlignmentRole:
         return QVariant::fromValue((isText ? Qt::AlignLeft : Qt::AlignRight) | Qt::AlignVCenter);
-    case Qt::AccessibleTextRole: {
-        const QString grey = index.column() == NameColumn ? note(row) : QString();
-        return grey.isEmpty() ? text(row, index.column())
-                              : QStringLiteral("%1, %2").arg(row.name, grey);
-    }
+    case Qt::AccessibleTextRole:
+        return index.column() == NameColumn && !note(row).isEmpty()
+                   ? QStringLiteral("%1, %2").arg(row.name, note(row))
+                   : index.data().toString();
     case SortRole:
-        return raw(row, index.column());
+        return index.column() == NameColumn
+                   ? QVariant(row.name)
+                   : ApplicationTexts::raw(row.totals, index.column(), m_lengths);
     case NoteRole:
         return note(row);
     case ExcludedRole:
         return isExcluded(row.totals.path);
     default:
         return {};
-    }
-}
-
-QString ApplicationsModel::text(const Row& row, int column) const
-{
-    const ApplicationTotals& totals = row.totals;
-    switch (column) {
-    case NameColumn:
-        return row.name;
-    case TravelColumn: {
-        constexpr double half = 0.5;
-        const double length = travel(row);
-        return length > 0 && length < half ? QStringLiteral("< 1")
-                                           : Format::count(std::llround(length));
-    }
-    case FrontColumn:
-        return hoursAndMinutes(totals.frontSeconds);
-    case RunningColumn:
-        return hoursAndMinutes(totals.runningSeconds);
-    case LastUsedColumn:
-        if (!totals.lastUsed.isValid()) {
-            return {};
-        }
-        return totals.lastUsed.date() == QDate::currentDate()
-                   ? tr("Today %1").arg(timeOfDay(totals.lastUsed))
-                   : Format::isoDay(totals.lastUsed.date());
-    case PathColumn:
-        return totals.path;
-    default:
-        return Format::count(raw(row, column).toLongLong());
-    }
-}
-
-QVariant ApplicationsModel::raw(const Row& row, int column) const
-{
-    const ApplicationTotals& totals = row.totals;
-    switch (column) {
-    case NameColumn:
-        return row.name;
-    case KeysColumn:
-        return totals.keys;
-    case ClicksColumn:
-        return totals.clicks;
-    case ScrollsColumn:
-        return totals.scrolls;
-    case TravelColumn:
-        return travel(row);
-    case FrontColumn:
-        return totals.frontSeconds;
-    case RunningColumn:
-        return totals.runningSeconds;
-    case LastUsedColumn:
-        return totals.lastUsed.isValid() ? Format::isoDateTime(totals.lastUsed) : QString();
-    default:
-        return totals.path;
     }
 }
 
@@ -363,10 +288,7 @@ QString ApplicationsModel::toolTip(const Row& row, int column) const
     case RunningColumn:
         return Format::duration(row.totals.runningSeconds);
     case LastUsedColumn:
-        return row.totals.lastUsed.isValid() ? tr("%1 at %2")
-                                                   .arg(Format::day(row.totals.lastUsed.date()),
-                                                        timeOfDay(row.totals.lastUsed))
-                                             : tr("Not known");
+        return ApplicationTexts::lastUsed(row.totals.lastUsed);
     default:
         return {};
     }
@@ -395,12 +317,6 @@ QString ApplicationsModel::note(const Row& row) const
     return parts.join(QStringLiteral(" · "));
 }
 
-double ApplicationsModel::travel(const Row& row) const
-{
-    return row.totals.inches /
-           (m_lengths == Format::Lengths::Metric ? InchesPerMetre : InchesPerFoot);
-}
-
 QVariant ApplicationsModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
     if (orientation != Qt::Horizontal || section < 0 || section >= ColumnCount) {
@@ -409,9 +325,9 @@ QVariant ApplicationsModel::headerData(int section, Qt::Orientation orientation,
     const bool isText = section == NameColumn || section == PathColumn;
     switch (role) {
     case Qt::DisplayRole:
-        return header(section);
+        return ApplicationTexts::header(section, m_lengths);
     case SortRole:
-        return headerOfRaw(section);
+        return ApplicationTexts::headerOfRaw(section, m_lengths);
     case Qt::TextAlignmentRole:
         return QVariant::fromValue((isText ? Qt::AlignLeft : Qt::AlignRight) | Qt::AlignVCenter);
     case Qt::ToolTipRole:
@@ -421,43 +337,5 @@ QVariant ApplicationsModel::headerData(int section, Qt::Orientation orientation,
                                           : QVariant();
     default:
         return {};
-    }
-}
-
-QString ApplicationsModel::header(int column) const
-{
-    switch (column) {
-    case NameColumn:
-        return tr("Application");
-    case KeysColumn:
-        return tr("Keys");
-    case ClicksColumn:
-        return tr("Clicks");
-    case ScrollsColumn:
-        return tr("Scrolls");
-    case TravelColumn:
-        return m_lengths == Format::Lengths::Metric ? tr("Travel\nm") : tr("Travel\nft");
-    case FrontColumn:
-        return tr("In front\nh:min");
-    case RunningColumn:
-        return tr("Running\nh:min");
-    case LastUsedColumn:
-        return tr("Last used");
-    default:
-        return tr("Path");
-    }
-}
-
-QString ApplicationsModel::headerOfRaw(int column) const
-{
-    switch (column) {
-    case TravelColumn:
-        return m_lengths == Format::Lengths::Metric ? tr("Travel (m)") : tr("Travel (ft)");
-    case FrontColumn:
-        return tr("Time in front (s)");
-    case RunningColumn:
-        return tr("Running time since counting began (s)");
-    default:
-        return header(column);
     }
 }

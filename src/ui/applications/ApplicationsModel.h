@@ -86,14 +86,9 @@ private:
     void countNames();
     void showLooks(const QStringList& paths);
 
-    QString text(const Row& row, int column) const;
-    QVariant raw(const Row& row, int column) const;
     QString toolTip(const Row& row, int column) const;
     QString shareOfFront(const Row& row) const;
     QString note(const Row& row) const;
-    QString header(int column) const;
-    QString headerOfRaw(int column) const;
-    double travel(const Row& row) const;
 
     ApplicationLooks& m_looks;
     QCollator m_collator;
