@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr int LeastNoteWidth = 5 * Theme::Rhythm; ///< Below it, a note would only be an ellipsis.
+constexpr int LeastNoteWidth = 8 * Theme::Rhythm; ///< Below it, a note would only be an ellipsis.
 
 } // namespace
 
