@@ -207,6 +207,9 @@ void Application::slotStartupDelayed()
     applySettings(false);
     m_collector->start();
     Q_EMIT refreshTrayIcon();
+    connect(m_database.get(), &Database::damageFound, this, &Application::clientRestart,
+            Qt::QueuedConnection);
+    m_database->checkInBackground();
     // Qt ends the process from within its event loop when the display goes away. Registered this
     // late, so that it runs before what was made up to here is destroyed.
     std::atexit(&Application::leaveWithoutDisplay);
