@@ -180,12 +180,11 @@ std::map<int, History::Spent> History::spentIn(const PowerPeriod& period, int ho
 void History::count(QDate day, int hour, int profile, const Spent& spent)
 {
     constexpr int msecPerMinute = 60'000;
-    constexpr int fullHour = 3'600'000;
     HourCounts counts;
     counts.day = day;
     counts.hour = hour;
     counts.profile = profile;
-    counts.msecOn = std::min(fullHour, spent.on * msecPerMinute + m_random.between(-900, 900));
+    counts.msecOn = spent.on * msecPerMinute - m_random.between(0, 900);
     for (const auto& [activity, minutes] : spent.active) {
         m_habits.spend(activity, minutes, counts);
     }
