@@ -2,7 +2,9 @@
 // What a tick of the collector costs: with nothing to write, and with a busy minute of 200 distinct
 // keys in one application. Beside each stands what SQLite alone takes for the same work. The time
 // of a busy tick is mostly the disk's: with TMPDIR on a RAM disk it shows the program's own share.
+// With TALLYVANE_HISTORY the client counts into a copy of that database; the references stay.
 #include "account/LocalStats.h"
+#include "bench/DataDirectory.h"
 #include "profiles/ProfileManager.h"
 #include "stats/Collector.h"
 #include "stats/KeypressesStat.h"
@@ -45,7 +47,7 @@ struct Client
     }
 
     TestPrompts prompts;
-    QTemporaryDir directory;
+    DataDirectory directory;
     Database database{directory.path(), prompts};
     LocalStats totals;
     ProfileManager profiles;
