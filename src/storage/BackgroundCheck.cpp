@@ -6,11 +6,26 @@
 
 #include <QThread>
 
+#include <linux/ioprio.h>
+#include <sys/resource.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
 namespace {
 
 /// Within the seconds that a check takes, few changes move pages of the file: three checks in a row
 /// hardly ever meet one.
 constexpr int MostAttempts = 3;
+
+/// Lets everyone else have the processor and the disk first: a client that starts with the session
+/// is not alone. Both calls concern the calling thread only, see setpriority(2) and ioprio_set(2);
+/// where one is refused, the check is merely less polite.
+void stepBack()
+{
+    constexpr int nicest = 19;
+    (void)::setpriority(PRIO_PROCESS, 0, nicest);
+    (void)::syscall(SYS_ioprio_set, IOPRIO_WHO_PROCESS, 0, IOPRIO_PRIO_VALUE(IOPRIO_CLASS_IDLE, 0));
+}
 
 } // namespace
 
@@ -40,11 +55,12 @@ void BackgroundCheck::start()
 {
     m_thread.reset(QThread::create([this] { check(); }));
     QObject::connect(m_thread.get(), &QThread::finished, this, &BackgroundCheck::end);
-    m_thread->start(QThread::LowPriority);
+    m_thread->start();
 }
 
 void BackgroundCheck::check()
 {
+    stepBack();
     for (int attempt = 0; attempt < MostAttempts; ++attempt) {
         // A new connection each time, since it keeps what it has read.
         const ReadingConnection connection(m_databaseFile, ReadingConnection::Locking::None);

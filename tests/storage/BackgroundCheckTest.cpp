@@ -40,6 +40,7 @@ class BackgroundCheckTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void initTestCase();
     void init();
 
     void cleanup() { m_test.reset(); }
@@ -53,21 +54,32 @@ private Q_SLOTS:
 private:
     QString file() const { return m_test->directory() + QStringLiteral("/tallyvane.db"); }
 
+    QTemporaryDir m_directory{fastTemporaryDirectory()};
+    const QString m_large = m_directory.filePath(QStringLiteral("large.db"));
     std::unique_ptr<TestDatabase> m_test;
 };
 
-/// A closed database of some 40 MiB, and a ".backup" of it that is due to be refreshed.
+/// Some 40 MiB.
+void BackgroundCheckTest::initTestCase()
+{
+    const TestDatabase test;
+    QVERIFY(test.exec(QStringLiteral(
+        "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 90000) "
+        "INSERT INTO applications (path, name) SELECT '/opt/' || i, hex(randomblob(200)) FROM n")));
+    QVERIFY(test.database()->getDatabaseFileSize() > Database::LargestCheckedAtOpening);
+    QVERIFY(QFile::copy(test.database()->getDatabaseFileName(), m_large));
+}
+
+/// A closed large database, and a ".backup" of it that is due to be refreshed.
 void BackgroundCheckTest::init()
 {
     m_test = std::make_unique<TestDatabase>();
-    QVERIFY(m_test->exec(QStringLiteral(
-        "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 90000) "
-        "INSERT INTO applications (path, name) SELECT '/opt/' || i, hex(randomblob(200)) FROM n")));
-    QVERIFY(m_test->database()->getDatabaseFileSize() > Database::LargestCheckedAtOpening);
     m_test->close();
     const QString backup = file() + QStringLiteral(".backup");
     QFile::remove(backup);
-    QVERIFY(QFile::copy(file(), backup));
+    QVERIFY(QFile::remove(file()));
+    QVERIFY(QFile::copy(m_large, file()));
+    QVERIFY(QFile::copy(m_large, backup));
     makeOld(backup);
 }
 
