@@ -22,8 +22,9 @@ constexpr int MostAttempts = 3;
 /// where one is refused, the check is merely less polite.
 void stepBack()
 {
-    constexpr int nicest = 19;
-    (void)::setpriority(PRIO_PROCESS, 0, nicest);
+    // Not the lowest priority: a busy machine shall not put the check off for ever.
+    constexpr int niceness = 5;
+    (void)::setpriority(PRIO_PROCESS, 0, niceness);
     (void)::syscall(SYS_ioprio_set, IOPRIO_WHO_PROCESS, 0, IOPRIO_PRIO_VALUE(IOPRIO_CLASS_IDLE, 0));
 }
 
