@@ -218,6 +218,9 @@ void Application::slotStartupDelayed()
     connect(m_milestones, &Milestones::signalNeedTrayIconMessage, this,
             &Application::slotNeedTrayIconMessage);
     m_milestones->refreshSettings(Milestones::All);
+    connect(m_database.get(), &Database::damageFound, this, &Application::clientRestart,
+            Qt::QueuedConnection);
+    m_database->checkInBackground();
     // Qt ends the process from within its event loop when the display goes away. Registered this
     // late, so that it runs before what was made up to here is destroyed.
     std::atexit(&Application::leaveWithoutDisplay);

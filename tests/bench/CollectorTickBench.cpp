@@ -4,7 +4,9 @@
 // scrolling and travel among 20 applications. Beside them stands what SQLite alone takes for the
 // same work. The time of a busy tick is mostly the disk's: with TMPDIR on a RAM disk it shows the
 // program's own share.
+// With TALLYVANE_HISTORY the client counts into a copy of that database; the references stay.
 #include "account/LocalStats.h"
+#include "bench/DataDirectory.h"
 #include "profiles/ProfileManager.h"
 #include "stats/AllStats.h"
 #include "stats/Collector.h"
@@ -57,7 +59,7 @@ struct Client
     }
 
     TestPrompts prompts;
-    QTemporaryDir directory;
+    DataDirectory directory;
     Database database{directory.path(), prompts};
     LocalStats totals;
     ProfileManager profiles;
