@@ -3,6 +3,7 @@
 
 #include "account/LocalStats.h"
 #include "account/ProxySettings.h"
+#include "app/CountingSwitch.h"
 #include "app/MainWindowHost.h"
 #include "app/PortableMode.h"
 #include "app/ProfileWiring.h"
@@ -15,7 +16,6 @@
 #include "profiles/ProfileManager.h"
 #include "stats/AllStats.h"
 #include "stats/Collector.h"
-#include "stats/Stat.h"
 #include "storage/Database.h"
 #include "storage/MousePointPruning.h"
 #include "storage/Settings.h"
@@ -23,7 +23,6 @@
 #include "system/Autostart.h"
 #include "system/CachedSystem.h"
 #include "system/CommonSystem.h"
-#include "system/InputAccess.h"
 #include "system/PowerMonitor.h"
 #include "ui/Theme.h"
 #include "ui/TodayQuery.h"
@@ -163,6 +162,8 @@ void Application::prepareCounting()
     watchForSleep();
     QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/tallyvane-logo.ico")));
     AllStats::addTo(*m_collector, m_system.get(), this);
+    m_counting = new CountingSwitch(*m_database, *m_collector, *m_system, this);
+    connect(m_counting, &CountingSwitch::pausedChanged, this, &Application::refreshTrayIcon);
 }
 
 void Application::watchForSleep()
@@ -186,8 +187,8 @@ void Application::prepareTray()
     m_tray = new TrayIcon(
         [this] { return TodayQuery::keys(m_database->connection(), QDate::currentDate()); }, this);
     connect(m_tray, &TrayIcon::openRequested, this, &Application::openMainWindow);
-    connect(m_tray, &TrayIcon::pauseRequested, this, &Application::pauseCounting);
-    connect(m_tray, &TrayIcon::resumeRequested, this, &Application::resumeCounting);
+    connect(m_tray, &TrayIcon::pauseRequested, m_counting, &CountingSwitch::pause);
+    connect(m_tray, &TrayIcon::resumeRequested, m_counting, &CountingSwitch::resume);
     connect(m_tray, &TrayIcon::quitRequested, this, &Application::exitClient);
     new ProfileWiring(*m_profiles, *m_collector, *m_tray, this);
     Q_EMIT refreshTrayIcon();
@@ -214,7 +215,6 @@ void Application::slotStartupDelayed()
     applySettings(false);
     m_collector->start();
     Q_EMIT refreshTrayIcon();
-    m_milestones = new Milestones(this);
     connect(m_milestones, &Milestones::signalNeedTrayIconMessage, this,
             &Application::slotNeedTrayIconMessage);
     m_milestones->refreshSettings(Milestones::All);
@@ -232,20 +232,13 @@ void Application::applySettings(bool changedByUser)
     if (changedByUser) {
         settings.setValue(SettingsKeys::SettingsLastSaved, QDateTime::currentDateTime());
     }
-    applyStatisticSwitches();
+    m_counting->followSettings();
     Autostart(QCoreApplication::applicationFilePath())
         .follow(settings.value(SettingsKeys::LaunchOnStart));
     Theme::apply();
     Q_EMIT refreshTrayIcon();
     applyNetworkProxy(ProxySettings::from(settings).proxy());
     m_window->refreshInputState();
-}
-
-void Application::applyStatisticSwitches()
-{
-    m_collector->flush();
-    const bool mayCount = !m_pausedByUser && m_database->state() == Database::State::Open;
-    AllStats::followSettings(*m_collector, mayCount);
 }
 
 void Application::singleAppMessage(const QString& message)
@@ -384,24 +377,6 @@ void Application::pauseCollector()
     }
 }
 
-void Application::pauseCounting()
-{
-    m_pausedByUser = true;
-    pauseCollector();
-    applyStatisticSwitches();
-    Q_EMIT refreshTrayIcon();
-    m_window->refreshInputState();
-}
-
-void Application::resumeCounting()
-{
-    m_pausedByUser = false;
-    startCollector();
-    applyStatisticSwitches();
-    Q_EMIT refreshTrayIcon();
-    m_window->refreshInputState();
-}
-
 QString Application::getDataDir()
 {
     if (m_portable) {
@@ -449,39 +424,22 @@ void Application::openMainWindow()
 
 void Application::prepareWindow()
 {
+    m_milestones = new Milestones(this);
+    ViewContext context;
+    context.applicationName = [this](const QString& path) {
+        return m_system->getApplicationNameCached(path);
+    };
+    context.applicationIcon = [this](const QString& path) {
+        return m_system->getApplicationIcon(path);
+    };
     m_window = std::make_unique<MainWindowHost>(
-        m_database->getDatabaseFileName(),
-        [this](const QString& path) { return m_system->getApplicationNameCached(path); },
-        [this] { return inputState(); });
+        m_database->getDatabaseFileName(), context, *m_counting,
+        ViewWiring::Parts{*m_platformSystem, *m_profiles, *m_milestones, m_liveRates});
     connect(m_window.get(), &MainWindowHost::closed, m_tray, &TrayIcon::explainClosedWindow);
-    connect(m_window.get(), &MainWindowHost::pauseRequested, this, &Application::pauseCounting);
-    connect(m_window.get(), &MainWindowHost::resumeRequested, this, &Application::resumeCounting);
-    connect(m_window.get(), &MainWindowHost::keyboardCountingRequested, this,
-            &Application::switchKeyboardCountingOn);
-}
-
-void Application::switchKeyboardCountingOn()
-{
-    Settings::instance().setValue(SettingsKeys::StatsInputEnable, true);
-    Settings::instance().setValue(SettingsKeys::StatKeyboardEnable, true);
-    applySettingsSlot();
-}
-
-InputState Application::inputState() const
-{
-    if (m_database->state() != Database::State::Open) {
-        return InputState::ReadOnly;
-    }
-    if (m_pausedByUser) {
-        return InputState::Paused;
-    }
-    if (!m_collector->getStat<Stat>(QStringLiteral("KeypressesStat"))->isEnabled()) {
-        return InputState::Off;
-    }
-    if (m_system->hasInputListeners()) {
-        return InputState::Reading;
-    }
-    return hasInputDevices() ? InputState::NoPermission : InputState::NoDevices;
+    connect(m_window.get(), &MainWindowHost::keyboardCountingRequested, this, [this] {
+        m_counting->storeKeyboardOn();
+        applySettingsSlot();
+    });
 }
 
 void Application::updateTrayIcon()
@@ -490,7 +448,8 @@ void Application::updateTrayIcon()
         return;
     }
     m_tray->refreshSettings();
-    m_tray->setCounting(m_pausedByUser ? TrayIcon::Counting::Paused : TrayIcon::Counting::Running);
+    m_tray->setCounting(m_counting->isPaused() ? TrayIcon::Counting::Paused
+                                               : TrayIcon::Counting::Running);
 }
 
 void Application::slotNeedTrayIconMessage(const QString& title, const QString& text)

@@ -4,7 +4,6 @@
 #include "app/Translation.h"
 #include "stats/LiveRates.h"
 #include "system/AbstractSystemListener.h"
-#include "ui/InputState.h"
 #include "ui/MessageBoxes.h"
 
 #include <QObject>
@@ -16,6 +15,7 @@
 class CachedSystem;
 class Collector;
 class CommonSystem;
+class CountingSwitch;
 class Database;
 class LocalStats;
 class MainWindowHost;
@@ -68,10 +68,6 @@ public Q_SLOTS:
     void startCollector();
     void pauseCollector();
 
-    /// The user's pause and resume: until the user resumes, no input is read at all.
-    void pauseCounting();
-    void resumeCounting();
-
     void applySettings(bool changedByUser);
 
     void applySettingsSlot() { applySettings(true); } ///< The user changed a setting.
@@ -110,10 +106,7 @@ private:
     void prepareTray();
     void watchForTheEnd();
     void watchForSleep();
-    void applyStatisticSwitches();
     void prepareWindow();
-    InputState inputState() const;
-    void switchKeyboardCountingOn();
     void resetProfile(const char* reason); ///< To the default one, where the setting wants it.
 
     void stopCollecting();
@@ -130,7 +123,6 @@ private:
     bool m_exiting = false;
     bool m_closed = false; ///< The working parts are stopped, or about to be.
     bool m_portable = false;
-    bool m_pausedByUser = false;
     QString m_userDataDirectory;
     Translation m_translation;
     MessageBoxes m_messageBoxes;
@@ -142,6 +134,7 @@ private:
     std::unique_ptr<CachedSystem> m_system;
     CommonSystem* m_platformSystem = nullptr; ///< Inside `m_system`.
     Collector* m_collector = nullptr;
+    CountingSwitch* m_counting = nullptr;
     LiveRates m_liveRates;
     std::unique_ptr<MousePointPruning> m_mousePointPruning;
     TrayIcon* m_tray = nullptr;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/MainWindowHost.h"
 
+#include "app/CountingSwitch.h"
 #include "ui/MainWindow.h"
 
 #include <utility>
@@ -12,15 +13,18 @@ constexpr int RefreshMs = 2'000;
 
 } // namespace
 
-MainWindowHost::MainWindowHost(const QString& databaseFile, ApplicationName applicationName,
-                               InputStateSource inputState, QObject* parent)
+MainWindowHost::MainWindowHost(const QString& databaseFile, ViewContext context,
+                               CountingSwitch& counting, const ViewWiring::Parts& parts,
+                               QObject* parent)
     : QObject(parent)
     , m_databaseFile(databaseFile)
-    , m_applicationName(std::move(applicationName))
-    , m_inputState(std::move(inputState))
+    , m_context(std::move(context))
+    , m_counting(counting)
+    , m_parts(parts)
 {
     m_refresh.setInterval(RefreshMs);
     connect(&m_refresh, &QTimer::timeout, this, &MainWindowHost::refreshInputState);
+    connect(&m_counting, &CountingSwitch::pausedChanged, this, &MainWindowHost::refreshInputState);
 }
 
 MainWindowHost::~MainWindowHost() = default;
@@ -44,10 +48,11 @@ bool MainWindowHost::isOpen() const
 
 void MainWindowHost::create()
 {
-    m_window = std::make_unique<MainWindow>(m_databaseFile, m_applicationName);
+    m_window = std::make_unique<MainWindow>(m_databaseFile, m_context);
+    m_wiring = std::make_unique<ViewWiring>(*m_window, m_parts);
     connect(m_window.get(), &MainWindow::closed, this, &MainWindowHost::closed);
-    connect(m_window.get(), &MainWindow::pauseRequested, this, &MainWindowHost::pauseRequested);
-    connect(m_window.get(), &MainWindow::resumeRequested, this, &MainWindowHost::resumeRequested);
+    connect(m_window.get(), &MainWindow::pauseRequested, &m_counting, &CountingSwitch::pause);
+    connect(m_window.get(), &MainWindow::resumeRequested, &m_counting, &CountingSwitch::resume);
     connect(m_window.get(), &MainWindow::keyboardCountingRequested, this,
             &MainWindowHost::keyboardCountingRequested);
 }
@@ -55,7 +60,7 @@ void MainWindowHost::create()
 void MainWindowHost::refreshInputState()
 {
     if (m_window) {
-        m_window->setInputState(m_inputState());
+        m_window->setInputState(m_counting.inputState());
     }
 }
 
@@ -65,5 +70,6 @@ void MainWindowHost::cleanup()
         return;
     }
     m_refresh.stop();
+    m_wiring.reset();
     m_window.reset();
 }

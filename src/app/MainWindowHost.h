@@ -1,16 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "ui/InputState.h"
-#include "ui/TodayView.h"
+#include "app/ViewWiring.h"
+#include "ui/ViewContext.h"
 
 #include <QObject>
 #include <QString>
 #include <QTimer>
 
-#include <functional>
 #include <memory>
 
+class CountingSwitch;
 class MainWindow;
 
 /// Makes the main window when it is asked for, keeps what it says of the counting up to date while
@@ -20,10 +20,9 @@ class MainWindowHost : public QObject
     Q_OBJECT
 
 public:
-    using InputStateSource = std::function<InputState()>;
-
-    MainWindowHost(const QString& databaseFile, ApplicationName applicationName,
-                   InputStateSource inputState, QObject* parent = nullptr);
+    /// The window pauses and resumes `counting`, which outlives this object, as `parts` do.
+    MainWindowHost(const QString& databaseFile, ViewContext context, CountingSwitch& counting,
+                   const ViewWiring::Parts& parts, QObject* parent = nullptr);
     ~MainWindowHost() override;
 
     void open();
@@ -37,16 +36,16 @@ public:
 
 Q_SIGNALS:
     void closed();
-    void pauseRequested();
-    void resumeRequested();
     void keyboardCountingRequested();
 
 private:
     void create();
 
     QString m_databaseFile;
-    ApplicationName m_applicationName;
-    InputStateSource m_inputState;
+    ViewContext m_context;
+    CountingSwitch& m_counting;
+    ViewWiring::Parts m_parts;
     QTimer m_refresh; ///< Runs while the window is open.
     std::unique_ptr<MainWindow> m_window;
+    std::unique_ptr<ViewWiring> m_wiring; ///< Gone before the window is.
 };

@@ -191,6 +191,20 @@ ProfileManager::NameResult ProfileManager::check(const QString& name) const
     return isTaken(name) ? NameResult::Duplicate : NameResult::Ok;
 }
 
+ProfileManager::NameResult ProfileManager::checkName(int id, const QString& name) const
+{
+    const QString wanted = stored(name);
+    return isNameOf(id, wanted) ? NameResult::Ok : check(wanted);
+}
+
+bool ProfileManager::isNameOf(int id, const QString& name) const
+{
+    const QList<Profile> all = profiles();
+    return std::any_of(all.cbegin(), all.cend(), [&](const Profile& profile) {
+        return profile.id == id && profile.name == name;
+    });
+}
+
 ProfileManager::NameResult ProfileManager::addProfile(const QString& name)
 {
     const QString wanted = stored(name);
@@ -216,10 +230,7 @@ ProfileManager::NameResult ProfileManager::addProfile(const QString& name)
 ProfileManager::NameResult ProfileManager::editProfileName(int id, const QString& name)
 {
     const QString wanted = stored(name);
-    const QList<Profile> all = profiles();
-    const bool keepsIt = std::any_of(all.cbegin(), all.cend(), [&](const Profile& profile) {
-        return profile.id == id && profile.name == wanted;
-    });
+    const bool keepsIt = isNameOf(id, wanted);
     const NameResult result = keepsIt ? NameResult::Ok : check(wanted);
     if (result == NameResult::Duplicate) {
         Log::warn("Tried to rename a profile with a duplicate name: {}", wanted);

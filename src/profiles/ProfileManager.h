@@ -72,6 +72,9 @@ public:
     NameResult addProfile(const QString& name);
     NameResult editProfileName(int id, const QString& name);
 
+    /// What the profile `id`, or a new one (0), would be told of a name.
+    NameResult checkName(int id, const QString& name) const;
+
     /// Gives what was counted under the profile to the default profile and removes it, all of it or
     /// nothing (false). Where it was the stats or the filter profile, the default one takes its
     /// place. Takes seconds where millions of rows change hands.
@@ -96,6 +99,7 @@ private:
     static bool markActive(int id);
     static bool fold(int id);
     bool isTaken(const QString& name) const;
+    bool isNameOf(int id, const QString& name) const;
     NameResult check(const QString& name) const;
     void replaceDeleted(int id);
     void noteListChanged();

@@ -16,6 +16,7 @@ constexpr int DimAlpha = 140;
 BusyVeil::BusyVeil(QWidget* parent)
     : QWidget(parent)
 {
+    setObjectName(QStringLiteral("busy"));
     setAttribute(Qt::WA_TransparentForMouseEvents);
     setFocusPolicy(Qt::NoFocus);
     m_delay.setSingleShot(true);

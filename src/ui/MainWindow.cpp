@@ -1,18 +1,24 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/MainWindow.h"
 
-#include "base/Format.h"
 #include "storage/Settings.h"
 #include "ui/Icons.h"
 #include "ui/QueryWorker.h"
+#include "ui/RangeControl.h"
 #include "ui/SideBar.h"
 #include "ui/Theme.h"
+#include "ui/View.h"
+#include "ui/applications/ApplicationsView.h"
+#include "ui/keyboard/KeyboardView.h"
+#include "ui/mouse/MouseView.h"
+#include "ui/overview/OverviewView.h"
+#include "ui/profiles/ProfilesView.h"
+#include "ui/uptime/UptimeView.h"
 
 #include <QCloseEvent>
 #include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QLocale>
 #include <QPushButton>
 #include <QShortcut>
 #include <QStackedWidget>
@@ -22,24 +28,27 @@ namespace {
 constexpr QSize FirstSize(1100, 720);
 constexpr QSize LeastSize(900, 600);
 constexpr int BarHeight = 64;
+constexpr int TodayCheckMs = 10'000;
 
 } // namespace
 
-MainWindow::MainWindow(const QString& databaseFile, ApplicationName applicationName,
-                       QWidget* parent)
+MainWindow::MainWindow(const QString& databaseFile, ViewContext context, QWidget* parent)
     : QWidget(parent)
     , m_worker(std::make_unique<QueryWorker>(databaseFile))
+    , m_context(std::move(context))
     , m_sideBar(new SideBar(this))
     , m_title(new QLabel(this))
-    , m_subtitle(new QLabel(this))
+    , m_days(new QLabel(this))
+    , m_range(new RangeControl(this))
+    , m_profile(new ProfileFilter(this))
     , m_views(new QStackedWidget(this))
-    , m_today(new TodayView(*m_worker, std::move(applicationName)))
+    , m_today(QDate::currentDate())
 {
     setObjectName(QStringLiteral("mainWindow"));
     setWindowTitle(QStringLiteral("Tallyvane"));
     setMinimumSize(LeastSize);
-    // Tab moves in the order in which the controls are made.
-    m_sideBar->addView(QStringLiteral("viewToday"), QStringLiteral("today"), tr("Today"));
+    m_context.worker = m_worker.get();
+    addPages();
 
     auto* content = new QVBoxLayout;
     content->setSpacing(0);
@@ -51,15 +60,15 @@ MainWindow::MainWindow(const QString& databaseFile, ApplicationName applicationN
     layout->addWidget(m_sideBar);
     layout->addLayout(content, 1);
 
-    m_views->addWidget(m_today);
     connect(m_sideBar, &SideBar::chosen, this, &MainWindow::showView);
-    connect(m_today, &TodayView::dayChanged, this, &MainWindow::showDay);
-    connect(m_today, &TodayView::keyboardCountingRequested, this,
-            &MainWindow::keyboardCountingRequested);
+    connect(m_range, &RangeControl::rangeChanged, this, &MainWindow::applyScope);
+    connect(m_profile, &ProfileFilter::profileChanged, this, &MainWindow::applyScope);
+    connect(m_profile, &ProfileFilter::profileChanged, this, &MainWindow::profileFilterChanged);
+    connect(&m_todayTimer, &QTimer::timeout, this, &MainWindow::followToday);
+    m_todayTimer.start(TodayCheckMs);
     m_sideBar->orderTabs();
     buildShortcuts();
     restoreState();
-    showView(0);
     updateCountingButton();
     applyTheme();
 }
@@ -71,22 +80,48 @@ MainWindow::~MainWindow()
     }
 }
 
+void MainWindow::addPages()
+{
+    // Tab moves in the order in which the controls are made.
+    addPage(QStringLiteral("viewOverview"), QStringLiteral("overview"), tr("Overview"),
+            [this] { return new OverviewView(m_context); });
+    addPage(QStringLiteral("viewKeyboard"), QStringLiteral("keyboard"), tr("Keyboard"),
+            [this] { return new KeyboardView(m_context); });
+    addPage(QStringLiteral("viewMouse"), QStringLiteral("mouse"), tr("Mouse"),
+            [this] { return new MouseView(m_context); });
+    addPage(QStringLiteral("viewApplications"), QStringLiteral("applications"), tr("Applications"),
+            [this] { return new ApplicationsView(m_context); });
+    addPage(QStringLiteral("viewUptime"), QStringLiteral("uptime"), tr("Uptime"),
+            [this] { return new UptimeView(m_context); });
+    addPage(QStringLiteral("viewProfiles"), QStringLiteral("profiles"), tr("Profiles"),
+            [this] { return new ProfilesView(m_context); });
+}
+
+void MainWindow::addPage(const QString& name, const QString& icon, const QString& title,
+                         std::function<View*()> make)
+{
+    m_pages.push_back({.title = title, .make = std::move(make)});
+    m_sideBar->addView(name, icon, title);
+}
+
 QWidget* MainWindow::buildBar()
 {
     auto* bar = new QWidget(this);
     bar->setFixedHeight(BarHeight);
     m_title->setObjectName(QStringLiteral("viewTitle"));
-    m_subtitle->setObjectName(QStringLiteral("viewSubtitle"));
+    m_days->setObjectName(QStringLiteral("viewSubtitle"));
+    m_days->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     m_countingButton = new QPushButton(bar);
     m_countingButton->setObjectName(QStringLiteral("counting"));
     m_countingButton->setMinimumHeight(4 * Theme::Rhythm);
     connect(m_countingButton, &QPushButton::clicked, this, &MainWindow::toggleCounting);
     auto* layout = new QHBoxLayout(bar);
     layout->setContentsMargins(Theme::Gap, 0, Theme::Gap, 0);
-    layout->setSpacing(Theme::Gap);
+    layout->setSpacing(Theme::Rhythm);
     layout->addWidget(m_title, 0, Qt::AlignBaseline);
-    layout->addWidget(m_subtitle, 0, Qt::AlignBaseline);
-    layout->addStretch();
+    layout->addWidget(m_days, 1, Qt::AlignBaseline);
+    layout->addWidget(m_range);
+    layout->addWidget(m_profile);
     layout->addWidget(m_countingButton);
     return bar;
 }
@@ -96,11 +131,12 @@ void MainWindow::buildShortcuts()
     const auto bind = [this](const QKeySequence& keys, auto slot) {
         connect(new QShortcut(keys, this), &QShortcut::activated, this, slot);
     };
-    for (int view = 0; view < m_views->count(); ++view) {
+    for (int view = 0; view < static_cast<int>(m_pages.size()); ++view) {
         bind(Qt::CTRL | static_cast<Qt::Key>(Qt::Key_1 + view), [this, view] { showView(view); });
     }
-    bind(QKeySequence::Find, [this] { m_today->focusFilter(); });
-    bind(Qt::CTRL | Qt::Key_E, [this] { m_today->exportData(); });
+    bind(QKeySequence::Find, [this] { current()->focusFilter(); });
+    bind(Qt::CTRL | Qt::Key_E, [this] { current()->exportData(); });
+    bind(Qt::ALT | Qt::Key_Left, [this] { m_range->goBack(); });
     bind(Qt::Key_Escape, [this] { close(); });
 }
 
@@ -122,24 +158,68 @@ void MainWindow::saveState() const
                       m_sideBar->form() == SideBar::Form::Collapsed);
 }
 
-void MainWindow::showView(int index)
+View* MainWindow::current() const
 {
-    m_views->setCurrentIndex(index);
-    m_sideBar->choose(index);
-    m_title->setText(m_views->currentWidget()->accessibleName());
+    return static_cast<View*>(m_views->currentWidget());
 }
 
-void MainWindow::showDay(const QDate& day)
+void MainWindow::showView(int index)
 {
-    m_subtitle->setText(QStringLiteral("%1, %2").arg(
-        QLocale(QLocale::English).dayName(day.dayOfWeek()), Format::day(day)));
+    Page& page = m_pages.at(static_cast<size_t>(index));
+    if (!page.view) {
+        page.view = page.make();
+        page.view->setInputState(m_state);
+        m_views->addWidget(page.view);
+        connect(page.view, &View::daysRequested, this,
+                [this](const QDate& first, const QDate& last) {
+                    m_range->select(DateRange::between(first, last));
+                });
+        connect(page.view, &View::keyboardCountingRequested, this,
+                &MainWindow::keyboardCountingRequested);
+        Q_EMIT viewMade(page.view);
+    }
+    m_views->setCurrentWidget(page.view);
+    m_sideBar->choose(index);
+    m_title->setText(page.title);
+    applyScope();
+}
+
+void MainWindow::applyScope()
+{
+    const DateRange& range = m_range->range();
+    m_days->setText(range.days(m_today));
+    m_days->setToolTip(m_days->text());
+    // The hidden views learn of it when they are shown.
+    if (View* view = current()) {
+        view->setScope({.first = range.first(m_today),
+                        .last = range.last(m_today),
+                        .profileId = m_profile->selected()});
+    }
+}
+
+void MainWindow::followToday()
+{
+    const QDate today = QDate::currentDate();
+    if (today != m_today) {
+        m_today = today;
+        applyScope();
+    }
 }
 
 void MainWindow::setInputState(InputState state)
 {
     m_state = state;
-    m_today->setInputState(state);
+    for (const Page& page : m_pages) {
+        if (page.view) {
+            page.view->setInputState(state);
+        }
+    }
     updateCountingButton();
+}
+
+void MainWindow::setProfiles(const QList<ProfileFilter::Entry>& profiles)
+{
+    m_profile->setProfiles(profiles);
 }
 
 void MainWindow::updateCountingButton()
@@ -158,6 +238,14 @@ void MainWindow::toggleCounting()
     } else {
         Q_EMIT pauseRequested();
     }
+}
+
+void MainWindow::showEvent(QShowEvent* event)
+{
+    if (!current()) {
+        showView(0); // Not before: whoever made the window is connected by now.
+    }
+    QWidget::showEvent(event);
 }
 
 void MainWindow::closeEvent(QCloseEvent* event)
@@ -180,5 +268,5 @@ void MainWindow::changeEvent(QEvent* event)
 void MainWindow::applyTheme()
 {
     m_title->setFont(Theme::font(Theme::TextSize::Title));
-    m_subtitle->setPalette(Theme::mutedPalette(palette()));
+    m_days->setPalette(Theme::mutedPalette(palette()));
 }

@@ -2,32 +2,42 @@
 #pragma once
 
 #include "ui/InputState.h"
-#include "ui/TodayView.h"
+#include "ui/ProfileFilter.h"
+#include "ui/ViewContext.h"
 
+#include <QTimer>
 #include <QWidget>
 
+#include <functional>
 #include <memory>
+#include <vector>
 
 class QLabel;
 class QPushButton;
 class QStackedWidget;
 class QueryWorker;
+class RangeControl;
 class SideBar;
+class View;
 
-/// The main window: the views behind a side bar, and above them one bar with the title and the
-/// actions of the view shown. It holds everything that looking costs (the worker with its
-/// connection, the charts), so that destroying it gives all of that back. Thread: main.
+/// The main window: the views behind a side bar, and above them one bar with the view's title, the
+/// days and the profile that all views follow, and the pause. A view is made when it is first
+/// shown. The window holds everything that looking costs (the worker with its connections, the
+/// charts), so that destroying it gives all of that back. Thread: main.
 class MainWindow : public QWidget
 {
     Q_OBJECT
 
 public:
-    /// Reads its figures from `databaseFile`, through a connection of its own.
-    MainWindow(const QString& databaseFile, ApplicationName applicationName,
-               QWidget* parent = nullptr);
+    /// Reads its figures from `databaseFile`, through a worker of its own, which it puts into
+    /// `context`.
+    MainWindow(const QString& databaseFile, ViewContext context, QWidget* parent = nullptr);
     ~MainWindow() override;
 
     void setInputState(InputState state);
+    void setProfiles(const QList<ProfileFilter::Entry>& profiles);
+
+    void showView(int index);
 
 Q_SIGNALS:
     /// The window was closed by the user; the program lives on in the tray.
@@ -38,27 +48,51 @@ Q_SIGNALS:
     /// The user wants keyboard statistics on, which are switched off in the settings.
     void keyboardCountingRequested();
 
+    /// The views show the counts of this profile from now on; none means of all.
+    void profileFilterChanged(std::optional<int> profileId);
+
+    /// A view was made: whoever fulfils its wishes connects to it now.
+    void viewMade(View* view);
+
 protected:
+    void showEvent(QShowEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void changeEvent(QEvent* event) override;
 
 private:
+    /// One entry of the side bar.
+    struct Page
+    {
+        QString title;
+        std::function<View*()> make;
+        View* view = nullptr; ///< Null until it was first shown.
+    };
+
+    void addPages();
+    void addPage(const QString& name, const QString& icon, const QString& title,
+                 std::function<View*()> make);
+    View* current() const; ///< Null until the window was first shown.
     QWidget* buildBar();
     void buildShortcuts();
     void restoreState();
     void saveState() const;
-    void showView(int index);
-    void showDay(const QDate& day);
+    void applyScope();
+    void followToday();
     void applyTheme();
     void updateCountingButton();
     void toggleCounting();
 
     std::unique_ptr<QueryWorker> m_worker; ///< Drops its questions before the views go.
+    ViewContext m_context;
     SideBar* m_sideBar;
     QLabel* m_title;
-    QLabel* m_subtitle;
+    QLabel* m_days;
+    RangeControl* m_range;
+    ProfileFilter* m_profile;
     QPushButton* m_countingButton = nullptr;
     QStackedWidget* m_views;
-    TodayView* m_today;
+    std::vector<Page> m_pages;
     InputState m_state = InputState::Reading;
+    QTimer m_todayTimer; ///< Notices a new day, also after a sleep.
+    QDate m_today;
 };

@@ -34,6 +34,7 @@ View::View(ViewContext context, const QString& name, const QString& title, QWidg
 {
     setObjectName(name);
     setAccessibleName(title);
+    m_page->setObjectName(QStringLiteral("cards"));
     m_grid->setContentsMargins(0, 0, 0, 0);
     m_grid->setSpacing(Theme::Gap);
     for (int column = 0; column < Columns; ++column) {

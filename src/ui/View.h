@@ -104,7 +104,7 @@ private:
 
     struct Placed
     {
-        Card* card;
+        Card* card = nullptr;
         Place place;
     };
 

@@ -64,9 +64,11 @@ void MainWindowTest::cleanup()
 
 void MainWindowTest::open()
 {
-    m_window = std::make_unique<MainWindow>(m_database->file(), [](const QString& path) {
+    ViewContext context;
+    context.applicationName = [](const QString& path) {
         return path.endsWith(QStringLiteral("kate")) ? QStringLiteral("Kate") : QString();
-    });
+    };
+    m_window = std::make_unique<MainWindow>(m_database->file(), context);
     m_window->show();
     m_window->activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(m_window.get()));

@@ -1,24 +1,27 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "UiDatabase.h"
 #include "support/TestRegistry.h"
+#include "ui/DateRange.h"
 #include "ui/HourChart.h"
 #include "ui/MainWindow.h"
-#include "ui/SideBar.h"
+#include "ui/RangeControl.h"
 #include "ui/Theme.h"
+#include "ui/profiles/ProfilesView.h"
 
-#include <QAction>
 #include <QDir>
 #include <QFileInfo>
+#include <QStackedWidget>
 #include <QTest>
 
-/// Saves pictures of the windows under "screenshots" in the build directory, to be looked at.
+/// Saves pictures of the windows under "screenshots" in the build directory, to be looked at. With
+/// TALLYVANE_HISTORY naming a directory that `tools/make-history` wrote, the views show that.
 class ScreenshotsTest : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void today_data();
-    void today();
+    void views_data();
+    void views();
     void hoursOfShiftedDays_data();
     void hoursOfShiftedDays();
     void cleanup();
@@ -27,97 +30,128 @@ private:
     enum class Content
     {
         Empty,
-        Busy,
-        IconsBusy,
-        Tables,
-        Large,
+        OneDay,
+        History, ///< Made by tools/make-history.
     };
 
-    static void fill(UiDatabase& database, Content content);
+    static QString databaseWith(Content content, UiDatabase& database);
+    static void fillProfiles(ProfilesView& view);
     static void save(const QPixmap& picture);
 };
 
-void ScreenshotsTest::today_data()
+void ScreenshotsTest::views_data()
 {
+    QTest::addColumn<int>("view");
     QTest::addColumn<QString>("theme");
     QTest::addColumn<QSize>("size");
     QTest::addColumn<InputState>("state");
     QTest::addColumn<Content>("content");
-    const QSize first(1100, 720);
-    const QSize least(900, 600);
-    for (const QString& theme : {QStringLiteral("light"), QStringLiteral("dark")}) {
-        const auto row = [&theme](const char* name, const QSize& size, InputState state,
-                                  Content content) {
-            QTest::addRow("%s-%s-%dx%d", qPrintable(theme), name, size.width(), size.height())
-                << theme << size << state << content;
-        };
-        row("busy", first, InputState::Reading, Content::Busy);
-        row("busy", least, InputState::Reading, Content::Busy);
-        row("busy", {1600, 1000}, InputState::Reading, Content::Busy);
-        row("tables", first, InputState::Reading, Content::Tables);
-        row("icons-busy", least, InputState::Reading, Content::IconsBusy);
-        row("large", {1000, 600}, InputState::Reading, Content::Large);
-        row("large", least, InputState::Reading, Content::Large);
-        row("empty", first, InputState::Reading, Content::Empty);
-        row("no-permission", first, InputState::NoPermission, Content::Empty);
-        row("no-devices", least, InputState::NoDevices, Content::Empty);
-        row("busy-no-permission", first, InputState::NoPermission, Content::Busy);
-        row("busy-paused", first, InputState::Paused, Content::Busy);
-        row("off", first, InputState::Off, Content::Empty);
+    QTest::addColumn<DateRange::Preset>("range");
+    constexpr std::array<const char*, 6> views{"overview",     "keyboard", "mouse",
+                                               "applications", "uptime",   "profiles"};
+    for (const char* theme : {"light", "dark"}) {
+        for (int view = 0; view < static_cast<int>(views.size()); ++view) {
+            const auto row = [&](const char* name, const QSize& size, InputState state,
+                                 Content content, DateRange::Preset range) {
+                QTest::addRow("%s-%s-%s-%dx%d", views.at(static_cast<size_t>(view)), name, theme,
+                              size.width(), size.height())
+                    << view << QString::fromLatin1(theme) << size << state << content << range;
+            };
+            const QSize first(1100, 720);
+            const QSize least(900, 600);
+            const QSize large(1600, 1000);
+            using enum Content;
+            using Range = DateRange::Preset;
+            row("empty", first, InputState::Reading, Empty, Range::Today);
+            row("one-day", first, InputState::Reading, OneDay, Range::Today);
+            row("today", first, InputState::Reading, History, Range::Today);
+            row("90-days", least, InputState::Reading, History, Range::Days90);
+            row("all-time", first, InputState::Reading, History, Range::AllTime);
+            row("all-time", large, InputState::Reading, History, Range::AllTime);
+            if (view == 0) {
+                row("no-permission", first, InputState::NoPermission, Empty, Range::Today);
+                row("paused", first, InputState::Paused, History, Range::Days7);
+            }
+        }
     }
 }
 
-void ScreenshotsTest::fill(UiDatabase& database, Content content)
+QString ScreenshotsTest::databaseWith(Content content, UiDatabase& database)
 {
-    const QDate today = QDate::currentDate();
-    if (content == Content::Empty) {
-        return;
+    if (content == Content::OneDay) {
+        database.addBusyDay(QDate::currentDate());
     }
-    database.addBusyDay(today);
-    if (content == Content::Large) {
-        database.addHour(today, 9, 987'654);
-        database.addHour(today, 23, 7'654'321);
-        database.addKey(today, 9, 0x01000102, 1'234'567);
-        database.addApplication(
-            today, 9,
-            QStringLiteral(
-                "/opt/Company with a long name/An application with a name that is longer "
-                "than any line has room for"),
-            1'234'567);
-    }
+    const QString made = qEnvironmentVariable("TALLYVANE_HISTORY");
+    return content == Content::History && !made.isEmpty() ? made + QStringLiteral("/tallyvane.db")
+                                                          : database.file();
 }
 
-void ScreenshotsTest::today()
+void ScreenshotsTest::views()
 {
+    QFETCH(int, view);
     QFETCH(QString, theme);
     QFETCH(QSize, size);
     QFETCH(InputState, state);
     QFETCH(Content, content);
+    QFETCH(DateRange::Preset, range);
     UiDatabase database;
-    fill(database, content);
+    const QString file = databaseWith(content, database);
+    if (content == Content::History && file == database.file()) {
+        database.addBusyDay(QDate::currentDate());
+        database.addBusyDay(QDate::currentDate().addDays(-1));
+    }
     Theme::apply(theme);
-    MainWindow window(database.file(),
-                      [](const QString& path) { return QFileInfo(path).baseName(); });
+    ViewContext context;
+    context.applicationName = [](const QString& path) { return QFileInfo(path).baseName(); };
+    MainWindow window(file, context);
+    connect(&window, &MainWindow::viewMade, this, [](View* made) {
+        if (auto* profiles = qobject_cast<ProfilesView*>(made)) {
+            fillProfiles(*profiles);
+        }
+    });
+    window.setProfiles({{0, QStringLiteral("General")}, {1, QStringLiteral("Work")}});
     window.setInputState(state);
     window.resize(size);
     window.show();
-    auto* notice = window.findChild<QWidget*>(QStringLiteral("notice"));
-    auto* card = window.findChild<QWidget*>(QStringLiteral("keysToday"));
-    QTRY_VERIFY(notice->isVisible() || card->isVisible());
-    QCOMPARE(card->isVisible(), content != Content::Empty);
-    if (content == Content::IconsBusy) {
-        window.findChild<SideBar*>()->setForm(SideBar::Form::Collapsed);
-    }
-    if (content == Content::Tables) {
-        for (QAction* action : window.findChildren<QAction*>(QStringLiteral("showTable"))) {
-            action->trigger();
-        }
-    }
-    QTest::qWait(50);
-
+    window.findChild<RangeControl*>()->select(range);
+    window.showView(view);
+    auto* page = window.findChild<QStackedWidget*>()->currentWidget();
+    auto* notice = page->findChild<QWidget*>(QStringLiteral("notice"));
+    auto* cards = page->findChild<QWidget*>(QStringLiteral("cards"));
+    auto* veil = page->findChild<QWidget*>(QStringLiteral("busy"));
+    constexpr int patienceMs = 120'000; // The sums of ten years are made at the first look.
+    QTRY_VERIFY_WITH_TIMEOUT((notice->isVisible() || cards->isVisible()) && veil->isHidden(),
+                             patienceMs);
+    QTest::qWait(100);
     const QPixmap picture = window.grab();
     QCOMPARE(picture.size(), size * window.devicePixelRatio());
     save(picture);
+}
+
+void ScreenshotsTest::fillProfiles(ProfilesView& view)
+{
+    const QDateTime added(QDate(2020, 5, 4), QTime(9, 0));
+    view.setProfiles({{.id = 0, .name = QStringLiteral("General"), .isActive = false},
+                      {.id = 1, .name = QStringLiteral("Work"), .isActive = true, .created = added},
+                      {.id = 2, .name = QStringLiteral("Games"), .created = added}});
+    MilestoneEntry keys{.id = 1,
+                        .name = QStringLiteral("A million keys"),
+                        .type = QStringLiteral("Keys"),
+                        .amount = 1'000'000,
+                        .lastHit = added,
+                        .base = 41'000'123,
+                        .total = 41'730'456};
+    MilestoneEntry uptime{.id = 2,
+                          .name = QStringLiteral("A week of uptime"),
+                          .type = QStringLiteral("Uptime in Minutes"),
+                          .amount = 10'080,
+                          .isActive = false,
+                          .total = 1'234};
+    view.setMilestones({keys, uptime}, {{.name = keys.name,
+                                         .time = added,
+                                         .type = keys.type,
+                                         .amount = keys.amount,
+                                         .total = keys.base}});
 }
 
 void ScreenshotsTest::hoursOfShiftedDays_data()

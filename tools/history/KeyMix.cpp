@@ -127,7 +127,7 @@ void KeyMix::addEditing(double share)
     add(Qt::Key_Backspace, share * 0.38);
     add(Qt::Key_Shift, share * 0.24);
     add(Qt::Key_Control, share * 0.17);
-    add(Qt::Key_Return, share * 0.13);
+    add(Qt::Key_Enter, share * 0.13);
     add(Qt::Key_Tab, share * 0.05);
     add(Qt::Key_Alt, share * 0.02);
     add(Qt::Key_Escape, share * 0.01);

@@ -22,7 +22,7 @@
 
 namespace {
 
-constexpr int HoursOfDay = 24;
+constexpr int GridHours = 24;
 constexpr int LabelEveryHours = 3;
 constexpr int DaysOfWeek = 7;
 constexpr int MostCombinations = 1000; ///< Asked for; some may be hidden.
@@ -148,7 +148,7 @@ void KeyboardView::buildWeek()
         days.append(weekday(day, QLocale::ShortFormat));
     }
     QStringList hours;
-    for (int hour = 0; hour < HoursOfDay; ++hour) {
+    for (int hour = 0; hour < GridHours; ++hour) {
         hours.append(hour % LabelEveryHours == 0 ? Format::hour(hour) : QString());
     }
     m_week->setLabels(days, hours);
@@ -247,18 +247,18 @@ void KeyboardView::showCombinations()
 
 void KeyboardView::showWeek()
 {
-    QList<qint64> counts(m_weekdays.size() * HoursOfDay, 0);
+    QList<qint64> counts(m_weekdays.size() * GridHours, 0);
     for (const WeekHourTotals& hour : m_answer.weekHours) {
         const qsizetype row = m_weekdays.indexOf(static_cast<Qt::DayOfWeek>(hour.weekday));
-        counts[row * HoursOfDay + hour.hour] += hour.totals.keys;
+        counts[row * GridHours + hour.hour] += hour.totals.keys;
     }
     m_week->setCounts(counts);
     const qint64 sum = m_week->sum();
     QList<FiguresModel::Row> rows;
     for (qsizetype cell = 0; cell < counts.size(); ++cell) {
         if (counts.at(cell) > 0) {
-            rows.append({weekday(m_weekdays.at(cell / HoursOfDay), QLocale::LongFormat),
-                         static_cast<int>(cell % HoursOfDay), counts.at(cell),
+            rows.append({weekday(m_weekdays.at(cell / GridHours), QLocale::LongFormat),
+                         static_cast<int>(cell % GridHours), counts.at(cell),
                          100.0 * static_cast<double>(counts.at(cell)) / static_cast<double>(sum)});
         }
     }
@@ -270,7 +270,7 @@ QString KeyboardView::describeWeekHour(int row, int column) const
     const qint64 count = m_week->count(row, column);
     return tr("%1, %2 to %3, keys: %4 (%5 %)")
         .arg(weekday(m_weekdays.at(row), QLocale::LongFormat), Format::hour(column),
-             Format::hour((column + 1) % HoursOfDay), Format::count(count),
+             Format::hour((column + 1) % GridHours), Format::count(count),
              share(count, m_week->sum()));
 }
 
