@@ -114,8 +114,9 @@ QRectF HeatGrid::cellArea(int cell) const
     const QRectF grid = gridArea();
     const double width = grid.width() / columns();
     const double height = grid.height() / rows();
-    return QRectF(grid.left() + cell % columns() * width, grid.top() + cell / columns() * height,
-                  width, height)
+    const int row = cell / columns();
+    const int column = cell % columns();
+    return QRectF(grid.left() + column * width, grid.top() + row * height, width, height)
         .adjusted(0, 0, -CellGap, -CellGap);
 }
 

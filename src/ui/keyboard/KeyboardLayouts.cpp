@@ -77,11 +77,11 @@ constexpr std::string_view IsoKey = " ";
 /// A key whose legend is the same in all arrangements.
 struct FixedKey
 {
-    int key;
-    const char* legend;
-    const char* shortLegend; ///< Null where `legend` is short.
-    double x;
-    double y;
+    int key = 0;
+    const char* legend = nullptr;
+    const char* shortLegend = nullptr; ///< Null where `legend` is short.
+    double x = 0;
+    double y = 0;
     double width = 1;
     double height = 1;
 };
@@ -344,7 +344,7 @@ QString KeyboardLayouts::forLocale(const QLocale& locale)
 
 QString KeyboardLayouts::selected()
 {
-    const QString stored = Settings::instance().value(SettingsKeys::KeyboardLayout);
+    QString stored = Settings::instance().value(SettingsKeys::KeyboardLayout);
     const QList<Choice> all = choices();
     const bool isKnown = std::any_of(
         all.begin(), all.end(), [&stored](const Choice& choice) { return choice.id == stored; });
