@@ -77,8 +77,8 @@ protected:
 private:
     struct EndLabel
     {
-        int series;
-        double y; ///< Of its middle.
+        int series = 0;
+        double y = 0; ///< Of its middle.
     };
 
     int columnCount() const { return static_cast<int>(m_columns.size()); }

@@ -100,8 +100,9 @@ QRectF CalendarMonth::dayArea(const QDate& day) const
 {
     const Geometry geometry = sheet();
     const int index = indexOf(day);
+    const int row = index / DaysPerWeek;
     return {geometry.days.left() + index % DaysPerWeek * geometry.columnWidth,
-            geometry.days.top() + index / DaysPerWeek * geometry.rowHeight, geometry.columnWidth,
+            geometry.days.top() + row * geometry.rowHeight, geometry.columnWidth,
             geometry.rowHeight};
 }
 

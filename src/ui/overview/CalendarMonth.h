@@ -47,10 +47,10 @@ private:
     /// Where everything lies, by the size there is.
     struct Geometry
     {
-        double lineHeight; ///< Of captions.
-        QRectF days;       ///< Seven columns, six rows.
-        double columnWidth;
-        double rowHeight;
+        double lineHeight = 0; ///< Of captions.
+        QRectF days;           ///< Seven columns, six rows.
+        double columnWidth = 0;
+        double rowHeight = 0;
     };
 
     Geometry sheet() const;

@@ -39,8 +39,8 @@ protected:
 private:
     struct Line
     {
-        QLabel* change;
-        QLabel* caption;
+        QLabel* change = nullptr;
+        QLabel* caption = nullptr;
     };
 
     void applyTheme();

@@ -26,8 +26,8 @@ protected:
 private:
     struct Line
     {
-        QLabel* name;
-        QLabel* value;
+        QLabel* name = nullptr;
+        QLabel* value = nullptr;
     };
 
     void follow();
