@@ -328,6 +328,7 @@ void ClickMap::paintLegend(QPainter& painter) const
     painter.fillRect(bar, colours.page);
     painter.fillRect(bar, gradient);
     painter.setPen(colours.mutedText);
+    painter.setBrush(Qt::NoBrush);
     painter.drawRect(bar.adjusted(-Hair, -Hair, Hair, Hair));
 
     for (const qint64 tick : m_scale.ticks()) {
