@@ -159,6 +159,12 @@ void LocalStats::increaseUptime(qint64 msecs)
     increase(&UnzurgedCounts::uptime, amount(msecs));
 }
 
+void LocalStats::increaseAppUptime(const QString& path, int seconds, const QDateTime&)
+{
+    constexpr qint64 msecsPerSecond = 1'000;
+    increaseApp(path, &UnzurgedCounts::uptime, amount(seconds * msecsPerSecond));
+}
+
 const UnzurgedCounts& LocalStats::unzurged() const
 {
     return m_state.totals;

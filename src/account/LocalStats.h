@@ -4,6 +4,7 @@
 #include "account/TvwFile.h"
 #include "account/UnzurgedCounts.h"
 
+#include <QDateTime>
 #include <QHash>
 #include <QObject>
 #include <QSet>
@@ -58,6 +59,10 @@ public:
     void increaseDistanceInches(quint64 inches);
     void increaseAppDistanceInches(const QString& path, quint64 inches);
     void increaseUptime(qint64 msecs);
+
+    /// The application was in front for so long. `time`, the end of that interval, is not kept: a
+    /// sum has no use for it.
+    void increaseAppUptime(const QString& path, int seconds, const QDateTime& time);
 
     const UnzurgedCounts& unzurged() const;
     const QHash<QString, UnzurgedCounts>& unzurgedPerApplication() const;

@@ -5,15 +5,17 @@
 #include "account/ProxySettings.h"
 #include "app/MainWindowHost.h"
 #include "app/PortableMode.h"
+#include "app/ProfileWiring.h"
 #include "app/Requirements.h"
 #include "app/UnixSignals.h"
 #include "base/Log.h"
 #include "base/SnapStandardPaths.h"
 #include "base/Version.h"
+#include "profiles/Milestones.h"
 #include "profiles/ProfileManager.h"
+#include "stats/AllStats.h"
 #include "stats/Collector.h"
-#include "stats/KeypressesStat.h"
-#include "stats/StatSwitches.h"
+#include "stats/Stat.h"
 #include "storage/Database.h"
 #include "storage/MousePointPruning.h"
 #include "storage/Settings.h"
@@ -160,7 +162,7 @@ void Application::prepareCounting()
     m_system = std::make_unique<CachedSystem>(std::move(system));
     watchForSleep();
     QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/tallyvane-logo.ico")));
-    m_collector->addStat(new KeypressesStat(m_system.get(), this));
+    AllStats::addTo(*m_collector, m_system.get(), this);
 }
 
 void Application::watchForSleep()
@@ -169,7 +171,11 @@ void Application::watchForSleep()
     if (!power) {
         return;
     }
-    connect(power, &PowerMonitor::suspended, this, [this] { m_system->onSystemSuspend(); });
+    connect(power, &PowerMonitor::suspended, this, [this] {
+        m_collector->flush(); // What was counted until now belongs to the profile until now.
+        resetProfile("we're going to sleep");
+        m_system->onSystemSuspend();
+    });
     connect(power, &PowerMonitor::resumed, this, [this] { m_system->onSystemResume(); });
     connect(power, &PowerMonitor::sessionEnding, this, &Application::exitClient);
 }
@@ -183,6 +189,7 @@ void Application::prepareTray()
     connect(m_tray, &TrayIcon::pauseRequested, this, &Application::pauseCounting);
     connect(m_tray, &TrayIcon::resumeRequested, this, &Application::resumeCounting);
     connect(m_tray, &TrayIcon::quitRequested, this, &Application::exitClient);
+    new ProfileWiring(*m_profiles, *m_collector, *m_tray, this);
     Q_EMIT refreshTrayIcon();
     m_tray->show();
     const QString damaged = m_database->keptDamagedFile();
@@ -207,6 +214,13 @@ void Application::slotStartupDelayed()
     applySettings(false);
     m_collector->start();
     Q_EMIT refreshTrayIcon();
+    m_milestones = new Milestones(this);
+    connect(m_milestones, &Milestones::signalNeedTrayIconMessage, this,
+            &Application::slotNeedTrayIconMessage);
+    m_milestones->refreshSettings(Milestones::All);
+    connect(m_database.get(), &Database::damageFound, this, &Application::clientRestart,
+            Qt::QueuedConnection);
+    m_database->checkInBackground();
     // Qt ends the process from within its event loop when the display goes away. Registered this
     // late, so that it runs before what was made up to here is destroyed.
     std::atexit(&Application::leaveWithoutDisplay);
@@ -230,14 +244,8 @@ void Application::applySettings(bool changedByUser)
 void Application::applyStatisticSwitches()
 {
     m_collector->flush();
-    const auto isOn = [](const SettingKey<bool>& key) { return Settings::instance().value(key); };
     const bool mayCount = !m_pausedByUser && m_database->state() == Database::State::Open;
-    for (StatSwitch statSwitch : StatSwitches::fromSettings(isOn)) {
-        if (Stat* stat = m_collector->getStat<Stat>(statSwitch.statistic)) {
-            statSwitch.enabled = statSwitch.enabled && mayCount;
-            statSwitch.applyTo(*stat);
-        }
-    }
+    AllStats::followSettings(*m_collector, mayCount);
 }
 
 void Application::singleAppMessage(const QString& message)
@@ -271,7 +279,7 @@ void Application::exitClient()
         return;
     }
     m_exiting = true;
-    resetProfileBeforeExit();
+    resetProfile("we're exiting the client");
     Log::info("Shutting down client, we've had enough!");
     closeProcesses();
     QCoreApplication::quit();
@@ -286,14 +294,13 @@ void Application::endProcess()
     std::_Exit(EXIT_SUCCESS);
 }
 
-void Application::resetProfileBeforeExit()
+void Application::resetProfile(const char* reason)
 {
     if (!m_started || m_profiles->getActiveStatsProfileId() == ProfileManager::DefaultProfileId ||
         !Settings::instance().value(SettingsKeys::ProfilesResetOnSleep)) {
         return;
     }
-    Log::info("Resetting to default profile because we're exiting the client and the setting is "
-              "enabled.");
+    Log::info("Resetting to default profile because {} and the setting is enabled.", reason);
     m_profiles->activateDefaultProfile();
 }
 
@@ -313,6 +320,9 @@ void Application::closeProcesses()
 void Application::stopCollecting()
 {
     m_closed = true;
+    if (m_milestones) {
+        m_milestones->stop();
+    }
     if (m_collector) {
         m_collector->stopCollector();
         m_collector->finish();
@@ -337,7 +347,7 @@ void Application::leaveWithoutDisplay()
         return;
     }
     m_instance->m_exiting = true;
-    m_instance->resetProfileBeforeExit();
+    m_instance->resetProfile("we're exiting the client");
     Log::info("Shutting down client, the display is gone!");
     m_instance->stopCollecting();
     m_instance->saveState();

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/Translation.h"
+#include "stats/LiveRates.h"
 #include "system/AbstractSystemListener.h"
 #include "ui/InputState.h"
 #include "ui/MessageBoxes.h"
@@ -18,6 +19,7 @@ class CommonSystem;
 class Database;
 class LocalStats;
 class MainWindowHost;
+class Milestones;
 class MousePointPruning;
 class ProfileManager;
 class TrayIcon;
@@ -43,6 +45,9 @@ public:
 
     /// Where the data lies: the per-user directory, or in portable mode the executable's.
     QString getDataDir();
+
+    /// Keys, clicks and traffic of the last seconds.
+    const LiveRates& liveRates() const { return m_liveRates; }
 
 public Q_SLOTS:
     /// Acts on what another instance, or an outside watchdog, says. Unknown text is ignored.
@@ -93,11 +98,11 @@ private Q_SLOTS:
 private:
     void onKeyDown() override;
 
-    void onKeyUp() override {}
+    void onKeyUp() override { m_liveRates.noteKey(); }
 
     void onMouseButtonDown() override;
 
-    void onMouseButtonUp() override {}
+    void onMouseButtonUp() override { m_liveRates.noteClick(); }
 
     bool openDatabase();
     void prepareStores(bool networkingDisabled, const QString& translationFile, bool restored);
@@ -109,7 +114,7 @@ private:
     void prepareWindow();
     InputState inputState() const;
     void switchKeyboardCountingOn();
-    void resetProfileBeforeExit();
+    void resetProfile(const char* reason); ///< To the default one, where the setting wants it.
 
     void stopCollecting();
     void saveState();
@@ -137,8 +142,10 @@ private:
     std::unique_ptr<CachedSystem> m_system;
     CommonSystem* m_platformSystem = nullptr; ///< Inside `m_system`.
     Collector* m_collector = nullptr;
+    LiveRates m_liveRates;
     std::unique_ptr<MousePointPruning> m_mousePointPruning;
     TrayIcon* m_tray = nullptr;
+    Milestones* m_milestones = nullptr;
     std::unique_ptr<MainWindowHost> m_window;
 
     QTimer m_memoryTimer;

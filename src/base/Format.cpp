@@ -95,22 +95,23 @@ Format::Lengths Format::lengths(const QString& system)
     return system == QLatin1String("imperial") ? Lengths::Imperial : Lengths::Metric;
 }
 
+Format::LengthUnit Format::lengthUnit(double inches, Lengths lengths)
+{
+    static constexpr std::array<LengthUnit, 3> metric{{{1e5 / 2.54, QLatin1String("km")},
+                                                       {100 / 2.54, QLatin1String("m")},
+                                                       {1 / 2.54, QLatin1String("cm")}}};
+    static constexpr std::array<LengthUnit, 3> imperial{
+        {{63'360, QLatin1String("mi")}, {12, QLatin1String("ft")}, {1, QLatin1String("in")}}};
+    const std::array<LengthUnit, 3>& units = lengths == Lengths::Metric ? metric : imperial;
+    return *std::find_if(units.begin(), units.end() - 1, [inches](const LengthUnit& candidate) {
+        return std::abs(inches) >= candidate.inches;
+    });
+}
+
 QString Format::length(double inches, Lengths lengths)
 {
-    struct Unit
-    {
-        double inches;
-        const char* name;
-    };
-
-    constexpr std::array<Unit, 3> metric{{{1e5 / 2.54, "km"}, {100 / 2.54, "m"}, {1 / 2.54, "cm"}}};
-    constexpr std::array<Unit, 3> imperial{{{63'360, "mi"}, {12, "ft"}, {1, "in"}}};
-    const std::array<Unit, 3>& units = lengths == Lengths::Metric ? metric : imperial;
-    const auto* unit =
-        std::find_if(units.begin(), units.end() - 1, [inches](const Unit& candidate) {
-            return std::abs(inches) >= candidate.inches;
-        });
-    return threeDigits(inches / unit->inches) + QLatin1Char(' ') + QLatin1String(unit->name);
+    const LengthUnit unit = lengthUnit(inches, lengths);
+    return threeDigits(inches / unit.inches) + QLatin1Char(' ') + unit.name;
 }
 
 QString Format::duration(qint64 seconds)

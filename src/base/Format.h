@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QDateTime>
+#include <QLatin1String>
 #include <QString>
 
 /// Numbers, sizes, durations and dates as text: in English form whatever the system locale, so that
@@ -26,6 +27,16 @@ enum class Lengths
 
 /// `Imperial` for "imperial", else `Metric`.
 Lengths lengths(const QString& system);
+
+/// A unit of lengths. Plain value.
+struct LengthUnit
+{
+    double inches = 1; ///< One unit in inches.
+    QLatin1String name;
+};
+
+/// The unit that `length` gives `inches` in.
+LengthUnit lengthUnit(double inches, Lengths lengths);
 
 /// A length in inches in the largest unit that leaves a whole number before the point: "12 cm",
 /// "3.05 m", "12.4 km", or "12 in", "3.05 ft", "12.4 mi".

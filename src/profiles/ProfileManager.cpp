@@ -2,15 +2,32 @@
 #include "profiles/ProfileManager.h"
 
 #include "base/Log.h"
+#include "profiles/ProfileFold.h"
 #include "storage/DSqlQuery.h"
 #include "storage/Database.h"
+#include "storage/HistoryStamp.h"
+#include "storage/Settings.h"
 
+#include <QElapsedTimer>
 #include <QSqlDatabase>
 #include <QSqlError>
+
+#include <algorithm>
 
 namespace {
 
 ProfileManager* s_instance = nullptr;
+
+/// One form for one name, however its accents were typed.
+QString stored(const QString& name)
+{
+    return name.normalized(QString::NormalizationForm_C).trimmed();
+}
+
+bool isVisible(char32_t character)
+{
+    return QChar::isPrint(character) && !QChar::isSpace(character);
+}
 
 } // namespace
 
@@ -43,6 +60,9 @@ QString ProfileManager::getActiveStatsProfileName() const
 void ProfileManager::setActiveStatsProfile(int id, const QString& name)
 {
     Log::info("Activating profile: {} with ID: {}", name, id);
+    if (id != m_statsProfileId) {
+        Q_EMIT signalNeedFlush();
+    }
     // One transaction, so that a kill in between does not leave no profile active; where the caller
     // has one open, this fails and the statements are part of that one.
     QSqlDatabase connection = Database::instance()->connection();
@@ -86,4 +106,200 @@ void ProfileManager::refreshProfileFromDatabase()
     m_statsProfileId = found ? query.value(0).toInt() : DefaultProfileId;
     m_statsProfileName = found ? query.value(1).toString() : QString();
     Q_EMIT signalActiveStatsProfileChanged(m_statsProfileId);
+}
+
+void ProfileManager::setActiveFilterProfile(int id, const QString& name)
+{
+    m_filterProfileName = name;
+    Database::instance()->setProfileFilter(id == AllProfiles ? std::nullopt : std::optional(id));
+    Q_EMIT signalActiveFilterProfileChanged(id);
+}
+
+int ProfileManager::getActiveFilterProfileId() const
+{
+    const Database* database = Database::instance();
+    return database ? database->profileFilter().value_or(AllProfiles) : AllProfiles;
+}
+
+QString ProfileManager::getActiveFilterProfileName() const
+{
+    switch (getActiveFilterProfileId()) {
+    case AllProfiles:
+        return tr("All profiles");
+    case DefaultProfileId:
+        return tr("General");
+    default:
+        return m_filterProfileName;
+    }
+}
+
+QVariantList ProfileManager::getProfiles() const
+{
+    static const QStringList keys{QStringLiteral("id"), QStringLiteral("name"),
+                                  QStringLiteral("active"), QStringLiteral("created_at"),
+                                  QStringLiteral("updated_at")};
+    DSqlQuery query(
+        Database::instance(),
+        QStringLiteral("SELECT id, name, active, created_at, updated_at FROM profiles ORDER BY "
+                       "name"),
+        true);
+    QVariantList profiles;
+    while (query.next()) {
+        QVariantMap profile;
+        for (int column = 0; column < keys.size(); ++column) {
+            profile.insert(keys.at(column), query.value(column));
+        }
+        profiles.append(profile);
+    }
+    return profiles;
+}
+
+QList<Profile> ProfileManager::profiles() const
+{
+    QList<Profile> profiles;
+    for (const QVariant& row : getProfiles()) {
+        const QVariantMap profile = row.toMap();
+        profiles.append({profile.value(QStringLiteral("id")).toInt(),
+                         profile.value(QStringLiteral("name")).toString()});
+    }
+    return profiles;
+}
+
+bool ProfileManager::profileExists(const QString& name) const
+{
+    DSqlQuery query(Database::instance(),
+                    QStringLiteral("SELECT COUNT(*) FROM profiles WHERE name = ?"), false);
+    query.bindValue(0, name);
+    return query.exec() && query.next() && query.value(0).toInt() > 0;
+}
+
+/// The default profile's name is in no row, and would be in every list twice.
+bool ProfileManager::isTaken(const QString& name) const
+{
+    return name == tr("General") || profileExists(name);
+}
+
+ProfileManager::NameResult ProfileManager::check(const QString& name) const
+{
+    const QList<uint> characters = name.toUcs4();
+    if (std::none_of(characters.cbegin(), characters.cend(), isVisible)) {
+        return NameResult::Empty;
+    }
+    if (characters.size() > LongestName) {
+        return NameResult::TooLong;
+    }
+    return isTaken(name) ? NameResult::Duplicate : NameResult::Ok;
+}
+
+ProfileManager::NameResult ProfileManager::addProfile(const QString& name)
+{
+    const QString wanted = stored(name);
+    const NameResult result = check(wanted);
+    if (result == NameResult::Duplicate) {
+        Log::warn("Tried to create a profile with a duplicate name: {}", wanted);
+    }
+    if (result != NameResult::Ok) {
+        return result;
+    }
+    DSqlQuery query(Database::instance(),
+                    QStringLiteral("INSERT INTO profiles (name, created_at, updated_at) VALUES (?, "
+                                   "datetime('now', 'localtime'), datetime('now', 'localtime'))"),
+                    false);
+    query.bindValue(0, wanted);
+    if (!query.exec()) {
+        return NameResult::Failed;
+    }
+    noteListChanged();
+    return NameResult::Ok;
+}
+
+ProfileManager::NameResult ProfileManager::editProfileName(int id, const QString& name)
+{
+    const QString wanted = stored(name);
+    const QList<Profile> all = profiles();
+    const bool keepsIt = std::any_of(all.cbegin(), all.cend(), [&](const Profile& profile) {
+        return profile.id == id && profile.name == wanted;
+    });
+    const NameResult result = keepsIt ? NameResult::Ok : check(wanted);
+    if (result == NameResult::Duplicate) {
+        Log::warn("Tried to rename a profile with a duplicate name: {}", wanted);
+    }
+    if (keepsIt || result != NameResult::Ok) {
+        return result;
+    }
+    DSqlQuery query(Database::instance(),
+                    QStringLiteral("UPDATE profiles SET name = ?, updated_at = datetime('now', "
+                                   "'localtime') WHERE id = ?"),
+                    false);
+    query.bindValue(0, wanted);
+    query.bindValue(1, id);
+    if (!query.exec() || query.numRowsAffected() == 0) {
+        return NameResult::Failed;
+    }
+    if (id == m_statsProfileId) {
+        m_statsProfileName = wanted;
+    }
+    if (id == getActiveFilterProfileId()) {
+        m_filterProfileName = wanted;
+    }
+    noteListChanged();
+    return NameResult::Ok;
+}
+
+bool ProfileManager::deleteProfile(int id)
+{
+    QElapsedTimer timer;
+    timer.start();
+    Q_EMIT signalNeedFlush();
+    QSqlDatabase connection = Database::instance()->connection();
+    if (id == DefaultProfileId || !connection.transaction()) {
+        return false;
+    }
+    if (!fold(id) || !connection.commit()) {
+        Log::error("Unable to delete the profile with ID: {}", id);
+        connection.rollback();
+        return false;
+    }
+    replaceDeleted(id);
+    Q_EMIT signalProfilesChanged();
+    Log::info("Deletion of profile took {}ms", timer.elapsed());
+    return true;
+}
+
+/// The profile goes last, so that its rows are nobody's at no time.
+bool ProfileManager::fold(int id)
+{
+    Database* database = Database::instance();
+    DSqlQuery query(database, QStringLiteral("DELETE FROM profiles WHERE id = ?"), false);
+    query.bindValue(0, id);
+    return ProfileFold::apply(database->connection(), id) &&
+           HistoryStamp::renew(database->connection()) && query.exec() &&
+           query.numRowsAffected() > 0 &&
+           Settings::instance().setValue(SettingsKeys::ProfilesHaveChanged, true);
+}
+
+void ProfileManager::replaceDeleted(int id)
+{
+    if (id == m_statsProfileId) {
+        activateDefaultProfile();
+    }
+    if (id == getActiveFilterProfileId()) {
+        setActiveFilterProfile(DefaultProfileId, tr("General"));
+    }
+}
+
+void ProfileManager::noteListChanged()
+{
+    Settings::instance().setValue(SettingsKeys::ProfilesHaveChanged, true);
+    Q_EMIT signalProfilesChanged();
+}
+
+bool ProfileManager::shouldUploadProfiles() const
+{
+    return Settings::instance().value(SettingsKeys::ProfilesHaveChanged);
+}
+
+void ProfileManager::successFullyUploadedProfiles()
+{
+    Settings::instance().setValue(SettingsKeys::ProfilesHaveChanged, false);
 }

@@ -2,6 +2,8 @@
 #include "stats/HistoryShift.h"
 
 #include "storage/DSqlQuery.h"
+#include "storage/Database.h"
+#include "storage/HistoryStamp.h"
 
 #include <QList>
 #include <QStringList>
@@ -130,7 +132,9 @@ bool moveTable(Database* database, const FollowingTable& table, int days, int se
 bool HistoryShift::apply(Database* database, int days, int seconds)
 {
     const QList<FollowingTable> tables = followingTables();
-    return std::all_of(tables.cbegin(), tables.cend(), [=](const FollowingTable& table) {
-        return moveTable(database, table, days, seconds);
-    });
+    return std::all_of(tables.cbegin(), tables.cend(),
+                       [=](const FollowingTable& table) {
+                           return moveTable(database, table, days, seconds);
+                       }) &&
+           HistoryStamp::renew(database->connection());
 }

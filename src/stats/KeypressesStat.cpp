@@ -6,7 +6,6 @@
 
 #include <QHash>
 #include <QRandomGenerator>
-#include <QTime>
 
 #include <algorithm>
 #include <exception>
@@ -28,7 +27,7 @@ std::uint32_t randomSeed()
 } // namespace
 
 KeypressesStat::KeypressesStat(AbstractSystem* system, QObject* parent)
-    : Stat(system, parent)
+    : InputStat(system, parent)
     , m_total(QStringLiteral(R"(UPDATE OR IGNORE keypresses SET "count"="count"+? )"
                              R"(WHERE "day"=date('now', 'localtime') AND "hour"=? )"
                              R"(AND "profile_id"=?)"),
@@ -71,51 +70,15 @@ KeypressesStat::KeypressesStat(AbstractSystem* system, QObject* parent)
 {
 }
 
-int KeypressesStat::getUpdateMilliSecondMod() const
+void KeypressesStat::discardGathered()
 {
-    return 60'000;
-}
-
-int KeypressesStat::getUpdateMilliSecondModUI() const
-{
-    return 500;
-}
-
-int KeypressesStat::getFrequentUpdateMilliSecond() const
-{
-    return 5'000;
-}
-
-int KeypressesStat::getFrequentUpdateMilliSecondUI() const
-{
-    return 500;
-}
-
-int KeypressesStat::getInfrequentUpdateMilliSecond() const
-{
-    return 60'000;
-}
-
-void KeypressesStat::onEnabled()
-{
-    // The listener may have gone on for the mouse: what was typed while this was off is not
-    // counted.
     system().retrieveIncrementalKeyCombinations();
     system().retrieveIncrementalKeyPresses();
-    system().acquireInputMonitor();
-}
-
-void KeypressesStat::onDisabled()
-{
-    system().releaseInputMonitor();
 }
 
 void KeypressesStat::doFrequentUpdate(QDateTime now, bool)
 {
-    const QString path = system().getActiveApplicationPath();
-    // A null text would be stored as NULL, which the tables do not take.
-    const Place place{now.time().hour(), statsProfileId(),
-                      path.isNull() ? QLatin1String("") : path};
+    const Place place = placeAt(now);
     writeCombinations(place);
 
     QList<Qt::Key> keys = system().retrieveIncrementalKeyPresses();
@@ -140,8 +103,7 @@ void KeypressesStat::writeCombinations(const Place& place)
             continue;
         }
         m_combination.add({place.hour, text, place.profileId}, {place.hour, text, place.profileId});
-        if (isPerApplication() && !place.path.isEmpty() &&
-            !system().shouldExcludeApplicationForStats(place.path)) {
+        if (isFiledPerApplication(place)) {
             m_combinationPerApplication.add({place.hour, text, place.path, place.profileId},
                                             {place.hour, place.path, text, place.profileId});
         }
@@ -204,15 +166,12 @@ void KeypressesStat::writeTotal(int count, const Place& place)
 
 void KeypressesStat::writeApplication(int count, const QList<KeyCount>& counts, const Place& place)
 {
-    if (!isPerApplication() || system().shouldExcludeApplicationForStats(place.path)) {
-        return;
-    }
-    if (!place.path.isEmpty()) {
+    if (isFiledPerApplication(place)) {
         m_perApplication.add({count, place.hour, place.path, place.profileId},
                              {place.hour, place.path, count, place.profileId});
         LocalStats::instance()->increaseAppKeys(place.path, count);
     }
-    if (isHeatmap()) {
+    if (isHeatmap() && mayFilePerApplication(place)) {
         writeApplicationKeys(counts, place);
     }
 }

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "stats/CountedRow.h"
-#include "stats/Stat.h"
+#include "stats/InputStat.h"
 
 #include <QList>
 
@@ -13,7 +13,7 @@ struct KeyCombination;
 ///
 /// The order in which keys were typed is destroyed before anything is stored, and no key is logged.
 /// Thread: main.
-class KeypressesStat : public Stat
+class KeypressesStat : public InputStat
 {
     Q_OBJECT
 
@@ -21,13 +21,6 @@ public:
     /// Prepares its statements; `Database`, `LocalStats` must exist.
     KeypressesStat(AbstractSystem* system, QObject* parent);
 
-    int getUpdateMilliSecondMod() const override;
-    int getUpdateMilliSecondModUI() const override;
-    int getFrequentUpdateMilliSecond() const override;
-    int getFrequentUpdateMilliSecondUI() const override;
-    int getInfrequentUpdateMilliSecond() const override;
-    void onEnabled() override;
-    void onDisabled() override;
     void doFrequentUpdate(QDateTime now, bool ui) override;
 
 private:
@@ -38,14 +31,7 @@ private:
         int count;
     };
 
-    /// Where the counts of one update belong. Plain value.
-    struct Place
-    {
-        int hour;
-        int profileId;
-        QString path; ///< The application in front; empty when unknown.
-    };
-
+    void discardGathered() override;
     static QString combinationText(const KeyCombination& combination);
     static QList<KeyCount> shuffledCounts(QList<Qt::Key> keys);
     void writeCombinations(const Place& place);

@@ -8,6 +8,8 @@
 #include <QRegularExpression>
 #include <QSqlError>
 
+#include <sqlite3.h>
+
 DSqlQuery::DSqlQuery(Database* database)
     : DSqlQuery(database->connection())
 {
@@ -151,6 +153,9 @@ void DSqlQuery::checkError(bool ok, const QString& context) const
         return;
     }
     const QSqlError error = lastError();
+    if (error.nativeErrorCode().toInt() == SQLITE_INTERRUPT) {
+        return; // Someone wanted that.
+    }
     Log::error("{} failed", context);
     Log::error("{}", lastQuery().isEmpty() ? QStringLiteral("  No last query?!") : lastQuery());
     if (!error.databaseText().isEmpty()) {

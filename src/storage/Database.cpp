@@ -2,12 +2,13 @@
 #include "storage/Database.h"
 
 #include "base/Log.h"
+#include "storage/BackgroundCheck.h"
 #include "storage/DSqlQuery.h"
 #include "storage/DatabaseBackup.h"
 #include "storage/DatabaseCleaner.h"
+#include "storage/HistoryStamp.h"
 #include "storage/IntegrityCheck.h"
 #include "storage/Migrations.h"
-#include "storage/ReadingConnection.h"
 
 #include <QDateTime>
 #include <QElapsedTimer>
@@ -17,14 +18,6 @@
 namespace {
 
 Database* s_instance = nullptr;
-
-bool isSound(const QString& databaseFile)
-{
-    const ReadingConnection connection(databaseFile);
-    return connection.isOpen() &&
-           IntegrityCheck::run(connection.database(), IntegrityCheck::Depth::Quick).verdict ==
-               IntegrityCheck::Verdict::Sound;
-}
 
 } // namespace
 
@@ -73,6 +66,7 @@ void Database::finishOpening(Outcome outcome)
 {
     switch (outcome) {
     case Outcome::Opened:
+        m_files.unmarkDamaged();
         if (setupDatabase()) {
             backupIfDue();
         }
@@ -176,6 +170,10 @@ Database::Outcome Database::checkOpened()
         return Outcome::Newer;
     }
     setPragmas();
+    m_unchecked = mayBeCheckedLater();
+    if (m_unchecked) {
+        return Outcome::Opened;
+    }
     const IntegrityCheck check = IntegrityCheck::run(m_connection, IntegrityCheck::Depth::Quick);
     Log::info("Database check: {}", check.text);
     if (check.verdict == IntegrityCheck::Verdict::Sound) {
@@ -184,6 +182,36 @@ Database::Outcome Database::checkOpened()
     m_failure = tr("Unable to open database: failed database integrity check (") + check.text +
                 QLatin1Char(')');
     return check.verdict == IntegrityCheck::Verdict::Damaged ? Outcome::Damaged : Outcome::Failed;
+}
+
+/// A damage to the first pages, without which nothing can be read, shows at once; an upgrade
+/// rewrites tables, and needs a sound database.
+bool Database::mayBeCheckedLater()
+{
+    return getDatabaseFileSize() > LargestCheckedAtOpening && m_version == SchemaVersion &&
+           !m_files.isMarkedDamaged() && BackgroundCheck::suits(m_connection);
+}
+
+void Database::checkInBackground()
+{
+    if (!m_unchecked || m_backgroundCheck) {
+        return;
+    }
+    m_backgroundCheck = std::make_unique<BackgroundCheck>(m_connection);
+    QObject::connect(m_backgroundCheck.get(), &BackgroundCheck::finished, this,
+                     &Database::takeBackgroundCheck);
+    m_backgroundCheck->start();
+}
+
+void Database::takeBackgroundCheck(const IntegrityCheck& check)
+{
+    Log::info("Database check: {}", check.text);
+    if (check.verdict == IntegrityCheck::Verdict::Sound) {
+        m_unchecked = false;
+        backupIfDue();
+    } else if (check.verdict == IntegrityCheck::Verdict::Damaged && m_files.markDamaged()) {
+        Q_EMIT damageFound();
+    }
 }
 
 void Database::setPragmas()
@@ -236,7 +264,7 @@ Database::Outcome Database::restore()
     }
     // Looked at before it is put in place, so that a user who then wants no new database finds all
     // files as they were.
-    if (!isSound(backup)) {
+    if (!IntegrityCheck::isSound(backup)) {
         return Outcome::Damaged;
     }
     const std::optional<QString> kept = m_files.keepDamaged();
@@ -253,6 +281,7 @@ Database::Outcome Database::restore()
     const Outcome outcome = open();
     if (outcome == Outcome::Opened) {
         Log::info("Recovered database from backup file!");
+        HistoryStamp::renew(m_connection);
     }
     return outcome;
 }
@@ -325,6 +354,7 @@ bool Database::createSchema()
 bool Database::upgrade()
 {
     if (m_version == 0) {
+        HistoryStamp::renew(m_connection);
         DSqlQuery query(this);
         const bool ok = query.exec(QStringLiteral("PRAGMA user_version=%1;").arg(SchemaVersion));
         Log::info("First time database use detected, setting version to: {}", SchemaVersion);
@@ -403,8 +433,10 @@ void Database::closeDatabase()
     if (m_connection.isOpen()) {
         Q_EMIT aboutToClose();
     }
+    m_backgroundCheck.reset();
     m_backup.reset();
     m_connection.close();
+    m_unchecked = false;
     m_state = State::Closed;
 }
 
@@ -422,7 +454,7 @@ bool Database::reconnectIfNeeded()
 
 void Database::backupDatabase()
 {
-    if (m_state != State::Open || (m_backup && m_backup->isRunning())) {
+    if (m_state != State::Open || m_unchecked || (m_backup && m_backup->isRunning())) {
         return;
     }
     m_backup = std::make_unique<DatabaseBackup>(m_connection, m_files.backupFileName());
@@ -442,19 +474,9 @@ void Database::backupIfDue()
     }
 }
 
-Database::State Database::state() const
-{
-    return m_state;
-}
-
 QSqlDatabase Database::connection() const
 {
     return m_connection;
-}
-
-QString Database::getDatabaseFileName() const
-{
-    return m_files.fileName();
 }
 
 qint64 Database::getDatabaseFileSize() const
@@ -462,14 +484,14 @@ qint64 Database::getDatabaseFileSize() const
     return QFileInfo(m_files.fileName()).size();
 }
 
-QString Database::keptDamagedFile() const
-{
-    return m_keptFile;
-}
-
 void Database::setProfileFilter(std::optional<int> profileId)
 {
     m_profileFilter = profileId;
+}
+
+std::optional<int> Database::profileFilter() const
+{
+    return m_profileFilter;
 }
 
 QString Database::generateWhereQueryProfileFilter(const QString& table) const

@@ -11,7 +11,9 @@
 #include <memory>
 #include <optional>
 
+class BackgroundCheck;
 class DatabaseBackup;
+struct IntegrityCheck;
 
 /// The client's SQLite database "tallyvane.db": opens, tunes, checks, upgrades and rescues it.
 /// One instance; thread: main.
@@ -24,6 +26,9 @@ class DatabaseBackup;
 ///        |          |                          ask --yes--> open a new one; --no--> Failed
 ///        |          newer --> NewerVersion
 ///        not accessible --> Failed
+///
+/// The check of a large database would hold up the start for seconds: it is opened unchecked, and
+/// `checkInBackground` makes up for it. Until that has said "ok", the ".backup" stays as it is.
 ///
 /// Nothing that was there is deleted: a damaged file is kept beside the new one under a dated name,
 /// and an old one is copied before it is upgraded.
@@ -42,6 +47,9 @@ public:
     };
 
     static constexpr int SchemaVersion = 11;
+    /// Up to this size a database is checked before it is used: a fraction of a second.
+    static constexpr qint64 LargestCheckedAtOpening = Q_INT64_C(32) << 20;
+
     static inline const QString ConnectionName = QStringLiteral("tv-db-connection");
 
     /// Opens "tallyvane.db" in `dataDirectory`, creating, upgrading or rescuing it as needed; see
@@ -70,6 +78,10 @@ public:
     /// SQLite's full check, indexes against tables included; takes seconds on a large database.
     QString checkDatabaseFull();
 
+    /// Begins the check that a large database was opened without, in a thread of its own; does
+    /// nothing on one that was checked. See `damageFound`.
+    void checkInBackground();
+
     /// Deletes the statistics and starts today at zero. False where nothing was deleted.
     bool cleanDatabase();
 
@@ -83,19 +95,23 @@ public:
     bool reconnectIfNeeded();
 
     /// Begins to refresh the ".backup" copy from the event loop; see `DatabaseBackup`. Does nothing
-    /// while one is in progress, and unless the state is Open.
+    /// while one is in progress, and unless the state is Open and the database is checked.
     void backupDatabase();
 
-    State state() const;
+    State state() const { return m_state; }
+
     QSqlDatabase connection() const; ///< The main thread's connection.
-    QString getDatabaseFileName() const;
+
+    QString getDatabaseFileName() const { return m_files.fileName(); }
+
     qint64 getDatabaseFileSize() const; ///< Bytes; 0 when there is no file.
 
     /// The path under which a damaged file was kept in this run; empty where none was.
-    QString keptDamagedFile() const;
+    QString keptDamagedFile() const { return m_keptFile; }
 
     /// The profile whose statistics the views show; none, as at first, stands for all profiles.
     void setProfileFilter(std::optional<int> profileId);
+    std::optional<int> profileFilter() const;
 
     /// The SQL condition that restricts a query to the profile filter: "profile_id = 3", or "1"
     /// where all profiles are shown. `table` is the table's name or alias in that query, or empty.
@@ -110,6 +126,10 @@ public:
 Q_SIGNALS:
     /// The connection is about to close: whoever holds a query on it must let go of it now.
     void aboutToClose();
+
+    /// The check in the background found damage, and so did the main connection. The next opening
+    /// of the file will check it first, and rescue it: whoever gets this restarts the client.
+    void damageFound();
 
     /// The ".backup" copy was refreshed (true), or stays as it was.
     void backupFinished(bool refreshed);
@@ -126,6 +146,8 @@ private:
 
     Outcome open();
     Outcome checkOpened();
+    bool mayBeCheckedLater();
+    void takeBackgroundCheck(const IntegrityCheck& check);
     Outcome rescue();
     Outcome restore();
     Outcome startFresh();
@@ -146,9 +168,11 @@ private:
     QSqlDatabase m_connection;
     State m_state = State::Closed;
     DatabaseFiles::Access m_access = DatabaseFiles::Access::ReadWrite;
-    int m_version = 0;  ///< As found in the file.
-    QString m_failure;  ///< What the user is told when opening fails.
-    QString m_keptFile; ///< See `keptDamagedFile`.
+    int m_version = 0;        ///< As found in the file.
+    bool m_unchecked = false; ///< Opened without a check.
+    QString m_failure;        ///< What the user is told when opening fails.
+    QString m_keptFile;       ///< See `keptDamagedFile`.
     std::optional<int> m_profileFilter;
+    std::unique_ptr<BackgroundCheck> m_backgroundCheck;
     std::unique_ptr<DatabaseBackup> m_backup;
 };

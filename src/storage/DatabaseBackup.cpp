@@ -2,13 +2,12 @@
 #include "storage/DatabaseBackup.h"
 
 #include "base/Log.h"
-#include "storage/DSqlQuery.h"
 #include "storage/DatabaseFiles.h"
 #include "storage/IntegrityCheck.h"
 #include "storage/ReadingConnection.h"
+#include "storage/SqliteHandle.h"
 
 #include <QFile>
-#include <QSqlDriver>
 #include <QThread>
 
 #include <sqlite3.h>
@@ -22,29 +21,6 @@ using namespace std::chrono_literals;
 /// 256 KiB at SQLite's default page size: a fraction of a millisecond, some 25 MB a second.
 constexpr int PagesPerStep = 64;
 constexpr auto StepInterval = 10ms;
-
-/// How many instructions of SQLite's machine run between two looks at whether to give up.
-constexpr int InstructionsPerLook = 10'000;
-
-/// The handle of a Qt connection; null where Qt's driver brings a SQLite of its own, whose handles
-/// the library this program is linked to must not touch.
-sqlite3* handleOf(const QSqlDatabase& connection)
-{
-    DSqlQuery query(connection);
-    if (!query.exec(QStringLiteral("SELECT sqlite_source_id()")) || !query.next() ||
-        query.value(0).toString() != QLatin1String(sqlite3_sourceid())) {
-        return nullptr;
-    }
-    const QVariant handle = connection.driver()->handle();
-    return qstrcmp(handle.typeName(), "sqlite3*") == 0
-               ? *static_cast<sqlite3* const*>(handle.data())
-               : nullptr;
-}
-
-int isAbandoned(void* flag)
-{
-    return static_cast<const std::atomic<bool>*>(flag)->load() ? 1 : 0;
-}
 
 } // namespace
 
@@ -84,7 +60,7 @@ DatabaseBackup::~DatabaseBackup()
 
 bool DatabaseBackup::start()
 {
-    sqlite3* source = handleOf(m_source);
+    sqlite3* source = sqliteHandle(m_source);
     if (source == nullptr) {
         Log::warn("Unable to back up the database: its SQLite library is another one");
         return false;
@@ -161,18 +137,13 @@ void DatabaseBackup::checkCopy()
 bool DatabaseBackup::isCopySound()
 {
     const ReadingConnection connection(m_part);
-    sqlite3* handle = handleOf(connection.database());
-    if (handle == nullptr) {
+    const std::optional<IntegrityCheck> check =
+        IntegrityCheck::runUntil(m_abandoned, connection.database(), IntegrityCheck::Depth::Full);
+    if (!check) {
         return false;
     }
-    sqlite3_progress_handler(handle, InstructionsPerLook, &isAbandoned, &m_abandoned);
-    const IntegrityCheck check =
-        IntegrityCheck::run(connection.database(), IntegrityCheck::Depth::Full);
-    sqlite3_progress_handler(handle, 0, nullptr, nullptr);
-    if (!m_abandoned) {
-        Log::info("Database integrity check: {}", check.text);
-    }
-    return check.verdict == IntegrityCheck::Verdict::Sound && !m_abandoned;
+    Log::info("Database integrity check: {}", check->text);
+    return check->verdict == IntegrityCheck::Verdict::Sound;
 }
 
 void DatabaseBackup::end(bool replaced)

@@ -2,6 +2,7 @@
 #include "storage/DatabaseCleaner.h"
 
 #include "storage/DSqlQuery.h"
+#include "storage/HistoryStamp.h"
 
 #include <algorithm>
 
@@ -78,7 +79,8 @@ bool DatabaseCleaner::clean(const QStringList& tables)
     if (!m_connection.transaction()) {
         return false;
     }
-    if (deleteRows(tables) && startTodayAtZero() && m_connection.commit()) {
+    if (deleteRows(tables) && startTodayAtZero() && HistoryStamp::renew(m_connection) &&
+        m_connection.commit()) {
         return true;
     }
     m_connection.rollback();

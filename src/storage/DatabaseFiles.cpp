@@ -263,6 +263,26 @@ bool DatabaseFiles::keepBackup() const
     return true;
 }
 
+QString DatabaseFiles::damageMarkName() const
+{
+    return m_fileName + QStringLiteral(".damage-found");
+}
+
+bool DatabaseFiles::isMarkedDamaged() const
+{
+    return QFileInfo::exists(damageMarkName());
+}
+
+bool DatabaseFiles::markDamaged() const
+{
+    return createEmpty(damageMarkName());
+}
+
+void DatabaseFiles::unmarkDamaged() const
+{
+    QFile::remove(damageMarkName());
+}
+
 bool DatabaseFiles::replaceBy(const QString& file) const
 {
     // A journal left by a crash belongs to the old file; SQLite would roll it back into the new

@@ -78,6 +78,12 @@ public:
     /// Moves the ".backup" copy to a dated name. True also where there is none.
     bool keepBackup() const;
 
+    /// Whether the database was found damaged while it was open: it must be checked before it is
+    /// used again. The mark is a file beside it, so that it outlives the process.
+    bool isMarkedDamaged() const;
+    bool markDamaged() const; ///< False where the mark could not be made.
+    void unmarkDamaged() const;
+
     /// Puts `file`, on the same file system, in the place of the database. On failure nothing has
     /// changed (false).
     bool replaceBy(const QString& file) const;
@@ -86,5 +92,7 @@ public:
     bool startEmpty() const;
 
 private:
+    QString damageMarkName() const;
+
     QString m_fileName;
 };

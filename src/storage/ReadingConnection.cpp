@@ -5,6 +5,7 @@
 #include "storage/Database.h"
 
 #include <QSqlError>
+#include <QUrl>
 
 #include <atomic>
 
@@ -17,13 +18,26 @@ QString nextName()
     return Database::ConnectionName + QStringLiteral("-0x") + QString::number(next++, hexadecimal);
 }
 
+/// See https://sqlite.org/uri.html.
+QString lockless(const QString& fileName)
+{
+    return QString::fromLatin1(QUrl::fromLocalFile(fileName).toEncoded()) +
+           QStringLiteral("?mode=ro&immutable=1");
+}
+
 } // namespace
 
-ReadingConnection::ReadingConnection(const QString& fileName)
+ReadingConnection::ReadingConnection(const QString& fileName, Locking locking)
     : m_connection(Database::connectionNamed(nextName()))
 {
-    m_connection.setDatabaseName(fileName);
-    m_connection.setConnectOptions(Database::connectOptions(DatabaseFiles::Access::ReadOnly));
+    const QString options = Database::connectOptions(DatabaseFiles::Access::ReadOnly);
+    if (locking == Locking::None) {
+        m_connection.setDatabaseName(lockless(fileName));
+        m_connection.setConnectOptions(options + QStringLiteral(";QSQLITE_OPEN_URI"));
+    } else {
+        m_connection.setDatabaseName(fileName);
+        m_connection.setConnectOptions(options);
+    }
     if (!m_connection.open()) {
         Log::error("Unable to open database: {}", m_connection.lastError().text());
     }

@@ -10,7 +10,15 @@
 class ReadingConnection
 {
 public:
-    explicit ReadingConnection(const QString& fileName);
+    enum class Locking
+    {
+        Usual,
+        /// Takes no lock, so that no writer waits for it, and looks at no journal: what it reads
+        /// may be one half of a change, and is only ever a hint.
+        None,
+    };
+
+    explicit ReadingConnection(const QString& fileName, Locking locking = Locking::Usual);
     ~ReadingConnection();
 
     ReadingConnection(const ReadingConnection&) = delete;

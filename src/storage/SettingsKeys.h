@@ -247,7 +247,9 @@ inline const SettingKey<bool> CombinationsHideCtrl{QStringLiteral("combinations_
 /// Hides combinations with Shift.
 inline const SettingKey<bool> CombinationsHideShift{QStringLiteral("combinations_hide_shift"),
                                                     false};
-/// Layout in which the heat map is drawn.
+/// Keyboard on which keys are shown: its form, "ansi" or "iso", "-", and its letters, "qwerty" (US),
+/// "qwerty-uk", "qwertz" (German), "azerty" (French), "dvorak" or "colemak", as in "iso-qwertz".
+/// Without one, what is usual where the system's locale lies.
 inline const SettingKey<QString> KeyboardLayout{QStringLiteral("keyboard_layout")};
 
 // Without a stored default: the account.
@@ -302,6 +304,10 @@ inline const SettingKey<QDateTime> OnlineLastHeatmapButtons{
 /// Last upload.
 inline const SettingKey<QDateTime> OnlineLastHeatmapButtonsApps{
     QStringLiteral("online_last_heatmap_buttons_apps")};
+
+// Without a stored default: the history.
+/// Differs once stored days were changed after the fact; see `HistoryStamp`, which alone uses it.
+inline const SettingKey<QString> HistoryStamp{QStringLiteral("history_stamp")};
 
 // Without a stored default: the main window.
 /// As `QWidget::saveGeometry` gives it.

@@ -5,6 +5,7 @@
 #include "storage/DSqlQuery.h"
 #include "storage/Database.h"
 #include "storage/DatabaseFiles.h"
+#include "storage/HistoryStamp.h"
 
 #include <QFileInfo>
 
@@ -16,6 +17,8 @@ bool applyPendingRestore(const QString& dataDirectory)
     if (!QFileInfo(restored).isFile()) {
         return false;
     }
+    // Before it takes its place. A file that cannot be written to is found out when it is opened.
+    HistoryStamp::renewFile(restored);
     const DatabaseFiles files(dataDirectory + QLatin1Char('/') + DatabaseFiles::Name);
     if (!files.replaceBy(restored)) {
         Log::warn("Unable to rename restored database: {} to: {}", restored, files.fileName());

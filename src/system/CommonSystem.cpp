@@ -78,6 +78,11 @@ void CommonSystem::releaseInputMonitor()
     }
 }
 
+QStringList CommonSystem::excludedApplications() const
+{
+    return m_excludedApplications.items();
+}
+
 bool CommonSystem::shouldExcludeApplicationForStats(QString path)
 {
     return m_excludedApplications.contains(path);

@@ -34,6 +34,9 @@ public:
     /// Reads both exclusion tables again, after the database was cleaned or replaced.
     void reloadExclusions();
 
+    /// The executable paths that are excluded from counting per application, in no order.
+    QStringList excludedApplications() const;
+
     QList<KnownApplication> getApplicationDatabase() override;
     void stop() override;
     void acquireInputMonitor() override;

@@ -41,6 +41,11 @@ bool ExclusionList::contains(const QString& item) const
     return !m_items.isEmpty() && m_items.contains(normalised(item));
 }
 
+QStringList ExclusionList::items() const
+{
+    return m_items.values();
+}
+
 void ExclusionList::add(const QString& item)
 {
     const QString key = normalised(item);

@@ -3,6 +3,7 @@
 
 #include <QSet>
 #include <QString>
+#include <QStringList>
 
 class Database;
 
@@ -24,6 +25,7 @@ public:
     ExclusionList(Database* database, Kind kind);
 
     bool contains(const QString& item) const;
+    QStringList items() const;     ///< In no order.
     void add(const QString& item); ///< An empty item is no exclusion and is left out.
     void remove(const QString& item);
 

@@ -32,6 +32,7 @@ Card::Card(const QString& name, const QString& title, QWidget* picture, QAbstrac
     , m_explanation(new QLabel(this))
     , m_menuButton(new QToolButton(this))
     , m_pages(new QStackedLayout)
+    , m_table(qobject_cast<CountsTable*>(picture))
 {
     setObjectName(name);
     setAccessibleName(title);
@@ -56,6 +57,11 @@ Card::Card(const QString& name, const QString& title, QWidget* picture, QAbstrac
     body->addLayout(m_pages);
     layout->addLayout(body, 1);
     buildMenu();
+    if (m_table != nullptr) {
+        m_tableAction->setVisible(false);
+        m_menuButton->setToolTip(tr("Copy or save"));
+        m_table->setTabOrderAfter(m_menuButton);
+    }
     applyTheme();
 }
 

@@ -22,7 +22,8 @@ class Card : public QFrame
 
 public:
     /// Draws `picture`, which it takes over; `model` is the same data as a table and must live
-    /// longer. `name` becomes part of object names and of the names of saved files.
+    /// longer. A picture that is a `CountsTable` itself has no other table behind the menu. `name`
+    /// becomes part of object names and of the names of saved files.
     Card(const QString& name, const QString& title, QWidget* picture, QAbstractItemModel* model,
          QWidget* parent = nullptr);
 
@@ -65,7 +66,7 @@ private:
     QToolButton* m_menuButton;
     QAction* m_tableAction = nullptr;
     QStackedLayout* m_pages;
-    CountsTable* m_table = nullptr; ///< Null until it was first shown.
+    CountsTable* m_table; ///< Null until it was first shown.
     int m_sortColumn = 1;
     Qt::SortOrder m_sortOrder = Qt::DescendingOrder;
 };

@@ -21,11 +21,18 @@
 
 CountsTable::CountsTable(QAbstractItemModel* model, const QString& title, int sortColumn,
                          Qt::SortOrder order, QWidget* parent)
+    : CountsTable(new QSortFilterProxyModel, model, title, sortColumn, order, parent)
+{
+}
+
+CountsTable::CountsTable(QSortFilterProxyModel* proxy, QAbstractItemModel* model,
+                         const QString& title, int sortColumn, Qt::SortOrder order, QWidget* parent)
     : QWidget(parent)
-    , m_proxy(new QSortFilterProxyModel(this))
+    , m_proxy(proxy)
     , m_filter(new QLineEdit(this))
     , m_view(new QTableView(this))
 {
+    m_proxy->setParent(this);
     m_proxy->setSourceModel(model);
     m_proxy->setSortRole(CountsModel::SortRole);
     m_proxy->setSortCaseSensitivity(Qt::CaseInsensitive);
@@ -103,6 +110,10 @@ bool CountsTable::eventFilter(QObject* watched, QEvent* event)
         copySelection();
         return true;
     }
+    if (key->key() == Qt::Key_F10 && key->modifiers() == Qt::ShiftModifier) {
+        showMenu(m_view->visualRect(m_view->currentIndex()).center());
+        return true;
+    }
     const bool types = !key->text().isEmpty() && key->text().at(0).isLetterOrNumber() &&
                        !(key->modifiers() & (Qt::ControlModifier | Qt::AltModifier));
     if (types) {
@@ -126,6 +137,8 @@ void CountsTable::copySelection() const
     }
 }
 
+void CountsTable::fillMenu(QMenu&) {}
+
 void CountsTable::showMenu(const QPoint& position)
 {
     if (!m_view->selectionModel()->hasSelection()) {
@@ -135,5 +148,6 @@ void CountsTable::showMenu(const QPoint& position)
     menu->setAttribute(Qt::WA_DeleteOnClose);
     connect(menu->addAction(Icons::symbol(QStringLiteral("copy")), tr("Copy rows")),
             &QAction::triggered, this, &CountsTable::copySelection);
+    fillMenu(*menu);
     menu->popup(m_view->viewport()->mapToGlobal(position));
 }

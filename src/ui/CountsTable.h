@@ -5,6 +5,7 @@
 
 class QAbstractItemModel;
 class QLineEdit;
+class QMenu;
 class QSortFilterProxyModel;
 class QTableView;
 
@@ -26,6 +27,15 @@ public:
     void focusFilter();
 
 protected:
+    /// As above, but sorted and filtered by `proxy`, which it takes over.
+    CountsTable(QSortFilterProxyModel* proxy, QAbstractItemModel* model, const QString& title,
+                int sortColumn, Qt::SortOrder order, QWidget* parent);
+
+    /// Adds what else can be done with the selected rows, of which there is at least one.
+    virtual void fillMenu(QMenu& menu);
+
+    QTableView* view() const { return m_view; }
+
     void changeEvent(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 

@@ -36,6 +36,14 @@ FiguresModel::Column FiguresModel::dayColumn(const QString& header)
             .alignment = Qt::AlignLeft | Qt::AlignVCenter};
 }
 
+void FiguresModel::setColumns(const QList<Column>& columns)
+{
+    beginResetModel();
+    m_columns = columns;
+    m_rows.clear();
+    endResetModel();
+}
+
 void FiguresModel::setRows(const QList<Row>& rows)
 {
     if (rows == m_rows) {

@@ -32,6 +32,9 @@ public:
     static Column durationColumn(const QString& header);
     static Column dayColumn(const QString& header);
 
+    /// Replaces the columns, and drops the rows.
+    void setColumns(const QList<Column>& columns);
+
     void setRows(const QList<Row>& rows);
     const QList<Row>& rows() const;
 

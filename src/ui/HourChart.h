@@ -2,46 +2,33 @@
 #pragma once
 
 #include "ui/HourSlots.h"
+#include "ui/SeriesChart.h"
 
-#include <QChartView>
+#include <QDate>
 #include <QHash>
 
-QT_BEGIN_NAMESPACE
-class QBarSet;
-class QCategoryAxis;
-class QValueAxis;
-QT_END_NAMESPACE
-
-/// The keys of each hour of one day as bars from zero. Hovering over an hour tells its exact count.
-/// Thread: main.
-class HourChart : public QChartView
+/// A quantity over the hours of one day as bars from zero. Hovering over an hour tells its exact
+/// value. Thread: main.
+class HourChart : public SeriesChart
 {
     Q_OBJECT
 
 public:
     explicit HourChart(QWidget* parent = nullptr);
 
-    /// `keys` by hour; an hour it lacks has none. Bars of an hour that comes twice on that day each
-    /// show half of its count, since the two are stored as one.
-    void setDay(const QDate& day, const QHash<int, qint64>& keys);
+    /// `values` by hour; an hour it lacks has none. Bars of an hour that comes twice on that day
+    /// each show half of its value, since the two are stored as one. The hour of `now` is marked.
+    void setDay(const QDate& day, const Quantity& quantity, const QHash<int, double>& values,
+                const QDateTime& now);
 
 protected:
-    void changeEvent(QEvent* event) override;
-    void mouseMoveEvent(QMouseEvent* event) override;
-    void leaveEvent(QEvent* event) override;
+    QString describe(int column) const override;
+    QString summary() const override;
 
 private:
-    void buildAxes();
-    void setSlots(const QList<HourSlot>& hours);
-    void setTop(qint64 largest);
-    void applyTheme();
-    QString describe(int slot) const;
-    void updateAccessibleText();
+    int columnOf(const QDateTime& time) const;
 
-    QBarSet* m_set;
-    QCategoryAxis* m_hourAxis;
-    QValueAxis* m_keyAxis;
     QDate m_day;
     QList<HourSlot> m_hours;
-    QHash<int, qint64> m_keys;
+    QHash<int, double> m_values;
 };

@@ -10,6 +10,8 @@
 #include <QPalette>
 #include <QSvgRenderer>
 
+#include <algorithm>
+
 // The resources lie in a static library, whose initialiser the linker drops unless it is called by
 // name, from outside of every namespace.
 static void initialiseIcons()
@@ -91,6 +93,30 @@ QPixmap outlinedPixmap(const QByteArray& svg, int size, const QColor& colour, co
     return pixmap;
 }
 
+void drawBadge(QPixmap& pixmap, const QColor& mark, const QColor& rim)
+{
+    constexpr double extent = 0.56; ///< Of the icon's size, tip to tip.
+    constexpr double gap = 0.06;    ///< Between the icon and the rim.
+    const double size = pixmap.width();
+    const double half = extent * size / 2;
+    const QPointF centre(size - half, size - half);
+    const auto diamond = [centre](double reach) {
+        return QPolygonF{centre + QPointF(0, -reach), centre + QPointF(reach, 0),
+                         centre + QPointF(0, reach), centre + QPointF(-reach, 0)};
+    };
+    QPainter painter(&pixmap);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setCompositionMode(QPainter::CompositionMode_Clear);
+    painter.setBrush(Qt::black);
+    painter.drawPolygon(diamond(half + gap * 2 * size));
+    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+    painter.setBrush(rim);
+    painter.drawPolygon(diamond(half));
+    painter.setBrush(mark);
+    painter.drawPolygon(diamond(half - std::max(1.5, gap * 1.5 * size)));
+}
+
 } // namespace
 
 QIcon Icons::symbol(const QString& name)
@@ -106,4 +132,15 @@ QIcon Icons::outlined(const QString& name, const QColor& colour, const QColor& o
         icon.addPixmap(outlinedPixmap(svg, size, colour, outline));
     }
     return icon;
+}
+
+QIcon Icons::badged(const QIcon& icon, const QColor& mark, const QColor& rim)
+{
+    QIcon result;
+    for (const QSize& size : icon.availableSizes()) {
+        QPixmap pixmap = icon.pixmap(size);
+        drawBadge(pixmap, mark, rim);
+        result.addPixmap(pixmap);
+    }
+    return result;
 }

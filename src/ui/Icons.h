@@ -17,4 +17,8 @@ QIcon symbol(const QString& name);
 /// unknown. Drawn at the sizes that trays ask for.
 QIcon outlined(const QString& name, const QColor& colour, const QColor& outline);
 
+/// The icon with a mark in its lower right corner: a square on its tip in the mark's colour, cut
+/// out of the icon and rimmed in `rim`. Drawn at the sizes that the icon has.
+QIcon badged(const QIcon& icon, const QColor& mark, const QColor& rim);
+
 } // namespace Icons

@@ -56,8 +56,8 @@ QString RankingView::describe(int row) const
 {
     const CountsModel::Row& shown = m_model->rows().at(row);
     const QString share = m_model->index(row, CountsModel::ShareColumn).data().toString();
-    const QString text = tr("%1, keys: %2 (%3 % of those listed)")
-                             .arg(shown.label, Format::count(shown.count), share);
+    const QString text =
+        tr("%1: %2 (%3 % of those listed)").arg(shown.label, Format::count(shown.count), share);
     return shown.toolTip.isEmpty() ? text : text + QLatin1Char('\n') + shown.toolTip;
 }
 
@@ -86,6 +86,16 @@ bool RankingView::event(QEvent* event)
     return true;
 }
 
+int RankingView::labelWidth() const
+{
+    int widest = 0;
+    for (int row = 0; row < shownRows(); ++row) {
+        widest = std::max(widest, fontMetrics().horizontalAdvance(m_model->rows().at(row).label));
+    }
+    // At least a third, so that bars seldom move; at most half, so that they tell something.
+    return std::clamp(widest + 1, width() / 3, width() / 2);
+}
+
 void RankingView::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
@@ -102,12 +112,11 @@ void RankingView::paintEvent(QPaintEvent*)
 
 void RankingView::paintRow(QPainter& painter, int row, const QRect& area) const
 {
-    constexpr int labelPercent = 32;
     const Theme::Colours colours = Theme::colours(palette());
     const CountsModel::Row& shown = m_model->rows().at(row);
     const qint64 largest = std::max<qint64>(1, m_model->rows().constFirst().count);
     const int countWidth = fontMetrics().horizontalAdvance(Format::count(largest));
-    const int labelWidth = area.width() * labelPercent / 100;
+    const int labelWidth = this->labelWidth();
 
     painter.setPen(colours.text);
     const QRect label(area.x(), area.y(), labelWidth, area.height());

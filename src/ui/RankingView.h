@@ -24,6 +24,7 @@ protected:
 private:
     int rowHeight() const;
     int shownRows() const;
+    int labelWidth() const;
     QString describe(int row) const;
     void updateAccessibleText();
     void paintRow(QPainter& painter, int row, const QRect& area) const;

@@ -40,7 +40,8 @@ QString tableText(const QAbstractItemModel& model, const Form& form)
 {
     QStringList header;
     for (int column = 0; column < model.columnCount(); ++column) {
-        header.append(model.headerData(column, Qt::Horizontal).toString());
+        const QVariant own = model.headerData(column, Qt::Horizontal, form.role);
+        header.append((own.isValid() ? own : model.headerData(column, Qt::Horizontal)).toString());
     }
     QString text = line(header, form);
     for (int row = 0; row < model.rowCount(); ++row) {

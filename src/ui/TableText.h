@@ -14,7 +14,8 @@ QString tabbed(const QAbstractItemModel& model);
 /// One row of it, with the line's end.
 QString tabbedRow(const QAbstractItemModel& model, int row);
 
-/// The header and every row as RFC 4180 has it, numbers in full and without separators.
+/// The header and every row as RFC 4180 has it, numbers in full and without separators. A header
+/// that names another unit for those is under `CountsModel::SortRole`, too.
 QString csv(const QAbstractItemModel& model);
 
 /// Writes `csv` in UTF-8, replacing an older file whole. Returns what went wrong, or nothing.

@@ -279,12 +279,12 @@ void TodayView::showFigures()
 
 void TodayView::showHours()
 {
-    QHash<int, qint64> perHour;
+    QHash<int, double> perHour;
     QList<CountsModel::Row> hours;
     qint64 busiest = 0;
     int busiestHour = 0;
     for (const TodayFigures::HourCount& count : m_figures.hours) {
-        perHour.insert(count.hour, count.keys);
+        perHour.insert(count.hour, static_cast<double>(count.keys));
         hours.append({.label = Format::hour(count.hour), .toolTip = {}, .count = count.keys});
         if (count.keys > busiest) {
             busiest = count.keys;
@@ -292,20 +292,20 @@ void TodayView::showHours()
         }
     }
     m_hours->setRows(hours);
-    m_hourChart->setDay(m_figures.day, perHour);
+    m_hourChart->setDay(m_figures.day, {.name = tr("Keys")}, perHour, QDateTime::currentDateTime());
     m_shownHour = QTime::currentTime().hour();
     const qint64 activeHours = std::max<qint64>(1, m_figures.hours.size());
     const auto fact = [](const QString& label, qint64 count) {
         return CountsModel::Row{.label = label, .toolTip = {}, .count = count};
     };
-    m_facts->setRows(
-        {fact(tr("Keys"), m_figures.keys),
-         fact(tr("This hour, from %1").arg(Format::hour(m_shownHour)), perHour.value(m_shownHour)),
-         fact(tr("Busiest hour, from %1").arg(Format::hour(busiestHour)), busiest),
-         fact(tr("Different keys"), m_figures.keyCounts.size()),
-         fact(tr("Applications"), m_figures.applications.size()),
-         fact(tr("Hours with keys"), m_figures.hours.size()),
-         fact(tr("Average of these hours"), m_figures.keys / activeHours)});
+    m_facts->setRows({fact(tr("Keys"), m_figures.keys),
+                      fact(tr("This hour, from %1").arg(Format::hour(m_shownHour)),
+                           static_cast<qint64>(perHour.value(m_shownHour))),
+                      fact(tr("Busiest hour, from %1").arg(Format::hour(busiestHour)), busiest),
+                      fact(tr("Different keys"), m_figures.keyCounts.size()),
+                      fact(tr("Applications"), m_figures.applications.size()),
+                      fact(tr("Hours with keys"), m_figures.hours.size()),
+                      fact(tr("Average of these hours"), m_figures.keys / activeHours)});
 }
 
 QString TodayView::nameOf(const QString& path)

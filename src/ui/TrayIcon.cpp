@@ -6,10 +6,13 @@
 #include "ui/Icons.h"
 #include "ui/Theme.h"
 
+#include <QActionGroup>
 #include <QApplication>
 #include <QEvent>
 #include <QMenu>
 #include <QMessageBox>
+
+#include <array>
 
 namespace {
 
@@ -37,6 +40,15 @@ bool wantsLight(const QString& colour)
         return colour == QLatin1String("light");
     }
     return Theme::isDark(QApplication::palette());
+}
+
+/// The colour-blind safe set of Okabe and Ito (https://jfly.uni-koeln.de/color/) without its black,
+/// by the profile's id.
+QColor profileColour(int id)
+{
+    static constexpr std::array<QRgb, 7> colours{0xffe69f00, 0xff56b4e9, 0xff009e73, 0xfff0e442,
+                                                 0xff0072b2, 0xffd55e00, 0xffcc79a7};
+    return QColor(colours.at(static_cast<size_t>(id - 1) % colours.size()));
 }
 
 } // namespace
@@ -83,9 +95,41 @@ void TrayIcon::buildMenu()
     m_countingAction =
         add(QStringLiteral("counting"), QStringLiteral("pause"), tr("Pause counting"));
     connect(m_countingAction, &QAction::triggered, this, &TrayIcon::toggleCounting);
+    m_profileMenu = m_menu->addMenu(tr("Profile"));
+    m_profileMenu->setObjectName(QStringLiteral("profiles"));
+    m_profileMenu->menuAction()->setVisible(false);
+    m_profiles = new QActionGroup(m_profileMenu);
     m_menu->addSeparator();
     connect(add(QStringLiteral("quit"), QStringLiteral("quit"), tr("Quit")), &QAction::triggered,
             this, &TrayIcon::quitRequested);
+}
+
+void TrayIcon::setProfiles(const QList<Profile>& profiles, int activeId)
+{
+    m_profileMenu->clear(); // Which deletes the actions.
+    m_activeProfile = {activeId, QString()};
+    addProfile({ProfileManager::DefaultProfileId, tr("General")});
+    for (const Profile& profile : profiles) {
+        addProfile(profile);
+        if (profile.id == activeId) {
+            m_activeProfile = profile;
+        }
+    }
+    m_profileMenu->menuAction()->setVisible(!profiles.isEmpty());
+    refreshSettings();
+    refreshToolTip();
+}
+
+void TrayIcon::addProfile(const Profile& profile)
+{
+    QString text = profile.name;
+    // An ampersand would mark a shortcut.
+    QAction* action = m_profileMenu->addAction(text.replace(u'&', QStringLiteral("&&")));
+    m_profiles->addAction(action);
+    action->setCheckable(true);
+    action->setChecked(profile.id == m_activeProfile.id);
+    connect(action, &QAction::triggered, this,
+            [this, profile] { Q_EMIT profileRequested(profile.id, profile.name); });
 }
 
 void TrayIcon::show()
@@ -126,19 +170,34 @@ void TrayIcon::refreshSettings()
     const Settings& settings = Settings::instance();
     m_blinks = settings.value(SettingsKeys::TrayiconBlinkOnActivity);
     const bool light = wantsLight(settings.value(SettingsKeys::LogoColor));
-    if (m_icons.isEmpty() || light != m_isLight) {
+    if (m_icons.isEmpty() || light != m_isLight || badge() != m_badge) {
         m_isLight = light;
-        const QColor ink = light ? QColor(Qt::white) : QColor(QRgb(0xff1d2127));
-        // A faint rim keeps the icon legible where the panel is not as the desktop is.
-        QColor rim = light ? QColor(Qt::black) : QColor(Qt::white);
-        constexpr float rimOpacity = 0.4F;
-        rim.setAlphaF(rimOpacity);
-        for (const Shape shape : {Shape::Counting, Shape::Activity, Shape::Paused}) {
-            m_icons.insert(shape, Icons::outlined(symbolOf(shape), ink, rim));
-        }
-        m_icon.setIcon(m_icons.value(m_shape));
+        m_badge = badge();
+        drawIcons();
     }
     showRestingShape();
+}
+
+void TrayIcon::drawIcons()
+{
+    const QColor ink = m_isLight ? QColor(Qt::white) : QColor(QRgb(0xff1d2127));
+    // A faint rim keeps the icon legible where the panel is not as the desktop is.
+    QColor rim = m_isLight ? QColor(Qt::black) : QColor(Qt::white);
+    constexpr float rimOpacity = 0.4F;
+    rim.setAlphaF(rimOpacity);
+    for (const Shape shape : {Shape::Counting, Shape::Activity, Shape::Paused}) {
+        const QIcon icon = Icons::outlined(symbolOf(shape), ink, rim);
+        m_icons.insert(shape, m_badge.isValid() ? Icons::badged(icon, m_badge, ink) : icon);
+    }
+    m_icon.setIcon(m_icons.value(m_shape));
+}
+
+/// The mark of the active profile; an invalid colour where none is wanted.
+QColor TrayIcon::badge() const
+{
+    const bool wanted = m_activeProfile.id != ProfileManager::DefaultProfileId &&
+                        Settings::instance().value(SettingsKeys::ProfilesChangeIconColor);
+    return wanted ? profileColour(m_activeProfile.id) : QColor();
 }
 
 TrayIcon::Shape TrayIcon::shape() const
@@ -149,6 +208,11 @@ TrayIcon::Shape TrayIcon::shape() const
 QString TrayIcon::toolTip() const
 {
     return m_icon.toolTip();
+}
+
+QIcon TrayIcon::icon() const
+{
+    return m_icon.icon();
 }
 
 void TrayIcon::noteActivity()
@@ -184,8 +248,10 @@ void TrayIcon::setShape(Shape shape)
 void TrayIcon::refreshToolTip()
 {
     const QString keys = tr("Keys today: %1").arg(Format::count(m_keysToday()));
-    const QString text =
-        m_counting == Counting::Paused ? tr("%1, counting is paused").arg(keys) : keys;
+    QString text = m_counting == Counting::Paused ? tr("%1, counting is paused").arg(keys) : keys;
+    if (!m_activeProfile.name.isEmpty()) {
+        text += u'\n' + tr("Profile: %1").arg(m_activeProfile.name);
+    }
     if (text != m_icon.toolTip()) {
         m_icon.setToolTip(text);
     }

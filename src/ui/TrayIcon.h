@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "profiles/ProfileManager.h"
+
 #include <QElapsedTimer>
 #include <QHash>
 #include <QIcon>
@@ -12,6 +14,7 @@
 #include <memory>
 
 class QAction;
+class QActionGroup;
 class QMenu;
 
 /// The icon in the system tray: shows by its shape whether keys are counted, blinks when they are,
@@ -47,11 +50,13 @@ public:
 
     void setCounting(Counting counting);
 
-    /// Takes over `trayicon_blink_on_activity`, `logo_color` and the present palette.
+    /// Takes over `trayicon_blink_on_activity`, `logo_color`, `profiles_change_icon_color` and the
+    /// present palette.
     void refreshSettings();
 
     Shape shape() const;
     QString toolTip() const;
+    QIcon icon() const;
 
 public Q_SLOTS:
     /// A key or button was used: blinks, unless a blink is under way, just over or not wanted.
@@ -63,17 +68,24 @@ public Q_SLOTS:
     /// Says, the first time only, that the program goes on counting without its window.
     void explainClosedWindow();
 
+    /// Offers these profiles beside the default one, and shows which one counts are filed under.
+    void setProfiles(const QList<Profile>& profiles, int activeId);
+
 Q_SIGNALS:
     void openRequested();
     void pauseRequested();
     void resumeRequested();
     void quitRequested();
+    void profileRequested(int id, const QString& name);
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void buildMenu();
+    void addProfile(const Profile& profile);
+    void drawIcons();
+    QColor badge() const;
     void toggleCounting();
     void showRestingShape();
     void setShape(Shape shape);
@@ -85,6 +97,9 @@ private:
     std::unique_ptr<QMenu> m_menu;
     QSystemTrayIcon m_icon;
     QAction* m_countingAction = nullptr; ///< Owned by the menu.
+    QMenu* m_profileMenu = nullptr;      ///< Owned by the menu.
+    QActionGroup* m_profiles = nullptr;  ///< Owned by the profile menu.
+    Profile m_activeProfile;             ///< The default one has no name.
     QTimer m_blinkEnd;
     QTimer m_toolTipRefresh;
     QTimer m_midnight;
@@ -93,5 +108,6 @@ private:
     Shape m_shape = Shape::Counting;
     QHash<Shape, QIcon> m_icons; ///< In the variant in force.
     bool m_isLight = false;
+    QColor m_badge; ///< As drawn; invalid for none.
     bool m_blinks = true;
 };

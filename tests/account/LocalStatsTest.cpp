@@ -157,6 +157,7 @@ void LocalStatsTest::copiesEveryCounter()
     run.stats.increaseAppClicks(Editor, 6);
     run.stats.increaseAppScrolls(Editor, 7);
     run.stats.increaseAppDistanceInches(Editor, 8);
+    run.stats.increaseAppUptime(Editor, 9, QDateTime::currentDateTime());
     run.stats.increaseKeys(-1);
     run.stats.writeDatabaseCopy();
     QCOMPARE(run.value(QStringLiteral("SELECT group_concat(name || '=' || value) FROM "
@@ -165,8 +166,9 @@ void LocalStatsTest::copiesEveryCounter()
                             "upload=0,uptime=5"));
     QCOMPARE(
         run.value(QStringLiteral("SELECT path || ',' || keys || ',' || clicks || ',' || scrolls "
-                                 "|| ',' || distance_inches FROM pending_applications_stats")),
-        Editor + QStringLiteral(",0,6,7,8"));
+                                 "|| ',' || distance_inches || ',' || uptime FROM "
+                                 "pending_applications_stats")),
+        Editor + QStringLiteral(",0,6,7,8,9"));
 
     const UnzurgedCounts before = run.stats.unzurged();
     LocalStats fromTables(nullptr, systemMachineId);

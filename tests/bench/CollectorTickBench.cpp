@@ -1,11 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What a tick of the collector costs: with nothing to write, and with a busy minute of 200 distinct
-// keys in one application. Beside each stands what SQLite alone takes for the same work. The time
-// of a busy tick is mostly the disk's: with TMPDIR on a RAM disk it shows the program's own share.
+// What a tick of the collector costs with all local statistics: where none is due, where all are
+// and nothing happened, and where all are after a busy minute of 200 distinct keys, 60 clicks,
+// scrolling and travel among 20 applications. Beside them stands what SQLite alone takes for the
+// same work. The time of a busy tick is mostly the disk's: with TMPDIR on a RAM disk it shows the
+// program's own share.
+// With TALLYVANE_HISTORY the client counts into a copy of that database; the references stay.
 #include "account/LocalStats.h"
+#include "bench/DataDirectory.h"
 #include "profiles/ProfileManager.h"
+#include "stats/AllStats.h"
 #include "stats/Collector.h"
-#include "stats/KeypressesStat.h"
+#include "stats/Stat.h"
 #include "support/FakeSystem.h"
 #include "support/TestDatabase.h"
 
@@ -21,17 +26,26 @@ namespace {
 
 constexpr int DistinctKeys = 200;
 constexpr int PressesPerKey = 3;
+constexpr int Clicks = 60;
+constexpr int Buttons = 3;
+constexpr int Applications = 20;
+constexpr int MinuteMs = 60'000;
 
-/// A client that counts keys, and only those.
+/// A client that counts all it can without a network.
 struct Client
 {
     Client()
     {
         totals.setup(directory.path());
         system.activeApplication = QStringLiteral("/usr/bin/editor");
-        keys.setPerApplication(true);
-        keys.setEnabled(true);
-        collector.addStat(&keys);
+        for (int i = 0; i < Applications; ++i) {
+            system.runningApplications << QStringLiteral("/usr/bin/application%1").arg(i);
+        }
+        AllStats::addTo(collector, &system, &owner);
+        for (Stat* stat : owner.findChildren<Stat*>()) {
+            stat->setPerApplication(true);
+            stat->setEnabled(true);
+        }
         collector.update(now);
         now = now.addMSecs(500);
         collector.update(now);
@@ -45,24 +59,43 @@ struct Client
     }
 
     TestPrompts prompts;
-    QTemporaryDir directory;
+    DataDirectory directory;
     Database database{directory.path(), prompts};
     LocalStats totals;
     ProfileManager profiles;
     FakeSystem system;
-    KeypressesStat keys{&system, nullptr};
+    QObject owner;
     Collector collector{nullptr};
     QDateTime now = QDateTime::currentDateTime();
 };
 
-QList<Qt::Key> busyMinute()
+/// What a busy minute leaves to be taken.
+struct BusyMinute
 {
-    QList<Qt::Key> keys;
-    for (int i = 0; i < DistinctKeys * PressesPerKey; ++i) {
-        keys += static_cast<Qt::Key>(Qt::Key_Space + i % DistinctKeys);
+    BusyMinute()
+    {
+        for (int i = 0; i < DistinctKeys * PressesPerKey; ++i) {
+            keys += static_cast<Qt::Key>(Qt::Key_Space + i % DistinctKeys);
+        }
+        for (int i = 0; i < Clicks; ++i) {
+            clicks += static_cast<unsigned short>(i % Buttons);
+            points += QPointF(0.01 * i, 0.5);
+        }
     }
-    return keys;
-}
+
+    void happenTo(FakeSystem& system) const
+    {
+        system.keys = keys;
+        system.clicks = clicks;
+        system.points = points;
+        system.distanceInches = 40;
+        system.scrolls = {{Utils::ScrollDirection::Up, 30}, {Utils::ScrollDirection::Down, 30}};
+    }
+
+    QList<Qt::Key> keys;
+    QList<unsigned short> clicks;
+    QList<QPointF> points;
+};
 
 /// SQLite's own interface on a database of the client.
 class RawDatabase
@@ -127,56 +160,82 @@ void referenceEmptyTransaction(benchmark::State& state)
     }
 }
 
+void tickWithAllDue(benchmark::State& state)
+{
+    Client client;
+    while (state.KeepRunning()) {
+        client.tick(MinuteMs);
+    }
+}
+
 void tickWithABusyMinute(benchmark::State& state)
 {
     Client client;
-    const QList<Qt::Key> keys = busyMinute();
+    const BusyMinute minute;
     while (state.KeepRunning()) {
-        client.system.keys = keys;
-        client.tick(5'000);
+        minute.happenTo(client.system);
+        client.tick(MinuteMs);
     }
 }
+
+/// One of the statements of a busy minute, run so many times, each time with the next number.
+struct Repeated
+{
+    int times;
+    const char* sql;
+    sqlite3_stmt* statement = nullptr;
+};
 
 void referenceSameStatements(benchmark::State& state)
 {
     RawDatabase database;
     const std::array insertions{
-        "INSERT INTO keypresses VALUES (date('now', 'localtime'), 1, 0, 0)",
         "INSERT INTO input_per_application (day, hour, path) VALUES (date('now', 'localtime'), 1, "
         "'/usr/bin/editor')",
-        "WITH RECURSIVE k(n) AS (SELECT 32 UNION ALL SELECT n+1 FROM k LIMIT 200) INSERT INTO "
+        "WITH RECURSIVE k(n) AS (SELECT 0 UNION ALL SELECT n+1 FROM k LIMIT 200) INSERT INTO "
         "keypress_frequency SELECT date('now', 'localtime'), 1, n, 1, 0 FROM k",
-        "WITH RECURSIVE k(n) AS (SELECT 32 UNION ALL SELECT n+1 FROM k LIMIT 200) INSERT INTO "
+        "WITH RECURSIVE k(n) AS (SELECT 0 UNION ALL SELECT n+1 FROM k LIMIT 200) INSERT INTO "
         "keypress_frequency_application SELECT date('now', 'localtime'), 1, n, 1, "
-        "'/usr/bin/editor', 0 FROM k"};
+        "'/usr/bin/editor', 0 FROM k",
+        "WITH RECURSIVE k(n) AS (SELECT 0 UNION ALL SELECT n+1 FROM k LIMIT 20) INSERT INTO "
+        "application_uptime SELECT datetime('now'), NULL, 1, '/usr/bin/application' || n, 0 FROM "
+        "k"};
     for (const char* insertion : insertions) {
         database.run(insertion);
     }
-    sqlite3_stmt* perKey = database.prepare(
-        "UPDATE OR IGNORE keypress_frequency SET \"count\"=\"count\"+3 WHERE "
-        "\"day\"=date('now', 'localtime') AND \"hour\"=1 AND \"key\"=? AND \"profile_id\"=0");
-    sqlite3_stmt* perApplication = database.prepare(
-        "UPDATE OR IGNORE keypress_frequency_application SET \"count\"=\"count\"+3 WHERE "
-        "\"day\"=date('now', 'localtime') AND \"hour\"=1 AND \"key\"=? AND "
-        "\"path\"='/usr/bin/editor' AND \"profile_id\"=0");
+    std::array statements{
+        Repeated{DistinctKeys, "UPDATE keypress_frequency SET count=count+3 WHERE day="
+                               "date('now', 'localtime') AND hour=1 AND key=? AND profile_id=0"},
+        Repeated{DistinctKeys,
+                 "UPDATE keypress_frequency_application SET count=count+3 WHERE "
+                 "day=date('now', 'localtime') AND hour=1 AND key=? AND path='/usr/bin/editor' "
+                 "AND profile_id=0"},
+        Repeated{Clicks, "INSERT INTO mousepoints VALUES (date('now', 'localtime'), 1, ?, 0.5, 0)"},
+        Repeated{Applications, "UPDATE application_uptime SET last_active=datetime('now'), "
+                               "time=time+60 WHERE path='/usr/bin/application' || ?"},
+        Repeated{1, "UPDATE input_per_application SET keys=keys+600, clicks=clicks+?"},
+    };
+    for (Repeated& repeated : statements) {
+        repeated.statement = database.prepare(repeated.sql);
+    }
     while (state.KeepRunning()) {
         database.run("BEGIN");
-        database.run("UPDATE keypresses SET \"count\"=\"count\"+600");
-        database.run("UPDATE input_per_application SET \"keys\"=\"keys\"+600");
-        for (int key = 0; key < DistinctKeys; ++key) {
-            for (sqlite3_stmt* statement : {perKey, perApplication}) {
-                sqlite3_bind_int(statement, 1, Qt::Key_Space + key);
-                RawDatabase::step(statement);
+        for (const Repeated& repeated : statements) {
+            for (int i = 0; i < repeated.times; ++i) {
+                sqlite3_bind_int(repeated.statement, 1, i);
+                RawDatabase::step(repeated.statement);
             }
         }
         database.run("COMMIT");
     }
-    sqlite3_finalize(perKey);
-    sqlite3_finalize(perApplication);
+    for (const Repeated& repeated : statements) {
+        sqlite3_finalize(repeated.statement);
+    }
 }
 
 BENCHMARK(tickWithNothingToWrite)->Unit(benchmark::kMillisecond);
 BENCHMARK(referenceEmptyTransaction)->Unit(benchmark::kMillisecond);
+BENCHMARK(tickWithAllDue)->Unit(benchmark::kMillisecond);
 BENCHMARK(tickWithABusyMinute)->Unit(benchmark::kMillisecond);
 BENCHMARK(referenceSameStatements)->Unit(benchmark::kMillisecond);
 

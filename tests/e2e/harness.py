@@ -22,7 +22,7 @@ from pathlib import Path
 BINARY = os.environ.get("TALLYVANE_BINARY", "")
 PATIENCE = float(os.environ.get("TALLYVANE_PATIENCE", "30"))  # seconds to wait for what must come
 
-EV_SYN, EV_KEY = 0, 1
+EV_SYN, EV_KEY, EV_REL = 0, 1, 2
 # Codes of linux/input-event-codes.h and the key values under which they are stored.
 KEYS = {"a": (30, 0x41), "b": (48, 0x42), "c": (46, 0x43), "space": (57, 0x20),
         "enter": (28, 0x01000005), "grave": (41, 0x01FFFFFF)}
@@ -249,3 +249,23 @@ class DesktopTest(unittest.TestCase):
 def faketime_library():
     name = "/usr/lib/x86_64-linux-gnu/faketime/libfaketimeMT.so.1"
     return name if os.path.exists(name) else ctypes.util.find_library("faketimeMT")
+
+
+class FakeClock:
+    """A clock of the client's own, beside the machine's; timers keep the machine's pace."""
+
+    def __init__(self, directory):
+        library = faketime_library()
+        if not library:
+            raise unittest.SkipTest("libfaketime is not installed")
+        self.path = directory / "clock"
+        self.environment = {
+            "LD_PRELOAD": library, "FAKETIME_TIMESTAMP_FILE": str(self.path),
+            "FAKETIME_NO_CACHE": "1", "FAKETIME_DONT_FAKE_MONOTONIC": "1", "NO_FAKE_STAT": "1"}
+        self.set(0)
+
+    def set(self, seconds):
+        """Sets the client's clock this far from the machine's."""
+        temporary = self.path.with_suffix(".new")
+        temporary.write_text(f"{seconds:+d}s\n")
+        os.replace(temporary, self.path)

@@ -1,33 +1,19 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """A clock that goes backwards, seen by the real client through libfaketime."""
 import datetime
-import os
 import time
 import unittest
 
-from harness import DesktopTest, faketime_library, wait_for
+from harness import DesktopTest, FakeClock, wait_for
 
 
 class ClockSetBack(DesktopTest):
     def setUp(self):
         super().setUp()
-        library = faketime_library()
-        if not library:
-            self.skipTest("libfaketime is not installed")
-        self.clock = self.client.root / "clock"
-        self.set_clock(0)
-        self.environment = {
-            "LD_PRELOAD": library, "FAKETIME_TIMESTAMP_FILE": str(self.clock),
-            "FAKETIME_NO_CACHE": "1", "FAKETIME_DONT_FAKE_MONOTONIC": "1", "NO_FAKE_STAT": "1"}
-
-    def set_clock(self, seconds):
-        """Sets the client's clock this far from the machine's."""
-        temporary = self.clock.with_suffix(".new")
-        temporary.write_text(f"{seconds:+d}s\n")
-        os.replace(temporary, self.clock)
+        self.clock = FakeClock(self.client.root)
 
     def start(self):
-        return self.client.start_fully("--closedwindow", environment=self.environment)
+        return self.client.start_fully("--closedwindow", environment=self.clock.environment)
 
     def add_history(self):
         """Ten days of rows that end today, so that shifted days meet days not yet shifted."""
@@ -61,7 +47,7 @@ class ClockSetBack(DesktopTest):
         process = self.start()
         time.sleep(1)
         self.add_history()
-        self.set_clock(-(3 * 86400 + 2 * 3600))
+        self.clock.set(-(3 * 86400 + 2 * 3600))
         self.expect_shift_by_three_days_two_hours()
         self.assertEqual(self.client.terminate(process), 0)
         # The next start sees the shifted clock, and shifts no further.
@@ -76,7 +62,7 @@ class ClockSetBack(DesktopTest):
         time.sleep(1)
         self.add_history()
         self.assertEqual(self.client.terminate(process), 0)
-        self.set_clock(-(3 * 86400 + 2 * 3600))
+        self.clock.set(-(3 * 86400 + 2 * 3600))
         process = self.start()
         self.expect_shift_by_three_days_two_hours()
         self.assertEqual(self.client.terminate(process), 0)
@@ -85,9 +71,9 @@ class ClockSetBack(DesktopTest):
         process = self.start()
         time.sleep(1)
         self.add_history()
-        self.set_clock(-3)
+        self.clock.set(-3)
         time.sleep(2)
-        self.set_clock(0)
+        self.clock.set(0)
         time.sleep(4)
         self.assertNotIn("Shifting stats time", self.client.log())
         self.assertEqual(self.counts("keypresses"), self.unshifted())

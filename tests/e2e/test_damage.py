@@ -87,6 +87,26 @@ class Damage(DesktopTest):
         self.assertEqual(self.client.terminate(process), 0)
         self.assertEqual([path.stat().st_size for path in self.kept_aside()], [5000])
 
+    def test_damage_to_a_large_database_is_found_after_the_start(self):
+        self.client.execute("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE "
+                            "i < 90000) INSERT INTO applications (path, name) "
+                            "SELECT '/opt/' || i, hex(randomblob(200)) FROM n")
+        good = self.database.read_bytes()
+        self.client.data.joinpath("tallyvane.db.backup").write_bytes(good)
+        middle = len(good) // 2 // 4096 * 4096
+        self.database.write_bytes(good[:middle] + bytes(4096) + good[middle + 4096:])
+        process = self.client.start("--closedwindow")
+        # It restarts by itself, as another process.
+        self.assertEqual(process.wait(timeout=PATIENCE), 0)
+        try:
+            self.client.wait_for_log("Recovered database from backup file!")
+            self.client.wait_for_log("Starting collector", count=3)
+            self.assertEqual(self.client.query("SELECT COUNT(*) FROM applications"), [(90000,)])
+            self.assertEqual(len(self.kept_aside()), 1)
+        finally:
+            self.client.send_message(b"exit_client\n")
+            wait_for(lambda: self.client.log().count("Stopping collector") == 3, "the end")
+
 
 if __name__ == "__main__":
     unittest.main()

@@ -1,4 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "Client.h"
+#include "stats/AllStats.h"
+#include "stats/Collector.h"
+#include "stats/Stat.h"
 #include "stats/StatSwitches.h"
 #include "support/TestRegistry.h"
 
@@ -12,6 +16,7 @@ class StatSwitchesTest : public QObject
 private Q_SLOTS:
     void followsTheSettings_data();
     void followsTheSettings();
+    void switchesEveryStatistic();
 
 private:
     static QString summary(const QSet<QString>& off);
@@ -91,6 +96,31 @@ void StatSwitchesTest::followsTheSettings()
     expected.sort();
     const QStringList off = switchedOff.split(u' ');
     QCOMPARE(summary(QSet<QString>(off.cbegin(), off.cend())), expected.join(u' '));
+}
+
+void StatSwitchesTest::switchesEveryStatistic()
+{
+    Client client;
+    Collector collector(nullptr);
+    QObject parent;
+    AllStats::addTo(collector, &client.system, &parent);
+    const auto running = [&parent] {
+        QStringList names;
+        for (const Stat* stat : parent.findChildren<Stat*>()) {
+            if (stat->isEnabled()) {
+                names << QString::fromLatin1(stat->metaObject()->className());
+            }
+        }
+        return names.join(u' ');
+    };
+    QCOMPARE(running(), QString());
+    AllStats::followSettings(collector, true);
+    QCOMPARE(running(), QStringLiteral("ApplicationsStat KeypressesStat MouseClicksStat "
+                                       "BootTimeStat UptimeStat ApplicationUptimeStat "
+                                       "MouseScrollsStat MouseDistanceStat"));
+    AllStats::followSettings(collector, false);
+    QCOMPARE(running(), QString());
+    QCOMPARE(client.system.inputHolders, 0);
 }
 
 REGISTER_TEST(StatSwitchesTest);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Client.h"
 #include "stats/TimeGuard.h"
+#include "storage/HistoryStamp.h"
 #include "support/TestRegistry.h"
 
 #include <QTest>
@@ -132,7 +133,9 @@ void TimeGuardTest::movesTheTablesThatFollowTheClock()
     QVERIFY(m_client->exec(
         QStringLiteral("INSERT INTO %1 (%2) VALUES (%3)").arg(table, columns, values)));
 
+    const auto stamp = HistoryStamp::read(m_client->database()->connection());
     setBack(QStringLiteral("2026-03-14T01:30:00"), QStringLiteral("2026-03-10T23:30:00"));
+    QVERIFY(stamp != HistoryStamp::read(m_client->database()->connection()));
     QCOMPARE(m_client
                  ->value(QStringLiteral("SELECT count(*) FROM %1 WHERE (%2)=(%3)")
                              .arg(table, columns, moved))

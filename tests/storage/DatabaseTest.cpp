@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "storage/Database.h"
 #include "storage/FailingVfs.h"
+#include "storage/HistoryStamp.h"
 #include "storage/SampleDatabase.h"
 #include "support/LogCapture.h"
 #include "support/TestDatabase.h"
@@ -208,6 +209,7 @@ void DatabaseTest::survivesDamage()
              backup == Backup::Good);
     QCOMPARE(log.contains(QStringLiteral("Unable to recover from database backup file!")),
              backup != Backup::Good);
+    QVERIFY(HistoryStamp::read(database.connection()).has_value());
     const QString kept = database.keptDamagedFile();
     QCOMPARE(filesIn(directory, "tallyvane.db.damaged-*[0-9]"),
              QStringList(QFileInfo(kept).fileName()));
@@ -482,6 +484,9 @@ void DatabaseTest::cleans()
         }
     }
     QTEST(left.join(QLatin1Char(' ')), "left");
+    QCOMPARE(sample.rows(QStringLiteral("SELECT COUNT(*) FROM settings WHERE name = "
+                                        "'history_stamp'")),
+             QStringLiteral("1"));
     const QString today = QDate::currentDate().toString(Qt::ISODate);
     for (const char* table : {"keypresses", "mouseclicks"}) {
         QCOMPARE(sample.rows(QStringLiteral("SELECT day, hour, count, profile_id FROM ") +

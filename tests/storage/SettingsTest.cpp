@@ -65,7 +65,8 @@ void SettingsTest::storesEveryDefault()
         return rows;
     };
     const char* always = "name NOT LIKE '%\\_last' ESCAPE '\\' AND name NOT IN "
-                         "('last_application_version_check', 'mouse_distance_system')";
+                         "('last_application_version_check', 'mouse_distance_system', "
+                         "'history_stamp')";
     expected.sort();
     QCOMPARE(stored(always), expected);
     Settings& settings = Settings::instance();

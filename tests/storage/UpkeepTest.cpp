@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "storage/HistoryStamp.h"
 #include "storage/MousePointPruning.h"
 #include "storage/SampleDatabase.h"
 #include "storage/StartupRepair.h"
@@ -83,6 +84,7 @@ void UpkeepTest::appliesAPendingRestore()
     QCOMPARE(QDir(directory.path()).entryList(QDir::Files), QStringList(DatabaseFiles::Name));
     TestPrompts prompts;
     const Database database(directory.path(), prompts);
+    QVERIFY(HistoryStamp::read(database.connection()).has_value());
     DSqlQuery query(database.connection());
     QVERIFY(query.exec(QStringLiteral("SELECT COUNT(*) FROM keypresses")) && query.next());
     QCOMPARE(query.value(0).toInt(), 2);

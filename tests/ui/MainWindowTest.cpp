@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "UiDatabase.h"
+#include "base/Format.h"
 #include "storage/Settings.h"
 #include "support/TestRegistry.h"
 #include "ui/MainWindow.h"
@@ -96,7 +97,7 @@ void MainWindowTest::showsTodaysFigures()
     QCOMPARE(QApplication::clipboard()->text(),
              QStringLiteral("Application\tKeys\tShare (%)\nKate\t5,000\t99.8\ntool\t10\t0.2\n"));
     QCOMPARE(find<QWidget>("hourChart")->accessibleDescription(),
-             QStringLiteral("09:00 to 10:00, keys: 12,403"));
+             Format::day(m_today) + QStringLiteral(", 09:00 to 10:00\nKeys: 12,403"));
 
     m_database->addHour(m_today, 9, 1'234'567);
     QTRY_COMPARE(figure(), QStringLiteral("1.23M"));

@@ -134,11 +134,11 @@ void ScreenshotsTest::hoursOfShiftedDays()
     HourChart chart;
     chart.setAutoFillBackground(true);
     chart.resize(560, 240);
-    QHash<int, qint64> keys;
+    QHash<int, double> keys;
     for (int hour = 0; hour < 24; ++hour) {
         keys.insert(hour, 100 + 10 * hour);
     }
-    chart.setDay(day, keys);
+    chart.setDay(day, {.name = QStringLiteral("Keys")}, keys, day.addDays(1).startOfDay());
     chart.show();
     QVERIFY(QTest::qWaitForWindowExposed(&chart));
     save(chart.grab());

@@ -25,6 +25,8 @@ private Q_SLOTS:
     void offersWhatCanBeDone();
     void drawsEachShapeDifferently_data();
     void drawsEachShapeDifferently();
+    void switchesProfiles();
+    void marksTheActiveProfile();
     void explainsAClosedWindowOnce();
 
 private:
@@ -142,6 +144,46 @@ void TrayIconTest::drawsEachShapeDifferently()
         QVERIFY(!seen.contains(image));
         seen.append(image);
     }
+}
+
+void TrayIconTest::switchesProfiles()
+{
+    TrayIcon icon([] { return 0; });
+    const auto* menu = action("open")->parent()->findChild<QMenu*>(QStringLiteral("profiles"));
+    QVERIFY(menu);
+    icon.setProfiles({}, 0);
+    QVERIFY(!menu->menuAction()->isVisible());
+    icon.setProfiles({{7, QStringLiteral("Games & Co")}, {3, QStringLiteral("Work")}}, 3);
+    QVERIFY(menu->menuAction()->isVisible());
+    QStringList shown;
+    for (const QAction* entry : menu->actions()) {
+        shown += entry->text() + (entry->isChecked() ? QStringLiteral(" *") : QString());
+    }
+    QCOMPARE(shown, QStringList({QStringLiteral("General"), QStringLiteral("Games && Co"),
+                                 QStringLiteral("Work *")}));
+    QVERIFY(icon.toolTip().contains(QStringLiteral("Profile: Work")));
+    const QSignalSpy requested(&icon, &TrayIcon::profileRequested);
+    menu->actions().at(1)->trigger();
+    QCOMPARE(requested.constFirst(), QVariantList({7, QStringLiteral("Games & Co")}));
+}
+
+void TrayIconTest::marksTheActiveProfile()
+{
+    const QList<Profile> profiles{{1, QStringLiteral("Work")}, {2, QStringLiteral("Games")}};
+    TrayIcon icon([] { return 0; });
+    const auto image = [&icon] { return icon.icon().pixmap(16, 16).toImage(); };
+    const QImage plain = image();
+    icon.setProfiles(profiles, 1);
+    QCOMPARE(image(), plain); // Not wanted, as at first.
+    Settings::instance().setValue(SettingsKeys::ProfilesChangeIconColor, true);
+    icon.refreshSettings();
+    const QImage work = image();
+    QVERIFY(work != plain);
+    icon.setProfiles(profiles, 2);
+    QVERIFY(image() != work);
+    QVERIFY(image() != plain);
+    icon.setProfiles(profiles, 0);
+    QCOMPARE(image(), plain);
 }
 
 void TrayIconTest::explainsAClosedWindowOnce()

@@ -8,9 +8,9 @@
 /// Which counts a view shows: some days, and one profile or all. Plain value.
 struct HistoryScope
 {
-    QDate first;                  ///< Included; null means from the first day on.
-    QDate last;                   ///< Included.
-    std::optional<int> profileId; ///< None means all profiles.
+    QDate first{};                  ///< Included; null means from the first day on.
+    QDate last{};                   ///< Included.
+    std::optional<int> profileId{}; ///< None means all profiles.
 
     bool contains(const QDate& day) const
     {

@@ -108,8 +108,17 @@ def wait(condition, what):
         time.sleep(0.1)
 
 
+def inject(*request):
+    subprocess.run(["inject", *map(str, request)], check=True, stdout=subprocess.DEVNULL)
+
+
 def tap(*chords):
-    subprocess.run(["inject", "tap", *chords], check=True, stdout=subprocess.DEVNULL)
+    inject("tap", *chords)
+
+
+def wait_for_devices(client):
+    devices = len(list(Path("/dev/input").glob("event*")))
+    wait(lambda: client.log().count("Creating device listener for") == devices, "the devices are read")
 
 
 def counts_of(chords):
@@ -122,8 +131,6 @@ def known(counts):
 
 def session(client, desktop):
     """Types, ends the client, and returns what was typed."""
-    devices = len(list(Path("/dev/input").glob("event*")))
-    wait(lambda: client.log().count("Creating device listener for") == devices, "the devices are read")
     # The first batch of an hour only opens its row of totals: one key makes that batch exactly known.
     tap(*FIRST)
     wait(lambda: client.counted() == len(FIRST), "the first key is stored")
@@ -160,7 +167,13 @@ def check(client, typed, application):
     return all(good)
 
 
-def main():
+def run(client, desktop):
+    application = os.path.realpath(f"/proc/{desktop.xterm.pid}/exe")
+    return check(client, session(client, desktop), application)
+
+
+def main(test):
+    """Runs TEST, given the program on its desktop once it reads the devices; returns the exit status."""
     missing = [program for program in PROGRAMS if not shutil.which(program)]
     if missing:
         print(f"skipped: not installed: {' '.join(missing)}")
@@ -169,10 +182,10 @@ def main():
     home = Path("/tmp/home")
     home.mkdir()
     desktop = Desktop(home)
-    application = os.path.realpath(f"/proc/{desktop.xterm.pid}/exe")
     client = Client(sys.argv[1], desktop, home)
     try:
-        good = check(client, session(client, desktop), application)
+        wait_for_devices(client)
+        good = test(client, desktop)
     except AssertionError as failure:
         print(failure)
         good = False
@@ -184,7 +197,11 @@ def main():
     return 0 if good else 1
 
 
-if __name__ == "__main__":
+def in_guest(test):
     if "EVDEV_VM" not in os.environ:
         sys.exit("to be run by run-in-vm")
-    sys.exit(main())
+    sys.exit(main(test))
+
+
+if __name__ == "__main__":
+    in_guest(run)

@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QObject>
+
+class Collector;
+class ProfileManager;
+class TrayIcon;
+
+/// Connects the profiles with those who count and show them: the tray switches them, and what was
+/// counted is written before it would be filed under another one. Thread: main.
+class ProfileWiring : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// The three outlive this object.
+    ProfileWiring(ProfileManager& profiles, Collector& collector, TrayIcon& tray,
+                  QObject* parent = nullptr);
+
+private:
+    void refreshTray();
+
+    ProfileManager& m_profiles;
+    TrayIcon& m_tray;
+};

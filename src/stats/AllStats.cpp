@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "stats/AllStats.h"
+
+#include "stats/ApplicationUptimeStat.h"
+#include "stats/ApplicationsStat.h"
+#include "stats/BootTimeStat.h"
+#include "stats/Collector.h"
+#include "stats/KeypressesStat.h"
+#include "stats/MouseClicksStat.h"
+#include "stats/MouseDistanceStat.h"
+#include "stats/MouseScrollsStat.h"
+#include "stats/StatSwitches.h"
+#include "stats/UptimeStat.h"
+#include "storage/Settings.h"
+
+void AllStats::addTo(Collector& collector, AbstractSystem* system, QObject* parent)
+{
+    collector.addStat(new ApplicationsStat(system, parent));
+    collector.addStat(new KeypressesStat(system, parent));
+    collector.addStat(new MouseClicksStat(system, parent));
+    collector.addStat(new BootTimeStat(system, parent));
+    collector.addStat(new UptimeStat(system, parent));
+    collector.addStat(new ApplicationUptimeStat(system, parent));
+    collector.addStat(new MouseScrollsStat(system, parent));
+    collector.addStat(new MouseDistanceStat(system, parent));
+}
+
+void AllStats::followSettings(const Collector& collector, bool mayCount)
+{
+    const auto isOn = [](const SettingKey<bool>& key) { return Settings::instance().value(key); };
+    for (StatSwitch statSwitch : StatSwitches::fromSettings(isOn)) {
+        if (Stat* stat = collector.getStat<Stat>(statSwitch.statistic)) {
+            statSwitch.enabled = statSwitch.enabled && mayCount;
+            statSwitch.applyTo(*stat);
+        }
+    }
+}

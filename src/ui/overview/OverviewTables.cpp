@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/overview/OverviewTables.h"
+
+#include "ui/overview/BaselineText.h"
+
+#include <QCoreApplication>
+#include <QLocale>
+
+#include <cmath>
+
+namespace {
+
+/// Gives the context of the translations.
+struct Text
+{
+    Q_DECLARE_TR_FUNCTIONS(OverviewTables)
+};
+
+double inchesPerUnit(Format::Lengths lengths)
+{
+    constexpr double metre = 100 / 2.54;
+    constexpr double foot = 12;
+    return lengths == Format::Lengths::Metric ? metre : foot;
+}
+
+/// The cell of a time: a day, an hour or a name.
+QString timeText(const QVariant& raw)
+{
+    switch (raw.typeId()) {
+    case QMetaType::QDate:
+        return Format::day(raw.toDate());
+    case QMetaType::Int:
+        return Format::hour(raw.toInt());
+    default:
+        return raw.toString();
+    }
+}
+
+FiguresModel::Row row(const QVariant& time, const std::function<double(Measure)>& value,
+                      Format::Lengths lengths)
+{
+    FiguresModel::Row cells{time};
+    for (const Measure measure : Measures::All) {
+        const double raw = value(measure);
+        cells.append(measure == Measure::Travel ? QVariant(raw / inchesPerUnit(lengths))
+                                                : QVariant(static_cast<qint64>(std::llround(raw))));
+    }
+    return cells;
+}
+
+std::function<double(Measure)> valuesOf(const Totals& totals)
+{
+    return [totals](Measure measure) { return Measures::value(measure, totals); };
+}
+
+} // namespace
+
+QList<FiguresModel::Column> OverviewTables::columns(const QString& time, Format::Lengths lengths)
+{
+    const auto length = [](const QVariant& raw) {
+        return QLocale(QLocale::English, QLocale::UnitedStates).toString(raw.toDouble(), 'f', 1);
+    };
+    QList<FiguresModel::Column> columns{
+        {.header = time, .text = timeText, .alignment = Qt::AlignLeft | Qt::AlignVCenter}};
+    for (const Measure measure : Measures::All) {
+        const QString name = Measures::quantity(measure, lengths).name;
+        const bool isMetric = lengths == Format::Lengths::Metric;
+        columns.append(measure == Measure::Uptime ? FiguresModel::durationColumn(name)
+                       : measure == Measure::Travel
+                           ? FiguresModel::Column{.header = isMetric
+                                                                ? Text::tr("%1 (m)").arg(name)
+                                                                : Text::tr("%1 (ft)").arg(name),
+                                                  .text = length}
+                           : FiguresModel::countColumn(name));
+    }
+    return columns;
+}
+
+QList<FiguresModel::Row> OverviewTables::days(const QList<DayTotals>& days, Format::Lengths lengths)
+{
+    QList<FiguresModel::Row> rows;
+    for (const DayTotals& day : days) {
+        rows.append(row(day.day, valuesOf(day.totals), lengths));
+    }
+    return rows;
+}
+
+QList<FiguresModel::Row> OverviewTables::hours(const QList<HourTotals>& hours,
+                                               Format::Lengths lengths)
+{
+    QList<FiguresModel::Row> rows;
+    for (const HourTotals& hour : hours) {
+        rows.append(row(hour.hour, valuesOf(hour.totals), lengths));
+    }
+    return rows;
+}
+
+QList<FiguresModel::Row> OverviewTables::totals(const QString& label,
+                                                const OverviewFigures& figures, const QTime& time,
+                                                Format::Lengths lengths)
+{
+    QList<FiguresModel::Row> rows{row(label, valuesOf(figures.totals), lengths)};
+    for (const Baseline& baseline : figures.baselines) {
+        rows.append(row(
+            BaselineText::caption(baseline),
+            [&baseline, &time](Measure measure) { return baseline.value(measure, time); },
+            lengths));
+    }
+    return rows;
+}

@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/overview/UnzurgedPanel.h"
+
+#include "account/LocalStats.h"
+#include "storage/Settings.h"
+#include "ui/FiguresModel.h"
+#include "ui/Theme.h"
+#include "ui/overview/Measure.h"
+
+#include <QEvent>
+#include <QGridLayout>
+#include <QLabel>
+
+namespace {
+
+constexpr int RefreshMs = 1000;
+
+Totals unzurged()
+{
+    const LocalStats* stats = LocalStats::instance();
+    const UnzurgedCounts counts = stats != nullptr ? stats->unzurged() : UnzurgedCounts();
+    // No counter exceeds what a signed number holds.
+    return {.keys = static_cast<qint64>(counts.keys),
+            .clicks = static_cast<qint64>(counts.clicks),
+            .scrolls = static_cast<qint64>(counts.scrolls),
+            .inches = static_cast<double>(counts.distanceInches),
+            .uptimeMs = static_cast<qint64>(counts.uptime)};
+}
+
+} // namespace
+
+UnzurgedPanel::UnzurgedPanel(FiguresModel* model, QWidget* parent)
+    : QWidget(parent)
+    , m_model(model)
+    , m_meaning(new QLabel(tr("Counted here and not yet sent to an account. A zurge sends these "
+                              "counts and starts them from zero; the history on this computer "
+                              "stays."),
+                           this))
+{
+    m_meaning->setWordWrap(true);
+    m_meaning->setAlignment(Qt::AlignTop);
+    auto* grid = new QGridLayout(this);
+    grid->setContentsMargins(0, 0, 0, 0);
+    grid->setVerticalSpacing(Theme::Rhythm / 2);
+    for (int row = 0; row < static_cast<int>(Measures::All.size()); ++row) {
+        const Line line{.name = new QLabel(this), .value = new QLabel(this)};
+        line.value->setObjectName(QStringLiteral("value"));
+        line.value->setTextInteractionFlags(Qt::TextSelectableByMouse);
+        grid->addWidget(line.name, row, 0);
+        grid->addWidget(line.value, row, 1, Qt::AlignRight);
+        m_lines.append(line);
+    }
+    const auto below = static_cast<int>(Measures::All.size());
+    grid->setRowMinimumHeight(below, Theme::Rhythm / 2);
+    grid->addWidget(m_meaning, below + 1, 0, 1, 2);
+    grid->setRowStretch(below + 1, 1);
+    m_refresh.setInterval(RefreshMs);
+    connect(&m_refresh, &QTimer::timeout, this, &UnzurgedPanel::follow);
+    applyTheme();
+}
+
+void UnzurgedPanel::follow()
+{
+    const Totals totals = unzurged();
+    const Format::Lengths lengths =
+        Format::lengths(Settings::instance().value(SettingsKeys::MouseDistanceSystem));
+    QList<FiguresModel::Row> rows;
+    for (size_t i = 0; i < Measures::All.size(); ++i) {
+        const Measure measure = Measures::All.at(i);
+        const Quantity quantity = Measures::quantity(measure, lengths);
+        const QString text = quantity.text(Measures::value(measure, totals));
+        const Line& line = m_lines.at(static_cast<qsizetype>(i));
+        line.name->setText(quantity.name);
+        line.value->setText(text);
+        line.value->setAccessibleName(QStringLiteral("%1: %2").arg(quantity.name, text));
+        rows.append({quantity.name, text});
+    }
+    m_model->setRows(rows);
+}
+
+void UnzurgedPanel::showEvent(QShowEvent* event)
+{
+    QWidget::showEvent(event);
+    follow();
+    m_refresh.start();
+}
+
+void UnzurgedPanel::hideEvent(QHideEvent* event)
+{
+    m_refresh.stop();
+    QWidget::hideEvent(event);
+}
+
+void UnzurgedPanel::changeEvent(QEvent* event)
+{
+    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::FontChange) {
+        applyTheme();
+    }
+    QWidget::changeEvent(event);
+}
+
+void UnzurgedPanel::applyTheme()
+{
+    const QPalette muted = Theme::mutedPalette(palette());
+    m_meaning->setFont(Theme::font(Theme::TextSize::Caption));
+    m_meaning->setPalette(muted);
+    for (const Line& line : std::as_const(m_lines)) {
+        line.name->setPalette(muted);
+    }
+}
