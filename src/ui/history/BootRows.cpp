@@ -13,9 +13,9 @@ constexpr int ZoneDays = 1;
 /// The moment at which local clocks showed what `utc` shows in UTC.
 QDateTime asLocal(const QDateTime& utc)
 {
-    // A time that clocks jumped over in spring is the moment it would have been without the jump.
     const QDateTime local(utc.date(), utc.time(), Qt::LocalTime);
-    return QDateTime::fromMSecsSinceEpoch(local.toMSecsSinceEpoch());
+    // A time that clocks jumped over in spring is the moment it would have been without the jump.
+    return local.isValid() ? local : QDateTime::fromMSecsSinceEpoch(local.toMSecsSinceEpoch());
 }
 
 bool touches(const BootSession& session, const HistoryScope& scope)
@@ -36,9 +36,9 @@ std::optional<BootSession> BootRows::session(const QString& start, const QString
     if (!startText.isValid() || !endText.isValid()) {
         return std::nullopt;
     }
-    const QDateTime begin = asLocal(startText);
-    const qint64 afterStart = begin.secsTo(asLocal(endText));
+    const qint64 afterStart = startText.secsTo(endText);
     const bool isFirstEnd = afterStart >= 0 && afterStart <= FirstEndSeconds;
+    const QDateTime begin = asLocal(startText);
     const QDateTime finish = isFirstEnd ? asLocal(endText) : endText.toLocalTime();
     return BootSession{.start = begin, .end = std::max(begin, finish)};
 }
@@ -47,7 +47,8 @@ std::optional<QList<BootSession>> BootRows::read(const QSqlDatabase& connection,
                                                  const HistoryScope& scope)
 {
     const QDate from = scope.first.isNull() ? QDate(1, 1, 1) : scope.first.addDays(-ZoneDays);
-    QList<BootSession> sessions;
+    // Conversions of time take longer than reading, which holds up whoever writes.
+    QList<std::pair<QString, QString>> rows;
     const bool isRead = RowReader::forEachRow(
         connection,
         QStringLiteral("SELECT \"boot_time\", \"end_time\" FROM uptimes WHERE "
@@ -57,11 +58,15 @@ std::optional<QList<BootSession>> BootRows::read(const QSqlDatabase& connection,
             query.bindValue(QStringLiteral(":from"), Format::isoDay(from));
             query.bindValue(QStringLiteral(":after"), Format::isoDay(scope.last.addDays(1)));
         },
-        [&scope, &sessions](const QSqlQuery& row) {
-            const auto found = session(row.value(0).toString(), row.value(1).toString());
-            if (found && touches(*found, scope)) {
-                sessions.append(*found);
-            }
+        [&rows](const QSqlQuery& row) {
+            rows.append({row.value(0).toString(), row.value(1).toString()});
         });
+    QList<BootSession> sessions;
+    for (const auto& [start, end] : std::as_const(rows)) {
+        const std::optional<BootSession> found = session(start, end);
+        if (found && touches(*found, scope)) {
+            sessions.append(*found);
+        }
+    }
     return isRead ? std::optional(sessions) : std::nullopt;
 }

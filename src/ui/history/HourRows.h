@@ -6,8 +6,8 @@
 
 #include <QSqlDatabase>
 
-#include <compare>
 #include <map>
+#include <tuple>
 
 /// One hour of one day under one profile.
 struct CountedHour
@@ -15,7 +15,14 @@ struct CountedHour
     qint64 julianDay = 0;
     int hour = 0; ///< Local, 0 to 23.
     int profileId = 0;
-    friend auto operator<=>(const CountedHour&, const CountedHour&) = default;
+
+    friend bool operator==(const CountedHour&, const CountedHour&) = default;
+
+    friend bool operator<(const CountedHour& left, const CountedHour& right)
+    {
+        return std::tie(left.julianDay, left.hour, left.profileId) <
+               std::tie(right.julianDay, right.hour, right.profileId);
+    }
 };
 
 using HourSums = std::map<CountedHour, Totals>;
