@@ -60,8 +60,9 @@ QList<HourTotals> HistoryLists::hours(const TotalsSums& sums)
 QList<WeekHourTotals> HistoryLists::weekHours(const TotalsSums& sums)
 {
     return totalsList<WeekHourTotals>(sums, [](qint64 slot, const Totals& totals) {
-        return WeekHourTotals{static_cast<int>(slot) / HoursOfDay + Qt::Monday,
-                              static_cast<int>(slot) % HoursOfDay, totals};
+        constexpr int hoursOfDay = 24;
+        return WeekHourTotals{static_cast<int>(slot) / hoursOfDay + Qt::Monday,
+                              static_cast<int>(slot) % hoursOfDay, totals};
     });
 }
 

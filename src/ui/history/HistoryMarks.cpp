@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/history/HistoryMarks.h"
 
+#include "storage/HistoryStamp.h"
 #include "ui/history/RowReader.h"
 
 namespace {
@@ -24,10 +25,8 @@ std::optional<HistoryMarks> HistoryMarks::read(const QSqlDatabase& history)
     HistoryMarks marks;
     QString buttons;
     QString points;
-    if (!readOne(history,
-                 QStringLiteral("SELECT \"value\" FROM settings WHERE \"name\"='history_stamp'"),
-                 marks.stamp) ||
-        !readOne(history, QStringLiteral("SELECT MIN(\"day\") FROM mouseclicks_frequency"),
+    marks.stamp = HistoryStamp::read(history).value_or(QString());
+    if (!readOne(history, QStringLiteral("SELECT MIN(\"day\") FROM mouseclicks_frequency"),
                  buttons) ||
         !readOne(history, QStringLiteral("SELECT MIN(\"day\") FROM mousepoints"), points)) {
         return std::nullopt;

@@ -21,13 +21,12 @@ enum class TotalsBy
     WeekHour, ///< See `weekHourSlot`.
 };
 
-constexpr int HoursOfDay = 24;
-
 /// 0 is Monday's first hour, 167 Sunday's last.
 constexpr int weekHourSlot(qint64 julianDay, int hour)
 {
     constexpr int daysOfWeek = 7;
-    return static_cast<int>(julianDay % daysOfWeek) * HoursOfDay + hour;
+    constexpr int hoursOfDay = 24;
+    return static_cast<int>(julianDay % daysOfWeek) * hoursOfDay + hour;
 }
 
 /// The group that counts of an hour belong to.
