@@ -48,14 +48,14 @@ ClickPoints::ClickPoints(Random& random)
 {
 }
 
-QPointF ClickPoints::click(SecondScreen side)
+QPointF ClickPoints::click()
 {
     constexpr double onSecondScreen = 0.24;
     const QPointF point = onScreen();
     if (!m_random.chance(onSecondScreen)) {
         return point;
     }
-    return point + QPointF(side == SecondScreen::Left ? -1 : 1, 0);
+    return point - QPointF(1, 0);
 }
 
 QPointF ClickPoints::onScreen()

@@ -6,19 +6,13 @@
 #include <QPointF>
 
 /// Where on the screens somebody clicks. Points are in widths and heights of the primary screen, as
-/// they are stored: a second screen beside it lies beyond 1 or, to its left, below 0.
+/// they are stored: those on a second screen to its left lie below 0.
 class ClickPoints
 {
 public:
-    enum class SecondScreen
-    {
-        Left,
-        Right,
-    };
-
     explicit ClickPoints(Random& random);
 
-    QPointF click(SecondScreen side);
+    QPointF click();
 
 private:
     QPointF onScreen();

@@ -14,7 +14,6 @@ constexpr int MinutesPerHour = 60;
 constexpr int HoursPerDay = 24;
 constexpr int SecondsPerMinute = 60;
 constexpr int MonthsOfPoints = 3;
-constexpr int MonthsWithTheScreenLeft = 1;
 
 /// When the person made each profile: shares of the whole history.
 constexpr std::array ProfileMadeAt{0.0, 0.08, 0.22, 0.36};
@@ -198,13 +197,9 @@ void History::addPoints(HourCounts& hour)
     if (hour.day < end.addMonths(-MonthsOfPoints)) {
         return;
     }
-    // The second screen was moved to the other side of the desk meanwhile.
-    const auto side = hour.day < end.addMonths(-MonthsOfPoints + MonthsWithTheScreenLeft)
-                          ? ClickPoints::SecondScreen::Left
-                          : ClickPoints::SecondScreen::Right;
     for (const ApplicationHour& application : hour.inFront) {
         for (int i = 0; i < application.allClicks(); ++i) {
-            hour.points.push_back(m_clickPoints.click(side));
+            hour.points.push_back(m_clickPoints.click());
         }
     }
 }
