@@ -32,8 +32,7 @@ FiguresModel::Column FiguresModel::durationColumn(const QString& header)
 FiguresModel::Column FiguresModel::dayColumn(const QString& header)
 {
     return {.header = header,
-            .text = [](const QVariant& raw) { return Format::day(raw.toDate()); },
-            .alignment = Qt::AlignLeft | Qt::AlignVCenter};
+            .text = [](const QVariant& raw) { return Format::day(raw.toDate()); }};
 }
 
 void FiguresModel::setColumns(const QList<Column>& columns)

@@ -39,14 +39,13 @@ MainWindow::MainWindow(const QString& databaseFile, ViewContext context, QWidget
     , m_sideBar(new SideBar(this))
     , m_title(new QLabel(this))
     , m_days(new QLabel(this))
-    , m_range(new RangeControl(this))
-    , m_profile(new ProfileFilter(this))
     , m_views(new QStackedWidget(this))
     , m_today(QDate::currentDate())
 {
     setObjectName(QStringLiteral("mainWindow"));
     setWindowTitle(QStringLiteral("Tallyvane"));
     setMinimumSize(LeastSize);
+    m_views->setObjectName(QStringLiteral("views"));
     m_context.worker = m_worker.get();
     addPages();
 
@@ -111,6 +110,9 @@ QWidget* MainWindow::buildBar()
     m_title->setObjectName(QStringLiteral("viewTitle"));
     m_days->setObjectName(QStringLiteral("viewSubtitle"));
     m_days->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    m_days->installEventFilter(this);
+    m_range = new RangeControl(bar);
+    m_profile = new ProfileFilter(bar);
     m_countingButton = new QPushButton(bar);
     m_countingButton->setObjectName(QStringLiteral("counting"));
     m_countingButton->setMinimumHeight(4 * Theme::Rhythm);
@@ -187,14 +189,20 @@ void MainWindow::showView(int index)
 void MainWindow::applyScope()
 {
     const DateRange& range = m_range->range();
-    m_days->setText(range.days(m_today));
-    m_days->setToolTip(m_days->text());
+    m_days->setToolTip(range.days(m_today));
+    elideDays();
     // The hidden views learn of it when they are shown.
     if (View* view = current()) {
         view->setScope({.first = range.first(m_today),
                         .last = range.last(m_today),
                         .profileId = m_profile->selected()});
     }
+}
+
+void MainWindow::elideDays()
+{
+    m_days->setText(
+        m_days->fontMetrics().elidedText(m_days->toolTip(), Qt::ElideRight, m_days->width()));
 }
 
 void MainWindow::followToday()
@@ -246,6 +254,14 @@ void MainWindow::showEvent(QShowEvent* event)
         showView(0); // Not before: whoever made the window is connected by now.
     }
     QWidget::showEvent(event);
+}
+
+bool MainWindow::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == m_days && event->type() == QEvent::Resize) {
+        elideDays();
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 void MainWindow::closeEvent(QCloseEvent* event)

@@ -56,6 +56,7 @@ Q_SIGNALS:
 
 protected:
     void showEvent(QShowEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void changeEvent(QEvent* event) override;
 
@@ -77,6 +78,7 @@ private:
     void restoreState();
     void saveState() const;
     void applyScope();
+    void elideDays();
     void followToday();
     void applyTheme();
     void updateCountingButton();
@@ -87,8 +89,8 @@ private:
     SideBar* m_sideBar;
     QLabel* m_title;
     QLabel* m_days;
-    RangeControl* m_range;
-    ProfileFilter* m_profile;
+    RangeControl* m_range = nullptr;
+    ProfileFilter* m_profile = nullptr;
     QPushButton* m_countingButton = nullptr;
     QStackedWidget* m_views;
     std::vector<Page> m_pages;

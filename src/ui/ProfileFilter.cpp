@@ -10,13 +10,10 @@
 #include <algorithm>
 
 ProfileFilter::ProfileFilter(QWidget* parent)
-    : QToolButton(parent)
+    : QPushButton(parent)
 {
     setObjectName(QStringLiteral("profileFilter"));
-    setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     setIcon(Icons::symbol(QStringLiteral("profile")));
-    setPopupMode(QToolButton::InstantPopup);
-    setFocusPolicy(Qt::StrongFocus);
     setMinimumHeight(4 * Theme::Rhythm);
     setToolTip(tr("Whose counts are shown"));
     setMenu(new QMenu(this));

@@ -2,14 +2,14 @@
 #pragma once
 
 #include <QList>
+#include <QPushButton>
 #include <QString>
-#include <QToolButton>
 
 #include <optional>
 
 /// Selects the profile whose counts the views show, or all. Hidden while there is no profile but
 /// the default one. Thread: main.
-class ProfileFilter : public QToolButton
+class ProfileFilter : public QPushButton
 {
     Q_OBJECT
 

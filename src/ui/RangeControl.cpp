@@ -7,6 +7,7 @@
 
 #include <QHBoxLayout>
 #include <QMenu>
+#include <QPushButton>
 #include <QToolButton>
 
 namespace {
@@ -19,8 +20,9 @@ constexpr int ControlHeight = 4 * Theme::Rhythm;
 RangeControl::RangeControl(QWidget* parent)
     : QWidget(parent)
     , m_back(new QToolButton(this))
-    , m_button(new QToolButton(this))
+    , m_button(new QPushButton(this))
 {
+    setObjectName(QStringLiteral("rangeControl"));
     m_back->setObjectName(QStringLiteral("rangeBack"));
     m_back->setIcon(Icons::symbol(QStringLiteral("back")));
     m_back->setToolTip(tr("Back to the days shown before (Alt+Left)"));
@@ -29,10 +31,7 @@ RangeControl::RangeControl(QWidget* parent)
     m_back->setMinimumHeight(ControlHeight);
     connect(m_back, &QToolButton::clicked, this, &RangeControl::goBack);
     m_button->setObjectName(QStringLiteral("range"));
-    m_button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     m_button->setIcon(Icons::symbol(QStringLiteral("calendar")));
-    m_button->setPopupMode(QToolButton::InstantPopup);
-    m_button->setFocusPolicy(Qt::StrongFocus);
     m_button->setMinimumHeight(ControlHeight);
     m_button->setToolTip(tr("Which days are shown"));
     auto* layout = new QHBoxLayout(this);

@@ -6,6 +6,7 @@
 #include <QList>
 #include <QWidget>
 
+class QPushButton;
 class QToolButton;
 
 /// Selects the days that the views show, and leads back to those selected before. Thread: main.
@@ -35,5 +36,5 @@ private:
     DateRange m_range;
     QList<DateRange> m_before; ///< The last few, oldest first.
     QToolButton* m_back;
-    QToolButton* m_button;
+    QPushButton* m_button;
 };

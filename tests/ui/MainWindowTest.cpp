@@ -5,8 +5,10 @@
 #include "support/TestRegistry.h"
 #include "ui/MainWindow.h"
 #include "ui/MessageBoxes.h"
+#include "ui/RangeControl.h"
 #include "ui/SideBar.h"
 #include "ui/Theme.h"
+#include "ui/View.h"
 
 #include <QAction>
 #include <QApplication>
@@ -16,6 +18,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QStackedWidget>
 #include <QTableView>
 #include <QTest>
 #include <QTimer>
@@ -27,7 +30,8 @@ class MainWindowTest : public QObject
 private Q_SLOTS:
     void init();
     void cleanup();
-    void showsTodaysFigures();
+    void leadsThroughTheViews();
+    void followsTheDaysAndTheWayBack();
     void followsTheDatabase();
     void saysWhatIsMissing_data();
     void saysWhatIsMissing();
@@ -45,6 +49,7 @@ private:
     template <typename Widget>
     Widget* find(const char* name) const;
     QString figure() const;
+    QWidget* page() const;
 
     const QDate m_today = QDate::currentDate();
     std::unique_ptr<UiDatabase> m_database;
@@ -72,7 +77,7 @@ void MainWindowTest::open()
     m_window->show();
     m_window->activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
-    QTRY_VERIFY(find<QWidget>("keysToday")->isVisible() || find<QWidget>("notice")->isVisible());
+    QTRY_VERIFY(find<QWidget>("cards")->isVisible() || find<QWidget>("notice")->isVisible());
 }
 
 template <typename Widget>
@@ -86,24 +91,41 @@ QString MainWindowTest::figure() const
     return find<QLabel>("figure")->text();
 }
 
-void MainWindowTest::showsTodaysFigures()
+QWidget* MainWindowTest::page() const
 {
-    m_database->addHour(m_today, 9, 12403);
-    m_database->addApplication(m_today, 9, QStringLiteral("/usr/bin/kate"), 5000);
-    m_database->addApplication(m_today, 9, QStringLiteral("/opt/tool"), 10);
-    open();
-    QCOMPARE(figure(), QStringLiteral("12,403"));
-    QVERIFY(!find<QWidget>("notice")->isVisible());
-    QCOMPARE(find<QLabel>("viewTitle")->text(), QStringLiteral("Today"));
-    find<QWidget>("mostUsedApplications")->findChild<QAction*>(QStringLiteral("copy"))->trigger();
-    QCOMPARE(QApplication::clipboard()->text(),
-             QStringLiteral("Application\tKeys\tShare (%)\nKate\t5,000\t99.8\ntool\t10\t0.2\n"));
-    QCOMPARE(find<QWidget>("hourChart")->accessibleDescription(),
-             Format::day(m_today) + QStringLiteral(", 09:00 to 10:00\nKeys: 12,403"));
+    return m_window->findChild<QStackedWidget*>(QStringLiteral("views"))->currentWidget();
+}
 
-    m_database->addHour(m_today, 9, 1'234'567);
-    QTRY_COMPARE(figure(), QStringLiteral("1.23M"));
-    QVERIFY(find<QLabel>("figure")->toolTip().startsWith(QStringLiteral("1,234,567 keys")));
+void MainWindowTest::leadsThroughTheViews()
+{
+    m_database->addBusyDay(m_today);
+    open();
+    const QStringList titles{QStringLiteral("Overview"), QStringLiteral("Keyboard"),
+                             QStringLiteral("Mouse"),    QStringLiteral("Applications"),
+                             QStringLiteral("Uptime"),   QStringLiteral("Profiles")};
+    const QSignalSpy made(m_window.get(), &MainWindow::viewMade);
+    for (int view = static_cast<int>(titles.size()) - 1; view >= 0; --view) {
+        QTest::keyClick(m_window.get(), static_cast<Qt::Key>(Qt::Key_1 + view),
+                        Qt::ControlModifier);
+        QCOMPARE(find<QLabel>("viewTitle")->text(), titles.at(view));
+        QCOMPARE(page()->isVisible(), true);
+    }
+    QCOMPARE(made.size(), titles.size() - 1); // Each when it is first shown.
+}
+
+void MainWindowTest::followsTheDaysAndTheWayBack()
+{
+    m_database->addHour(m_today.addDays(-1), 9, 77);
+    open();
+    QVERIFY(find<QWidget>("notice")->isVisible());
+    find<RangeControl>("rangeControl")->select(DateRange::Preset::Yesterday);
+    QTRY_COMPARE(figure(), QStringLiteral("77"));
+    QTest::keyClick(m_window.get(), Qt::Key_2, Qt::ControlModifier);
+    const auto* keyboard = static_cast<View*>(page());
+    QTest::keyClick(m_window.get(), Qt::Key_Left, Qt::AltModifier);
+    QVERIFY(find<QLabel>("viewSubtitle")->toolTip().contains(Format::day(m_today)));
+    QCOMPARE(find<RangeControl>("rangeControl")->range(), DateRange(DateRange::Preset::Today));
+    QVERIFY(keyboard->isVisible());
 }
 
 void MainWindowTest::followsTheDatabase()
@@ -111,7 +133,7 @@ void MainWindowTest::followsTheDatabase()
     open();
     QVERIFY(find<QWidget>("notice")->isVisible());
     m_database->addHour(m_today, 9, 41);
-    QTRY_VERIFY(find<QWidget>("keysToday")->isVisible());
+    QTRY_VERIFY(find<QWidget>("figures")->isVisible());
     QCOMPARE(figure(), QStringLiteral("41"));
     m_database->addHour(m_today, 9, 42);
     QTRY_COMPARE(figure(), QStringLiteral("42"));
@@ -132,13 +154,13 @@ void MainWindowTest::saysWhatIsMissing_data()
         QTest::newRow(name) << state << hasFigures
                             << QString::fromLatin1(shown).split(u' ', Qt::SkipEmptyParts);
     };
-    row("counting", InputState::Reading, true, "keysToday counting");
+    row("counting", InputState::Reading, true, "figures counting");
     row("empty", InputState::Reading, false, "notice counting");
     row("no devices", InputState::NoDevices, false, "notice command");
-    row("no permission", InputState::NoPermission, true, "keysToday notice command");
+    row("no permission", InputState::NoPermission, true, "figures notice command");
     row("off", InputState::Off, false, "notice noticeButton");
-    row("read-only", InputState::ReadOnly, true, "keysToday notice");
-    row("paused", InputState::Paused, true, "keysToday notice counting");
+    row("read-only", InputState::ReadOnly, true, "figures notice");
+    row("paused", InputState::Paused, true, "figures notice counting");
 }
 
 void MainWindowTest::saysWhatIsMissing()
@@ -151,7 +173,7 @@ void MainWindowTest::saysWhatIsMissing()
     open();
     m_window->setInputState(state);
     QStringList shown;
-    for (const char* name : {"keysToday", "notice", "command", "noticeButton", "counting"}) {
+    for (const char* name : {"figures", "notice", "command", "noticeButton", "counting"}) {
         if (find<QWidget>(name)->isVisible()) {
             shown += QLatin1String(name);
         }
@@ -236,10 +258,10 @@ void MainWindowTest::tabReachesNamedControlsInReadingOrder()
 {
     m_database->addBusyDay(m_today);
     open();
-    find<QWidget>("keysToday")->findChild<QAction*>(QStringLiteral("showTable"))->trigger();
-    find<QWidget>("viewToday")->setFocus();
+    find<QWidget>("figures")->findChild<QAction*>(QStringLiteral("showTable"))->trigger();
+    find<QWidget>("viewOverview")->setFocus();
     QStringList reached;
-    for (auto* control = find<QWidget>("viewToday");
+    for (auto* control = find<QWidget>("viewOverview");
          !reached.contains(control->objectName()) || control->objectName() == u"menu";
          control = QApplication::focusWidget()) {
         const auto* button = qobject_cast<QAbstractButton*>(control);
@@ -247,11 +269,12 @@ void MainWindowTest::tabReachesNamedControlsInReadingOrder()
                            (button != nullptr && !button->text().isEmpty());
         QVERIFY2(named, qPrintable(control->objectName()));
         reached += control->objectName();
-        QVERIFY(reached.size() < 20);
+        QVERIFY(reached.size() < 30);
         QTest::keyClick(control, Qt::Key_Tab);
     }
     QCOMPARE(reached.join(u' '),
-             QStringLiteral("viewToday collapse counting menu filter table menu menu menu"));
+             QStringLiteral("viewOverview collapse range counting menu filter table measure "
+                            "menu menu calendarMonth menu menu menu"));
 }
 
 void MainWindowTest::asksBeforeItStartsAfresh_data()

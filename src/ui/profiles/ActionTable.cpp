@@ -10,6 +10,12 @@
 #include <QTableView>
 #include <QToolButton>
 
+namespace {
+
+constexpr int LeastColumnWidth = 64;
+
+} // namespace
+
 ActionTable::ActionTable(QAbstractItemModel* model, const QString& title, QWidget* parent)
     : QWidget(parent)
     , m_table(new QTableView(this))
@@ -31,6 +37,7 @@ ActionTable::ActionTable(QAbstractItemModel* model, const QString& title, QWidge
     m_table->verticalHeader()->hide();
     m_table->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 2 * Theme::Rhythm);
     m_table->horizontalHeader()->setHighlightSections(false);
+    m_table->horizontalHeader()->setMinimumSectionSize(LeastColumnWidth);
     m_table->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
     m_table->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
     auto* layout = new QVBoxLayout(this);

@@ -20,6 +20,7 @@
 namespace {
 
 constexpr int MillisecondsPerSecond = 1000;
+constexpr int CardHeight = 200;
 
 enum ProfileColumn
 {
@@ -83,9 +84,9 @@ ProfilesView::ProfilesView(ViewContext context, QWidget* parent)
                             FiguresModel::textColumn(tr("State"))},
                            this))
     , m_hitsModel(new FiguresModel({FiguresModel::textColumn(tr("Milestone")),
-                                    FiguresModel::textColumn(tr("Hit")),
-                                    FiguresModel::textColumn(tr("After every")),
-                                    FiguresModel::countColumn(tr("Total then"))},
+                                    FiguresModel::dayColumn(tr("Hit")),
+                                    {.header = tr("Total then"),
+                                     .text = [](const QVariant& raw) { return raw.toString(); }}},
                                    this))
 {
     buildProfiles();
@@ -117,7 +118,7 @@ void ProfilesView::buildProfiles()
     card->setExplanation(tr("What is counted is filed under one profile at a time; the figures are "
                             "of the days shown"));
     card->setTableOrder(KeysColumn, Qt::DescendingOrder);
-    addCard(card, {.row = 0, .height = 232});
+    addCard(card, {.row = 0, .height = CardHeight, .narrowHeight = CardHeight});
 }
 
 void ProfilesView::buildMilestones()
@@ -148,13 +149,13 @@ void ProfilesView::buildMilestones()
                                 m_milestonesModel);
     milestones->setExplanation(tr("A tray message tells each time a total has grown by an amount "
                                   "of your choice"));
-    addCard(milestones, {.row = 1, .span = 4, .height = 232});
+    addCard(milestones, {.row = 1, .height = CardHeight, .narrowHeight = CardHeight});
 
     auto* hits = new ActionTable(m_hitsModel, tr("Milestones hit"));
     auto* log = new Card(QStringLiteral("milestoneLog"), tr("Milestones hit"), hits, m_hitsModel);
     log->setExplanation(tr("Newest first"));
-    log->setTableOrder(1, Qt::DescendingOrder);
-    addCard(log, {.row = 1, .column = 4, .span = 2, .height = 232});
+    log->setTableOrder(3, Qt::DescendingOrder);
+    addCard(log, {.row = 2, .height = CardHeight, .narrowHeight = CardHeight});
 }
 
 void ProfilesView::setNameProblem(NameProblem problem)
