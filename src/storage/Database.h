@@ -86,6 +86,14 @@ public:
     /// while one is in progress, and unless the state is Open.
     void backupDatabase();
 
+    /// Leaves the file to another connection of this process that changes much of it in one
+    /// transaction. Until `takeBack`, whoever works on the main connection holds what can wait
+    /// (see `isLent`); what reads or writes all the same fails at once where it would have to wait.
+    void lend();
+    void takeBack();
+
+    bool isLent() const { return m_lent; }
+
     State state() const;
     QSqlDatabase connection() const; ///< The main thread's connection.
     QString getDatabaseFileName() const;
@@ -108,9 +116,22 @@ public:
     /// The options of every connection to the database.
     static QString connectOptions(DatabaseFiles::Access access);
 
+    /// The settings of every connection that writes.
+    static void setPragmas(const QSqlDatabase& connection);
+
+    /// Concerns all connections of the process.
+    static inline const QString SoftHeapLimit =
+        QStringLiteral("PRAGMA soft_heap_limit = 36700160;");
+
 Q_SIGNALS:
     /// The connection is about to close: whoever holds a query on it must let go of it now.
     void aboutToClose();
+
+    /// The statistics were deleted at the user's wish, while counting goes on.
+    void cleaned();
+
+    /// The database is no longer lent.
+    void takenBack();
 
     /// The ".backup" copy was refreshed (true), or stays as it was.
     void backupFinished(bool refreshed);
@@ -132,7 +153,7 @@ private:
     Outcome startFresh();
     bool prepareFile();
     bool openConnection();
-    void setPragmas();
+    bool tellCleaned(bool cleaned);
     int readVersion();
     bool createSchema();
     bool copyBeforeUpgrade();
@@ -150,6 +171,7 @@ private:
     int m_version = 0;  ///< As found in the file.
     QString m_failure;  ///< What the user is told when opening fails.
     QString m_keptFile; ///< See `keptDamagedFile`.
+    bool m_lent = false;
     std::optional<int> m_profileFilter;
     std::unique_ptr<DatabaseBackup> m_backup;
 };
