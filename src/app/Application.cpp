@@ -13,6 +13,7 @@
 #include "base/SnapStandardPaths.h"
 #include "base/Version.h"
 #include "profiles/Milestones.h"
+#include "profiles/ProfileDeletion.h"
 #include "profiles/ProfileManager.h"
 #include "stats/AllStats.h"
 #include "stats/Collector.h"
@@ -185,12 +186,18 @@ void Application::prepareTray()
 {
     Theme::apply();
     m_tray = new TrayIcon(
-        [this] { return TodayQuery::keys(m_database->connection(), QDate::currentDate()); }, this);
+        [this, keys = qint64(0)]() mutable {
+            if (!m_database->isLent()) {
+                keys = TodayQuery::keys(m_database->connection(), QDate::currentDate());
+            }
+            return keys;
+        },
+        this);
     connect(m_tray, &TrayIcon::openRequested, this, &Application::openMainWindow);
     connect(m_tray, &TrayIcon::pauseRequested, m_counting, &CountingSwitch::pause);
     connect(m_tray, &TrayIcon::resumeRequested, m_counting, &CountingSwitch::resume);
     connect(m_tray, &TrayIcon::quitRequested, this, &Application::exitClient);
-    new ProfileWiring(*m_profiles, *m_collector, *m_tray, this);
+    m_profileWiring = new ProfileWiring(*m_profiles, *m_collector, *m_tray, this);
     Q_EMIT refreshTrayIcon();
     m_tray->show();
     const QString damaged = m_database->keptDamagedFile();
@@ -313,6 +320,9 @@ void Application::closeProcesses()
 void Application::stopCollecting()
 {
     m_closed = true;
+    if (m_profileWiring) {
+        m_profileWiring->deletion().cancelAndWait(); // What was counted meanwhile is written below.
+    }
     if (m_milestones) {
         m_milestones->stop();
     }

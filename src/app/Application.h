@@ -22,6 +22,7 @@ class MainWindowHost;
 class Milestones;
 class MousePointPruning;
 class ProfileManager;
+class ProfileWiring;
 class TrayIcon;
 class UnixSignals;
 
@@ -138,6 +139,7 @@ private:
     LiveRates m_liveRates;
     std::unique_ptr<MousePointPruning> m_mousePointPruning;
     TrayIcon* m_tray = nullptr;
+    ProfileWiring* m_profileWiring = nullptr;
     Milestones* m_milestones = nullptr;
     std::unique_ptr<MainWindowHost> m_window;
 

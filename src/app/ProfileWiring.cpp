@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/ProfileWiring.h"
 
+#include "profiles/ProfileDeletion.h"
 #include "profiles/ProfileManager.h"
 #include "stats/Collector.h"
 #include "ui/TrayIcon.h"
@@ -10,6 +11,7 @@ ProfileWiring::ProfileWiring(ProfileManager& profiles, Collector& collector, Tra
     : QObject(parent)
     , m_profiles(profiles)
     , m_tray(tray)
+    , m_deletion(new ProfileDeletion(profiles, this))
 {
     connect(&profiles, &ProfileManager::signalNeedFlush, &collector, &Collector::flush);
     // Queued: the tray makes its menu anew, and an entry of it may be what is being chosen.
@@ -18,10 +20,28 @@ ProfileWiring::ProfileWiring(ProfileManager& profiles, Collector& collector, Tra
     connect(&profiles, &ProfileManager::signalActiveStatsProfileChanged, this,
             &ProfileWiring::refreshTray, Qt::QueuedConnection);
     connect(&tray, &TrayIcon::profileRequested, &profiles, &ProfileManager::setActiveStatsProfile);
+    connect(m_deletion, &ProfileDeletion::finished, this, &ProfileWiring::tellResult);
     refreshTray();
 }
 
 void ProfileWiring::refreshTray()
 {
     m_tray.setProfiles(m_profiles.profiles(), m_profiles.getActiveStatsProfileId());
+}
+
+void ProfileWiring::tellResult(ProfileFold::Result result)
+{
+    switch (result) {
+    case ProfileFold::Result::Deleted:
+        return;
+    case ProfileFold::Result::Cancelled:
+        m_tray.showMessage(tr("Profile not deleted"),
+                           tr("The deletion was cancelled. The profile is as it was."));
+        return;
+    case ProfileFold::Result::Failed:
+        m_tray.showMessage(tr("Profile not deleted"),
+                           tr("The database could not store it, and the profile is as it was. Make "
+                              "sure that there is space on the disk and that no other program "
+                              "uses the database, then try again."));
+    }
 }

@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "profiles/ProfileFold.h"
+
 #include <QObject>
 
 class Collector;
+class ProfileDeletion;
 class ProfileManager;
 class TrayIcon;
 
@@ -18,9 +21,14 @@ public:
     ProfileWiring(ProfileManager& profiles, Collector& collector, TrayIcon& tray,
                   QObject* parent = nullptr);
 
+    /// Deletes profiles at the user's wish; whoever shows its progress connects with it.
+    ProfileDeletion& deletion() const { return *m_deletion; }
+
 private:
     void refreshTray();
+    void tellResult(ProfileFold::Result result);
 
     ProfileManager& m_profiles;
     TrayIcon& m_tray;
+    ProfileDeletion* m_deletion;
 };

@@ -93,7 +93,7 @@ Milestones::Milestone Milestones::read(const DSqlQuery& query)
 void Milestones::checkForMilestone()
 {
     const Database* database = Database::instance();
-    if (database == nullptr || database->state() != Database::State::Open) {
+    if (database == nullptr || database->state() != Database::State::Open || database->isLent()) {
         return;
     }
     MilestoneTotals totals(Database::instance());
@@ -102,11 +102,28 @@ void Milestones::checkForMilestone()
             !canBeChecked(milestone.statsType, milestone.statsAmount)) {
             continue;
         }
+        lowerBase(m_milestones[milestone.id], totals);
         const std::optional<qint64> grown = progress(milestone, totals);
         if (grown && *grown >= milestone.statsAmount) {
             fire(m_milestones[milestone.id], totals.current(milestone.statsType).value_or(0));
         }
     }
+}
+
+void Milestones::lowerBase(Milestone& milestone, MilestoneTotals& totals)
+{
+    const std::optional<qint64> total = totals.current(milestone.statsType);
+    if (!total || *total >= milestone.lastStatsWhenTriggered) {
+        return;
+    }
+    DSqlQuery query(Database::instance(),
+                    QStringLiteral("UPDATE milestones SET last_stats_when_triggered = ? WHERE id = "
+                                   "?"),
+                    false);
+    query.bindValue(0, *total);
+    query.bindValue(1, milestone.id);
+    query.exec();
+    milestone.lastStatsWhenTriggered = *total;
 }
 
 std::optional<qint64> Milestones::progress(const Milestone& milestone, MilestoneTotals& totals)

@@ -97,6 +97,9 @@ private:
     static bool isChoice(const Choice& choice);
     static Milestone read(const DSqlQuery& query);
     bool changed(DSqlQuery& query, qint64 id);
+
+    /// After the statistics were deleted, the total it counted from is out of reach for years.
+    static void lowerBase(Milestone& milestone, MilestoneTotals& totals);
     void fire(Milestone& milestone, qint64 total);
     static void logHit(const Milestone& milestone, qint64 total);
 

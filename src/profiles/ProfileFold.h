@@ -6,6 +6,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
+
 /// Gives what was counted under one profile to the default profile.
 namespace ProfileFold {
 
@@ -17,14 +19,25 @@ struct Table
     QStringList values; ///< What is added up.
 };
 
+enum class Result
+{
+    Deleted,
+    Cancelled, ///< Given up on purpose; the profile is as it was.
+    Failed,    ///< As `Cancelled`, since a statement failed (logged).
+};
+
+/// Told the percentage done, 0 to 100, which only grows; false gives up. Called every few thousand
+/// rows, on the thread of the connection.
+using Watch = std::function<bool(int percent)>;
+
 const QList<Table>& tables();
 
 /// Each row of the profile becomes one of the default profile; where that has a row of the same
 /// key, their values are added up, and every other column is that of the folded profile. Rows of
-/// tables that are not listed stay as they are.
+/// tables that are not listed stay as they are. Then the profile itself goes, and the list counts
+/// as changed. All of it is one transaction.
 ///
-/// Runs inside the caller's transaction. False (logged) at the first statement that fails: the
-/// caller rolls back. Thread: that of the connection.
-bool apply(const QSqlDatabase& connection, int profileId);
+/// The settings' cache is not told. Thread: that of the connection.
+Result deleteProfile(const QSqlDatabase& connection, int profileId, const Watch& watch);
 
 } // namespace ProfileFold

@@ -5,7 +5,6 @@
 #include "profiles/ProfileFold.h"
 #include "storage/DSqlQuery.h"
 #include "storage/Database.h"
-#include "storage/HistoryStamp.h"
 #include "storage/Settings.h"
 
 #include <QElapsedTimer>
@@ -13,6 +12,7 @@
 #include <QSqlError>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -59,6 +59,10 @@ QString ProfileManager::getActiveStatsProfileName() const
 
 void ProfileManager::setActiveStatsProfile(int id, const QString& name)
 {
+    if (Database::instance()->isLent()) {
+        m_wanted = Profile{id, name};
+        return;
+    }
     Log::info("Activating profile: {} with ID: {}", name, id);
     if (id != m_statsProfileId) {
         Q_EMIT signalNeedFlush();
@@ -262,40 +266,37 @@ bool ProfileManager::deleteProfile(int id)
     QElapsedTimer timer;
     timer.start();
     Q_EMIT signalNeedFlush();
-    QSqlDatabase connection = Database::instance()->connection();
-    if (id == DefaultProfileId || !connection.transaction()) {
-        return false;
-    }
-    if (!fold(id) || !connection.commit()) {
+    if (id == DefaultProfileId ||
+        ProfileFold::deleteProfile(Database::instance()->connection(), id,
+                                   [](int) { return true; }) != ProfileFold::Result::Deleted) {
         Log::error("Unable to delete the profile with ID: {}", id);
-        connection.rollback();
         return false;
     }
-    replaceDeleted(id);
-    Q_EMIT signalProfilesChanged();
+    noteDeleted(id);
     Log::info("Deletion of profile took {}ms", timer.elapsed());
     return true;
 }
 
-/// The profile goes last, so that its rows are nobody's at no time.
-bool ProfileManager::fold(int id)
-{
-    Database* database = Database::instance();
-    DSqlQuery query(database, QStringLiteral("DELETE FROM profiles WHERE id = ?"), false);
-    query.bindValue(0, id);
-    return ProfileFold::apply(database->connection(), id) &&
-           HistoryStamp::renew(database->connection()) && query.exec() &&
-           query.numRowsAffected() > 0 &&
-           Settings::instance().setValue(SettingsKeys::ProfilesHaveChanged, true);
-}
-
-void ProfileManager::replaceDeleted(int id)
+void ProfileManager::noteDeleted(int id)
 {
     if (id == m_statsProfileId) {
-        activateDefaultProfile();
+        // Not by activating another one: what is gathered and not yet written would be filed under
+        // the profile that is gone.
+        Log::info("Activating profile: {} with ID: {}", tr("General"), DefaultProfileId);
+        m_statsProfileId = DefaultProfileId;
+        m_statsProfileName.clear();
+        Q_EMIT signalActiveStatsProfileChanged(m_statsProfileId);
     }
     if (id == getActiveFilterProfileId()) {
         setActiveFilterProfile(DefaultProfileId, tr("General"));
+    }
+    noteListChanged();
+}
+
+void ProfileManager::databaseTakenBack()
+{
+    if (const std::optional<Profile> wanted = std::exchange(m_wanted, std::nullopt)) {
+        setActiveStatsProfile(wanted->id, wanted->name);
     }
 }
 

@@ -6,6 +6,8 @@
 #include <QString>
 #include <QVariant>
 
+#include <optional>
+
 /// A row of the table `profiles`, as a menu or a list needs it.
 struct Profile
 {
@@ -44,7 +46,8 @@ public:
     QString getActiveStatsProfileName() const;
 
     /// Files counts under this profile from now on, and marks it active in the database. An id that
-    /// is no profile's means profile 0: counts filed under it would be in no view.
+    /// is no profile's means profile 0: counts filed under it would be in no view. While the
+    /// database is lent, that waits until it is taken back.
     void setActiveStatsProfile(int id, const QString& name);
 
     /// Goes back to profile 0.
@@ -77,8 +80,15 @@ public:
 
     /// Gives what was counted under the profile to the default profile and removes it, all of it or
     /// nothing (false). Where it was the stats or the filter profile, the default one takes its
-    /// place. Takes seconds where millions of rows change hands.
+    /// place. Holds the caller up for seconds where millions of rows change hands: a user waits
+    /// for a `ProfileDeletion` instead.
     bool deleteProfile(int id);
+
+    /// The profile is gone from the database: takes note of that as `deleteProfile` does.
+    void noteDeleted(int id);
+
+    /// Carries out what waited while the database was lent.
+    void databaseTakenBack();
 
     /// Whether the list changed since it was last sent.
     bool shouldUploadProfiles() const;
@@ -97,14 +107,13 @@ Q_SIGNALS:
 
 private:
     static bool markActive(int id);
-    static bool fold(int id);
     bool isTaken(const QString& name) const;
     bool isNameOf(int id, const QString& name) const;
     NameResult check(const QString& name) const;
-    void replaceDeleted(int id);
     void noteListChanged();
 
     int m_statsProfileId = DefaultProfileId;
     QString m_statsProfileName;
     QString m_filterProfileName;
+    std::optional<Profile> m_wanted; ///< To become the stats profile; see `databaseTakenBack`.
 };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "stats/ApplicationsStat.h"
 
+#include "storage/Database.h"
 #include "system/AbstractSystem.h"
 
 ApplicationsStat::ApplicationsStat(AbstractSystem* system, QObject* parent)
@@ -9,6 +10,7 @@ ApplicationsStat::ApplicationsStat(AbstractSystem* system, QObject* parent)
     , m_insert(QStringLiteral(R"(INSERT OR IGNORE INTO applications ("path", "name", "icon", )"
                               R"("version") VALUES(?, ?, '', ''))"))
 {
+    connect(Database::instance(), &Database::cleaned, this, [this] { m_handled.clear(); });
 }
 
 int ApplicationsStat::getUpdateMilliSecondMod() const

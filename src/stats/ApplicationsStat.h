@@ -29,5 +29,5 @@ private:
 
     PreparedStatement m_selectKnown;
     PreparedStatement m_insert;
-    QSet<QString> m_handled; ///< Paths looked up in this run.
+    QSet<QString> m_handled; ///< Looked up in this run, or since a cleaning.
 };

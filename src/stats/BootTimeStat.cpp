@@ -6,6 +6,12 @@
 #include "storage/Database.h"
 #include "system/AbstractSystem.h"
 
+BootTimeStat::BootTimeStat(AbstractSystem* system, QObject* parent)
+    : Stat(system, parent)
+{
+    connect(Database::instance(), &Database::cleaned, this, [this] { m_recorded = false; });
+}
+
 int BootTimeStat::getUpdateMilliSecondMod() const
 {
     return 60'000;

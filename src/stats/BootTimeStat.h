@@ -10,7 +10,7 @@ class BootTimeStat : public Stat
 
 public:
     /// `Database` must exist.
-    using Stat::Stat;
+    BootTimeStat(AbstractSystem* system, QObject* parent);
 
     int getUpdateMilliSecondMod() const override;
     int getUpdateMilliSecondModUI() const override;
@@ -20,7 +20,7 @@ public:
     void onEnabled() override;
     void onDisabled() override;
 
-    /// Acts once in the life of this object.
+    /// Acts once in the life of this object, and once more after the table was emptied.
     void doInfrequentUpdate(QDateTime now, bool ui) override;
 
     /// Adds the current boot, unless its row is there, or one of the last 30 seconds. Does nothing

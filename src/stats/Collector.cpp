@@ -226,7 +226,7 @@ bool Collector::copyTotals(const QDateTime& now)
 bool Collector::isWritable()
 {
     const Database* database = Database::instance();
-    if (database == nullptr || database->state() != Database::State::Open) {
+    if (database == nullptr || database->state() != Database::State::Open || database->isLent()) {
         return false;
     }
     if (!m_database.isOpen()) {

@@ -62,8 +62,8 @@ public:
     /// three calls above left waiting, then ends the thread and waits for it.
     void finish();
 
-    /// One tick at `now`. Does nothing while the database cannot be written, or while a tick is
-    /// under way (a message box within one runs an event loop).
+    /// One tick at `now`. Does nothing while the database cannot be written or is lent, or while a
+    /// tick is under way (a message box within one runs an event loop).
     ///
     /// A transaction that cannot begin leaves everything where it was gathered, for the next tick.
     /// One that cannot be committed (disk full, another program's lock) is rolled back: the rows of

@@ -17,6 +17,8 @@
 
 namespace {
 
+constexpr int BusyTimeoutMs = 300'000;
+
 Database* s_instance = nullptr;
 
 } // namespace
@@ -140,7 +142,7 @@ QSqlDatabase Database::connectionNamed(const QString& name)
 
 QString Database::connectOptions(DatabaseFiles::Access access)
 {
-    const QString options = QStringLiteral(";QSQLITE_BUSY_TIMEOUT=300000");
+    const QString options = QStringLiteral(";QSQLITE_BUSY_TIMEOUT=%1").arg(BusyTimeoutMs);
     return access == DatabaseFiles::Access::ReadOnly
                ? options + QStringLiteral(";QSQLITE_OPEN_READONLY")
                : options;
@@ -169,7 +171,7 @@ Database::Outcome Database::checkOpened()
     if (m_version > SchemaVersion) {
         return Outcome::Newer;
     }
-    setPragmas();
+    setPragmas(m_connection);
     m_unchecked = mayBeCheckedLater();
     if (m_unchecked) {
         return Outcome::Opened;
@@ -214,7 +216,7 @@ void Database::takeBackgroundCheck(const IntegrityCheck& check)
     }
 }
 
-void Database::setPragmas()
+void Database::setPragmas(const QSqlDatabase& connection)
 {
     for (const QString& pragma : {
              QStringLiteral("PRAGMA secure_delete = false;"),
@@ -222,9 +224,9 @@ void Database::setPragmas()
              QStringLiteral("PRAGMA temp_store   = MEMORY;"),
              QStringLiteral("PRAGMA synchronous  = NORMAL;"),
              QStringLiteral("PRAGMA cache_size = -30720;"),
-             QStringLiteral("PRAGMA soft_heap_limit = 36700160;"),
+             SoftHeapLimit,
          }) {
-        DSqlQuery(this, pragma, true);
+        DSqlQuery(connection).exec(pragma);
     }
 }
 
@@ -333,7 +335,7 @@ bool Database::copyBeforeUpgrade()
     if (!openConnection()) {
         return false;
     }
-    setPragmas();
+    setPragmas(m_connection);
     return true;
 }
 
@@ -369,7 +371,7 @@ bool Database::upgrade()
     if (!openConnection()) {
         return false;
     }
-    setPragmas();
+    setPragmas(m_connection);
     setupDatabase_TempTables();
     Migrations migrations(m_connection);
     if (!migrations.run(m_version, SchemaVersion)) {
@@ -406,12 +408,33 @@ QString Database::checkDatabaseFull()
 
 bool Database::cleanDatabase()
 {
-    return DatabaseCleaner(m_connection).cleanStatistics();
+    return tellCleaned(DatabaseCleaner(m_connection).cleanStatistics());
 }
 
 bool Database::cleanDatabaseUser()
 {
-    return DatabaseCleaner(m_connection).cleanEverythingCounted();
+    return tellCleaned(DatabaseCleaner(m_connection).cleanEverythingCounted());
+}
+
+bool Database::tellCleaned(bool cleaned)
+{
+    if (cleaned) {
+        Q_EMIT this->cleaned();
+    }
+    return cleaned;
+}
+
+void Database::lend()
+{
+    m_lent = true;
+    DSqlQuery(this, QStringLiteral("PRAGMA busy_timeout = 0"), true);
+}
+
+void Database::takeBack()
+{
+    DSqlQuery(this, QStringLiteral("PRAGMA busy_timeout = %1").arg(BusyTimeoutMs), true);
+    m_lent = false;
+    Q_EMIT takenBack();
 }
 
 void Database::fail(const QString& text)

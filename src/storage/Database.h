@@ -98,6 +98,14 @@ public:
     /// while one is in progress, and unless the state is Open and the database is checked.
     void backupDatabase();
 
+    /// Leaves the file to another connection of this process that changes much of it in one
+    /// transaction. Until `takeBack`, whoever works on the main connection holds what can wait
+    /// (see `isLent`); what reads or writes all the same fails at once where it would have to wait.
+    void lend();
+    void takeBack();
+
+    bool isLent() const { return m_lent; }
+
     State state() const { return m_state; }
 
     QSqlDatabase connection() const; ///< The main thread's connection.
@@ -123,6 +131,13 @@ public:
     /// The options of every connection to the database.
     static QString connectOptions(DatabaseFiles::Access access);
 
+    /// The settings of every connection that writes.
+    static void setPragmas(const QSqlDatabase& connection);
+
+    /// Concerns all connections of the process.
+    static inline const QString SoftHeapLimit =
+        QStringLiteral("PRAGMA soft_heap_limit = 36700160;");
+
 Q_SIGNALS:
     /// The connection is about to close: whoever holds a query on it must let go of it now.
     void aboutToClose();
@@ -130,6 +145,12 @@ Q_SIGNALS:
     /// The check in the background found damage, and so did the main connection. The next opening
     /// of the file will check it first, and rescue it: whoever gets this restarts the client.
     void damageFound();
+
+    /// The statistics were deleted at the user's wish, while counting goes on.
+    void cleaned();
+
+    /// The database is no longer lent.
+    void takenBack();
 
     /// The ".backup" copy was refreshed (true), or stays as it was.
     void backupFinished(bool refreshed);
@@ -153,7 +174,7 @@ private:
     Outcome startFresh();
     bool prepareFile();
     bool openConnection();
-    void setPragmas();
+    bool tellCleaned(bool cleaned);
     int readVersion();
     bool createSchema();
     bool copyBeforeUpgrade();
@@ -172,6 +193,7 @@ private:
     bool m_unchecked = false; ///< Opened without a check.
     QString m_failure;        ///< What the user is told when opening fails.
     QString m_keptFile;       ///< See `keptDamagedFile`.
+    bool m_lent = false;
     std::optional<int> m_profileFilter;
     std::unique_ptr<BackgroundCheck> m_backgroundCheck;
     std::unique_ptr<DatabaseBackup> m_backup;

@@ -22,7 +22,7 @@ void MousePointPruning::start(const QDateTime& now)
 bool MousePointPruning::pruneMousePoints(const QDateTime& now)
 {
     constexpr qint64 lastSecondOfTheDay = 86'399;
-    if (m_lastPruning.secsTo(now) <= lastSecondOfTheDay) {
+    if (m_database.isLent() || m_lastPruning.secsTo(now) <= lastSecondOfTheDay) {
         return false;
     }
     DSqlQuery query(&m_database);

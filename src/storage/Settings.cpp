@@ -9,6 +9,8 @@
 #include <QSqlError>
 #include <QThread>
 
+#include <utility>
+
 namespace {
 
 bool isNull(const QVariant& value)
@@ -55,6 +57,7 @@ void Settings::init(Database* database)
     m_database = database;
     m_databaseThread = database->thread();
     QObject::connect(database, &Database::aboutToClose, database, [this] { close(); });
+    QObject::connect(database, &Database::takenBack, database, [this] { storeHeld(); });
     m_select = std::make_unique<DSqlQuery>(
         database, QStringLiteral("SELECT value FROM settings WHERE \"name\"=?"), false);
     m_replace = std::make_unique<DSqlQuery>(
@@ -124,12 +127,8 @@ bool Settings::setDefault(const QString& key, const QVariant& value)
 QVariant Settings::get(const QString& key, const QVariant& defaultValue) const
 {
     logAccess("get", key);
-    {
-        const QReadLocker locker(&m_lock);
-        const auto cached = m_cache.constFind(key);
-        if (cached != m_cache.constEnd()) {
-            return *cached;
-        }
+    if (const std::optional<QVariant> value = cached(key)) {
+        return *value;
     }
     const QVariant stored = readRow(key);
     return stored.isValid() ? stored : defaultValue;
@@ -138,13 +137,7 @@ QVariant Settings::get(const QString& key, const QVariant& defaultValue) const
 bool Settings::has(const QString& key) const
 {
     logAccess("has", key);
-    {
-        const QReadLocker locker(&m_lock);
-        if (m_cache.contains(key)) {
-            return true;
-        }
-    }
-    return readRow(key).isValid();
+    return cached(key) || readRow(key).isValid();
 }
 
 bool Settings::set(const QString& key, const QVariant& value)
@@ -156,6 +149,10 @@ bool Settings::set(const QString& key, const QVariant& value)
     }
     if (!m_replace) {
         return false;
+    }
+    if (m_database->isLent()) {
+        m_held.insert(key);
+        return true;
     }
     m_replace->bindValue(0, storable(value));
     m_replace->bindValue(1, key);
@@ -174,6 +171,18 @@ bool Settings::setDouble(const QString& key, const double& value)
     return set(key, QVariant(value));
 }
 
+void Settings::storeHeld()
+{
+    for (const QString& key : std::exchange(m_held, {})) {
+        const std::optional<QVariant> value = cached(key);
+        if (value) {
+            set(key, *value);
+        } else {
+            del(key);
+        }
+    }
+}
+
 void Settings::del(const QString& key)
 {
     logAccess("del", key);
@@ -184,9 +193,20 @@ void Settings::del(const QString& key)
     if (m_database == nullptr) {
         return;
     }
+    if (m_database->isLent()) {
+        m_held.insert(key);
+        return;
+    }
     DSqlQuery query(m_database, QStringLiteral("DELETE FROM settings WHERE \"name\"=?"), false);
     query.bindValue(0, key);
     query.exec();
+}
+
+std::optional<QVariant> Settings::cached(const QString& key) const
+{
+    const QReadLocker locker(&m_lock);
+    const auto value = m_cache.constFind(key);
+    return value != m_cache.constEnd() ? std::optional(*value) : std::nullopt;
 }
 
 QVariant Settings::readRow(const QString& key) const

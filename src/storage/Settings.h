@@ -6,11 +6,13 @@
 #include <QDateTime>
 #include <QHash>
 #include <QReadWriteLock>
+#include <QSet>
 #include <QString>
 #include <QVariant>
 
 #include <atomic>
 #include <memory>
+#include <optional>
 
 class Database;
 class DSqlQuery;
@@ -50,7 +52,8 @@ public:
     QVariant get(const QString& key, const QVariant& defaultValue) const;
     bool has(const QString& key) const;
 
-    /// Stores a value; the cache holds it even where the row could not be written (false).
+    /// Stores a value; the cache holds it even where the row could not be written (false). While
+    /// the database is lent, the rows wait until it is taken back.
     bool set(const QString& key, const QVariant& value);
     bool set(const QString& key, const long& value); ///< Stored as decimal text.
     bool setDouble(const QString& key, const double& value);
@@ -80,11 +83,14 @@ private:
     Settings();
     ~Settings();
 
+    std::optional<QVariant> cached(const QString& key) const;
     QVariant readRow(const QString& key) const; ///< Invalid where there is none.
+    void storeHeld();
 
     mutable QReadWriteLock m_lock; ///< Guards `m_cache`.
     QHash<QString, QVariant> m_cache;
 
+    QSet<QString> m_held; ///< Keys set or deleted while the database was lent.
     Database* m_database = nullptr;
     std::atomic<QThread*> m_databaseThread =
         nullptr; ///< Where the statements may run; null: nowhere.

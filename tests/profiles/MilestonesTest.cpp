@@ -101,19 +101,25 @@ void MilestonesTest::firesOncePerStep()
     milestones.checkForMilestone();
     QCOMPARE(messages.size(), 2);
     QCOMPARE(log.count(QStringLiteral("Milestone triggered!")), 2);
-    growTo(50); // After a cleaning.
+    growTo(50); // After a cleaning: it counts from here.
     milestones.checkForMilestone();
-    growTo(134);
+    growTo(59);
     milestones.checkForMilestone();
     QCOMPARE(messages.size(), 2);
+    Milestones afterCleaning; // The next run of the client.
+    afterCleaning.refreshSettings(Milestones::All);
+    QCOMPARE(afterCleaning.list().constFirst().lastStatsWhenTriggered, 50);
+    growTo(60);
+    milestones.checkForMilestone();
+    QCOMPARE(messages.size(), 3);
     QCOMPARE(m_test->rows(QStringLiteral("SELECT name, stats_type, stats_amount, "
                                          "stats_when_triggered FROM milestones_log")),
-             QStringLiteral("Name|%1|10|100,Name|%1|10|125").arg(type));
-    QCOMPARE(milestones.log().constFirst().statsWhenTriggered, 125);
+             QStringLiteral("Name|%1|10|100,Name|%1|10|125,Name|%1|10|60").arg(type));
+    QCOMPARE(milestones.log().constFirst().statsWhenTriggered, 60);
     QVERIFY(milestones.log().constFirst().timeTriggered.isValid());
     Milestones next; // The next run of the client.
     next.refreshSettings(Milestones::All);
-    QCOMPARE(next.list().constFirst().lastStatsWhenTriggered, 125);
+    QCOMPARE(next.list().constFirst().lastStatsWhenTriggered, 60);
     QVERIFY(next.list().constFirst().timeLastTriggered.isValid());
 }
 

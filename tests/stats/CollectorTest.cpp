@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Client.h"
+#include "profiles/ProfileDeletion.h"
 #include "stats/Collector.h"
 #include "stats/KeypressesStat.h"
 #include "storage/ReadingConnection.h"
 #include "support/LogCapture.h"
 #include "support/TestRegistry.h"
 
+#include <QSignalSpy>
 #include <QTest>
 
 #include <functional>
@@ -83,6 +85,8 @@ private Q_SLOTS:
     void survivesAFailingCommit();
     void keepsWhatItCannotBegin();
     void movesTheHistoryAgainAfterAFailingCommit();
+    void keepsCountsWhileAProfileIsDeleted_data();
+    void keepsCountsWhileAProfileIsDeleted();
 
 private:
     void typeAndTick(int elapsedMs)
@@ -275,6 +279,48 @@ void CollectorTest::movesTheHistoryAgainAfterAFailingCommit()
         QCOMPARE(dayAfterTicks(), QStringLiteral("2026-03-14"));
     }
     QCOMPARE(dayAfterTicks(), QStringLiteral("2026-03-11"));
+}
+
+void CollectorTest::keepsCountsWhileAProfileIsDeleted_data()
+{
+    QTest::addColumn<bool>("cancelled");
+    QTest::addColumn<bool>("flushed"); ///< Before the first tick that follows.
+    QTest::addColumn<QString>("stored");
+    QTest::newRow("deleted") << false << false << QStringLiteral("0|3");
+    QTest::newRow("deleted, then flushed") << false << true << QStringLiteral("0|3");
+    QTest::newRow("cancelled") << true << false << QStringLiteral("4|3");
+}
+
+void CollectorTest::keepsCountsWhileAProfileIsDeleted()
+{
+    QFETCH(bool, cancelled);
+    QFETCH(bool, flushed);
+    m_client->exec(QStringLiteral("INSERT INTO profiles (id, name) VALUES (4, 'Work')"));
+    ProfileManager& profiles = m_client->profiles;
+    connect(&profiles, &ProfileManager::signalNeedFlush, m_collector.get(), &Collector::flush);
+    profiles.setActiveStatsProfile(4, QStringLiteral("Work"));
+    m_client->system.keys = {Qt::Key_A}; // Not yet written when the deletion begins.
+    ProfileDeletion deletion(profiles);
+    QSignalSpy finished(&deletion, &ProfileDeletion::finished);
+    const LogCapture log;
+    QVERIFY(deletion.start(4));
+    QCOMPARE(m_client->system.keys.size(), 0);
+    m_client->system.keys = {Qt::Key_A, Qt::Key_A};
+    m_collector->flush();
+    m_collector->update(m_now.addSecs(60));
+    QCOMPARE(m_client->system.keys.size(), 2);
+    if (cancelled) {
+        deletion.cancelAndWait();
+    }
+    QVERIFY(finished.size() == 1 || finished.wait());
+    if (flushed) {
+        m_collector->flush();
+    }
+    m_collector->update(m_now.addSecs(120));
+    QVERIFY(!log.contains(QStringLiteral("error")));
+    QTEST(m_client->rows(QStringLiteral("SELECT profile_id, SUM(count) FROM keypress_frequency "
+                                        "GROUP BY profile_id")),
+          "stored");
 }
 
 REGISTER_TEST(CollectorTest);

@@ -31,6 +31,8 @@ private Q_SLOTS:
     void countsTheRunningTime_data();
     void countsTheRunningTime();
     void knowsApplicationsOnce();
+    void recordsAnewAfterACleaning_data();
+    void recordsAnewAfterACleaning();
     void leavesExcludedApplicationsOut();
 
 private:
@@ -253,6 +255,32 @@ void UptimeStatsTest::knowsApplicationsOnce()
     m_client->exec(QStringLiteral("DELETE FROM applications"));
     stat.doUpdate(m_noon, false); // Each is looked up once in a run.
     QCOMPARE(m_client->rows(all), QString());
+}
+
+void UptimeStatsTest::recordsAnewAfterACleaning_data()
+{
+    QTest::addColumn<bool>("everything");
+    QTest::newRow("the statistics") << false;
+    QTest::newRow("everything counted") << true;
+}
+
+void UptimeStatsTest::recordsAnewAfterACleaning()
+{
+    QFETCH(bool, everything);
+    BootTimeStat boot(&m_client->system, nullptr);
+    ApplicationsStat applications(&m_client->system, nullptr);
+    const auto recorded = [&](const QDateTime& now) {
+        for (Stat* stat : {static_cast<Stat*>(&boot), static_cast<Stat*>(&applications)}) {
+            stat->setEnabled(true);
+            stat->flush(now);
+        }
+        return m_client->rows(QStringLiteral("SELECT boot_time, path FROM uptimes, applications"));
+    };
+    const QString before = recorded(m_noon);
+    QVERIFY(!before.isEmpty());
+    Database* database = m_client->database();
+    QVERIFY(everything ? database->cleanDatabaseUser() : database->cleanDatabase());
+    QCOMPARE(recorded(m_noon.addSecs(60)), before);
 }
 
 void UptimeStatsTest::leavesExcludedApplicationsOut()

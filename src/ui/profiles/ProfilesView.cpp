@@ -6,6 +6,7 @@
 #include "ui/Card.h"
 #include "ui/FiguresModel.h"
 #include "ui/profiles/ActionTable.h"
+#include "ui/profiles/DeletionDialog.h"
 #include "ui/profiles/MilestoneDialog.h"
 #include "ui/profiles/NameDialog.h"
 #include "ui/profiles/ProgressDelegate.h"
@@ -281,7 +282,28 @@ void ProfilesView::deleteProfile()
                "longer be told apart from them. Click positions and traffic counted under it stay "
                "in “All profiles”. This cannot be undone.")
                 .arg(profile->name),
-            tr("Delete profile"), [this, id] { Q_EMIT profileDeleted(id); });
+            tr("Delete profile"), [this, id, name = profile->name] { beginDeletion(id, name); });
+}
+
+void ProfilesView::beginDeletion(int id, const QString& name)
+{
+    m_deletion = new DeletionDialog(name, this);
+    connect(m_deletion, &QDialog::rejected, this, &ProfilesView::deletionCancelled);
+    Q_EMIT profileDeleted(id);
+}
+
+void ProfilesView::setDeletionProgress(int percent)
+{
+    if (m_deletion) {
+        m_deletion->setProgress(percent);
+    }
+}
+
+void ProfilesView::endDeletion()
+{
+    if (m_deletion) {
+        m_deletion->end();
+    }
 }
 
 void ProfilesView::activateProfile()

@@ -4,7 +4,10 @@
 #include "ui/View.h"
 #include "ui/profiles/ProfileTypes.h"
 
+#include <QPointer>
+
 class ActionTable;
+class DeletionDialog;
 class FiguresModel;
 
 /// The profiles with what was counted under each over the days shown, the milestones with how far
@@ -25,11 +28,18 @@ public:
     void setProfiles(const QList<ProfileEntry>& profiles);
     void setMilestones(const QList<MilestoneEntry>& milestones, const QList<MilestoneHit>& hits);
 
+    /// While a profile is being deleted: shows how far that has come, where it takes long.
+    void setDeletionProgress(int percent);
+
+    /// It has come to an end, whatever that is.
+    void endDeletion();
+
 Q_SIGNALS:
     void profileAdded(const QString& name);
     void profileRenamed(int id, const QString& name);
     void profileDeleted(int id); ///< The user has confirmed it.
     void profileActivated(int id);
+    void deletionCancelled(); ///< The user wants to keep the profile being deleted.
     void milestoneSaved(const MilestoneEntry& milestone); ///< Added where its id is 0.
     void milestoneRemoved(qint64 id);                     ///< The user has confirmed it.
 
@@ -50,6 +60,7 @@ private:
     void addProfile();
     void renameProfile();
     void deleteProfile();
+    void beginDeletion(int id, const QString& name);
     void activateProfile();
     void editMilestone(const MilestoneEntry& milestone);
     void switchMilestone();
@@ -66,6 +77,7 @@ private:
     FiguresModel* m_hitsModel;
     ActionTable* m_profilesTable = nullptr;
     ActionTable* m_milestonesTable = nullptr;
+    QPointer<DeletionDialog> m_deletion;
     QAction* m_activate = nullptr;
     QAction* m_rename = nullptr;
     QAction* m_delete = nullptr;

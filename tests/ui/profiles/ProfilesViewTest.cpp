@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "../UiDatabase.h"
 #include "support/TestRegistry.h"
+#include "ui/profiles/DeletionDialog.h"
 #include "ui/profiles/MilestoneDialog.h"
 #include "ui/profiles/NameDialog.h"
 #include "ui/profiles/ProfilesView.h"
@@ -9,6 +10,8 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QPointer>
+#include <QProgressBar>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QSpinBox>
@@ -28,6 +31,7 @@ private Q_SLOTS:
     void refusesANameAndSaysWhy();
     void deletesOnlyOnceConfirmed_data();
     void deletesOnlyOnceConfirmed();
+    void showsALongDeletion();
     void savesAMilestone();
 
 private:
@@ -149,6 +153,27 @@ void ProfilesViewTest::deletesOnlyOnceConfirmed()
         QTest::keyClick(box, Qt::Key_Escape);
     }
     QCOMPARE(deleted.size(), confirm ? 1 : 0);
+}
+
+void ProfilesViewTest::showsALongDeletion()
+{
+    const QSignalSpy cancelled(m_view.get(), &ProfilesView::deletionCancelled);
+    table("profiles")->selectRow(1);
+    action("deleteProfile")->trigger();
+    m_view->findChild<QPushButton*>(QStringLiteral("confirm"))->click();
+    QPointer<DeletionDialog> dialog = m_view->findChild<DeletionDialog*>();
+    QVERIFY(!dialog->isVisible()); // Most are over before one could read it.
+    m_view->setDeletionProgress(40);
+    QTRY_VERIFY(dialog->isVisible());
+    QCOMPARE(dialog->findChild<QLabel*>(QStringLiteral("text"))->text(),
+             QStringLiteral("Deleting the profile “Work”…"));
+    QCOMPARE(dialog->findChild<QProgressBar*>(QStringLiteral("progress"))->value(), 40);
+    QTest::keyClick(dialog, Qt::Key_Escape);
+    QTest::keyClick(dialog, Qt::Key_Escape);
+    QCOMPARE(cancelled.size(), 1);
+    QVERIFY(dialog->isVisible()); // Until what was done is undone.
+    m_view->endDeletion();
+    QTRY_VERIFY(!dialog);
 }
 
 void ProfilesViewTest::savesAMilestone()
