@@ -444,7 +444,8 @@ void Application::prepareWindow()
     };
     m_window = std::make_unique<MainWindowHost>(
         m_database->getDatabaseFileName(), context, *m_counting,
-        ViewWiring::Parts{*m_platformSystem, *m_profiles, *m_milestones, m_liveRates});
+        ViewWiring::Parts{*m_platformSystem, *m_profiles, m_profileWiring->deletion(),
+                          *m_milestones, m_liveRates});
     connect(m_window.get(), &MainWindowHost::closed, m_tray, &TrayIcon::explainClosedWindow);
     connect(m_window.get(), &MainWindowHost::keyboardCountingRequested, this, [this] {
         m_counting->storeKeyboardOn();

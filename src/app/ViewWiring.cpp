@@ -3,6 +3,7 @@
 
 #include "profiles/MilestoneTotals.h"
 #include "profiles/Milestones.h"
+#include "profiles/ProfileDeletion.h"
 #include "profiles/ProfileManager.h"
 #include "stats/LiveRates.h"
 #include "storage/Database.h"
@@ -81,15 +82,34 @@ void ViewWiring::followOverview(OverviewView* view)
 void ViewWiring::followProfiles(ProfilesView* view)
 {
     ProfileManager& profiles = m_parts.profiles;
-    Milestones& milestones = m_parts.milestones;
     view->setNameProblem([this](int id, const QString& name) { return nameProblem(id, name); });
     const auto show = [this, view] { showProfiles(view); };
     connect(&profiles, &ProfileManager::signalProfilesChanged, view, show);
     connect(&profiles, &ProfileManager::signalActiveStatsProfileChanged, view, show);
     connect(view, &ProfilesView::profileAdded, &profiles, &ProfileManager::addProfile);
     connect(view, &ProfilesView::profileRenamed, &profiles, &ProfileManager::editProfileName);
-    connect(view, &ProfilesView::profileDeleted, &profiles, &ProfileManager::deleteProfile);
     connect(view, &ProfilesView::profileActivated, this, &ViewWiring::activateProfile);
+    show();
+    followDeletion(view);
+    followMilestones(view);
+}
+
+void ViewWiring::followDeletion(ProfilesView* view)
+{
+    ProfileDeletion& deletion = m_parts.deletion;
+    connect(view, &ProfilesView::profileDeleted, &deletion, [&deletion, view](int id) {
+        if (!deletion.start(id)) {
+            view->endDeletion();
+        }
+    });
+    connect(view, &ProfilesView::deletionCancelled, &deletion, &ProfileDeletion::cancel);
+    connect(&deletion, &ProfileDeletion::progress, view, &ProfilesView::setDeletionProgress);
+    connect(&deletion, &ProfileDeletion::finished, view, &ProfilesView::endDeletion);
+}
+
+void ViewWiring::followMilestones(ProfilesView* view)
+{
+    Milestones& milestones = m_parts.milestones;
     connect(&milestones, &Milestones::signalMilestonesChanged, view,
             [this, view] { showMilestones(view); });
     connect(view, &ProfilesView::milestoneRemoved, &milestones, &Milestones::remove);
@@ -106,7 +126,6 @@ void ViewWiring::followProfiles(ProfilesView* view)
                     milestones.setActive(entry.id, entry.isActive);
                 }
             });
-    show();
     showMilestones(view);
 }
 

@@ -10,6 +10,7 @@ class LiveRates;
 class MainWindow;
 class Milestones;
 class OverviewView;
+class ProfileDeletion;
 class ProfileManager;
 class ProfilesView;
 class View;
@@ -26,6 +27,7 @@ public:
     {
         CommonSystem& system;
         ProfileManager& profiles;
+        ProfileDeletion& deletion;
         Milestones& milestones;
         LiveRates& rates;
     };
@@ -37,6 +39,8 @@ private:
     void followApplications(ApplicationsView* view);
     void followOverview(OverviewView* view);
     void followProfiles(ProfilesView* view);
+    void followMilestones(ProfilesView* view);
+    void followDeletion(ProfilesView* view);
     void showFilter();
     void activateProfile(int id);
     void showProfiles(ProfilesView* view) const;

@@ -6,6 +6,7 @@
 #include "storage/DSqlQuery.h"
 #include "storage/DatabaseBackup.h"
 #include "storage/DatabaseCleaner.h"
+#include "storage/DatabaseConnection.h"
 #include "storage/HistoryStamp.h"
 #include "storage/IntegrityCheck.h"
 #include "storage/Migrations.h"
@@ -16,8 +17,6 @@
 #include <QSqlError>
 
 namespace {
-
-constexpr int BusyTimeoutMs = 300'000;
 
 Database* s_instance = nullptr;
 
@@ -130,31 +129,13 @@ bool Database::prepareFile()
     return true;
 }
 
-QSqlDatabase Database::connectionNamed(const QString& name)
-{
-    if (QSqlDatabase::contains(name)) {
-        Log::info("Re-using existing db connection with name: {}", name);
-        return QSqlDatabase::database(name, false);
-    }
-    Log::info("Creating db connection with name: {}", name);
-    return QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
-}
-
-QString Database::connectOptions(DatabaseFiles::Access access)
-{
-    const QString options = QStringLiteral(";QSQLITE_BUSY_TIMEOUT=%1").arg(BusyTimeoutMs);
-    return access == DatabaseFiles::Access::ReadOnly
-               ? options + QStringLiteral(";QSQLITE_OPEN_READONLY")
-               : options;
-}
-
 bool Database::openConnection()
 {
     QElapsedTimer timer;
     timer.start();
-    m_connection = connectionNamed(ConnectionName);
+    m_connection = DatabaseConnection::named(ConnectionName);
     m_connection.setDatabaseName(m_files.fileName());
-    m_connection.setConnectOptions(connectOptions(m_access));
+    m_connection.setConnectOptions(DatabaseConnection::options(m_access));
     Log::info("Database connection options: {}", m_connection.connectOptions());
     if (!m_connection.open()) {
         m_failure = tr("Unable to open database: ") + m_connection.lastError().text();
@@ -171,7 +152,7 @@ Database::Outcome Database::checkOpened()
     if (m_version > SchemaVersion) {
         return Outcome::Newer;
     }
-    setPragmas(m_connection);
+    DatabaseConnection::tune(m_connection);
     m_unchecked = mayBeCheckedLater();
     if (m_unchecked) {
         return Outcome::Opened;
@@ -213,20 +194,6 @@ void Database::takeBackgroundCheck(const IntegrityCheck& check)
         backupIfDue();
     } else if (check.verdict == IntegrityCheck::Verdict::Damaged && m_files.markDamaged()) {
         Q_EMIT damageFound();
-    }
-}
-
-void Database::setPragmas(const QSqlDatabase& connection)
-{
-    for (const QString& pragma : {
-             QStringLiteral("PRAGMA secure_delete = false;"),
-             QStringLiteral("PRAGMA journal_mode = TRUNCATE"),
-             QStringLiteral("PRAGMA temp_store   = MEMORY;"),
-             QStringLiteral("PRAGMA synchronous  = NORMAL;"),
-             QStringLiteral("PRAGMA cache_size = -30720;"),
-             SoftHeapLimit,
-         }) {
-        DSqlQuery(connection).exec(pragma);
     }
 }
 
@@ -335,7 +302,7 @@ bool Database::copyBeforeUpgrade()
     if (!openConnection()) {
         return false;
     }
-    setPragmas(m_connection);
+    DatabaseConnection::tune(m_connection);
     return true;
 }
 
@@ -371,7 +338,7 @@ bool Database::upgrade()
     if (!openConnection()) {
         return false;
     }
-    setPragmas(m_connection);
+    DatabaseConnection::tune(m_connection);
     setupDatabase_TempTables();
     Migrations migrations(m_connection);
     if (!migrations.run(m_version, SchemaVersion)) {
@@ -432,7 +399,9 @@ void Database::lend()
 
 void Database::takeBack()
 {
-    DSqlQuery(this, QStringLiteral("PRAGMA busy_timeout = %1").arg(BusyTimeoutMs), true);
+    DSqlQuery(this,
+              QStringLiteral("PRAGMA busy_timeout = %1").arg(DatabaseConnection::BusyTimeoutMs),
+              true);
     m_lent = false;
     Q_EMIT takenBack();
 }

@@ -125,19 +125,6 @@ public:
     /// where all profiles are shown. `table` is the table's name or alias in that query, or empty.
     QString generateWhereQueryProfileFilter(const QString& table) const;
 
-    /// The connection of that name, which is made where there is none yet.
-    static QSqlDatabase connectionNamed(const QString& name);
-
-    /// The options of every connection to the database.
-    static QString connectOptions(DatabaseFiles::Access access);
-
-    /// The settings of every connection that writes.
-    static void setPragmas(const QSqlDatabase& connection);
-
-    /// Concerns all connections of the process.
-    static inline const QString SoftHeapLimit =
-        QStringLiteral("PRAGMA soft_heap_limit = 36700160;");
-
 Q_SIGNALS:
     /// The connection is about to close: whoever holds a query on it must let go of it now.
     void aboutToClose();

@@ -3,6 +3,7 @@
 
 #include "base/Log.h"
 #include "storage/Database.h"
+#include "storage/DatabaseConnection.h"
 
 #include <QSqlError>
 #include <QUrl>
@@ -28,9 +29,9 @@ QString lockless(const QString& fileName)
 } // namespace
 
 ReadingConnection::ReadingConnection(const QString& fileName, Locking locking)
-    : m_connection(Database::connectionNamed(nextName()))
+    : m_connection(DatabaseConnection::named(nextName()))
 {
-    const QString options = Database::connectOptions(DatabaseFiles::Access::ReadOnly);
+    const QString options = DatabaseConnection::options(DatabaseFiles::Access::ReadOnly);
     if (locking == Locking::None) {
         m_connection.setDatabaseName(lockless(fileName));
         m_connection.setConnectOptions(options + QStringLiteral(";QSQLITE_OPEN_URI"));

@@ -247,9 +247,9 @@ inline const SettingKey<bool> CombinationsHideCtrl{QStringLiteral("combinations_
 /// Hides combinations with Shift.
 inline const SettingKey<bool> CombinationsHideShift{QStringLiteral("combinations_hide_shift"),
                                                     false};
-/// Keyboard on which keys are shown: its form, "ansi" or "iso", "-", and its letters, "qwerty" (US),
-/// "qwerty-uk", "qwertz" (German), "azerty" (French), "dvorak" or "colemak", as in "iso-qwertz".
-/// Without one, what is usual where the system's locale lies.
+/// Keyboard on which keys are shown: its form, "ansi" or "iso", "-", and its letters, "qwerty"
+/// (US), "qwerty-uk", "qwertz" (German), "azerty" (French), "dvorak" or "colemak", as in
+/// "iso-qwertz". Without one, what is usual where the system's locale lies.
 inline const SettingKey<QString> KeyboardLayout{QStringLiteral("keyboard_layout")};
 
 // Without a stored default: the account.

@@ -4,21 +4,22 @@
 #include "base/Log.h"
 #include "storage/DSqlQuery.h"
 #include "storage/Database.h"
+#include "storage/DatabaseConnection.h"
 
 #include <QSqlError>
 
 #include <malloc.h>
 
 WritingConnection::WritingConnection(const QString& fileName)
-    : m_connection(Database::connectionNamed(Database::ConnectionName + QStringLiteral("-writing")))
+    : m_connection(DatabaseConnection::named(Database::ConnectionName + QStringLiteral("-writing")))
 {
     m_connection.setDatabaseName(fileName);
-    m_connection.setConnectOptions(Database::connectOptions(DatabaseFiles::Access::ReadWrite));
+    m_connection.setConnectOptions(DatabaseConnection::options(DatabaseFiles::Access::ReadWrite));
     if (!m_connection.open()) {
         Log::error("Unable to open database: {}", m_connection.lastError().text());
         return;
     }
-    Database::setPragmas(m_connection);
+    DatabaseConnection::tune(m_connection);
     // The limit of the heap counts for the cache as well: beyond it, SQLite writes changed pages to
     // the file however large the cache may be. Who holds the file for longer than this is another
     // program, for which the user need not wait five minutes.
@@ -33,7 +34,7 @@ WritingConnection::~WritingConnection()
 {
     const QString name = m_connection.connectionName();
     if (m_connection.isOpen()) {
-        DSqlQuery(m_connection).exec(Database::SoftHeapLimit);
+        DatabaseConnection::limitMemory(m_connection);
     }
     m_connection = QSqlDatabase();
     QSqlDatabase::removeDatabase(name);
