@@ -98,7 +98,7 @@ QString difference(History& left, History& right, const HistoryScope& scope)
 
 QList<HistoryScope> manyScopes()
 {
-    constexpr int everywhere = 3;
+    constexpr int everywhere = 2;
     QRandomGenerator random(Seed);
     QList<HistoryScope> scopes{
         {.first = {}, .last = Today, .profileId = {}},
