@@ -5,13 +5,14 @@ find_package(benchmark REQUIRED)
 # The rooms whose tests run more than one thread: what the tsan preset builds and runs.
 set(TALLYVANE_THREADED_ROOMS base profiles storage system stats ui)
 
-# tallyvane_tests(ROOM [PART part] CLASSES test classes... LIBRARIES further libraries...
+# tallyvane_tests(ROOM [PART part] [ONE_THREAD] CLASSES test classes... LIBRARIES further libraries...
 #                 SOURCES helper files...)
 #
 # Makes one executable, ROOM_tests or ROOM_PART_tests, of the files CLASS.cpp beside the caller, and
-# one ctest entry per class, named "ROOM.CLASS".
+# one ctest entry per class, named "ROOM.CLASS". ONE_THREAD: these start none, whatever their room
+# does, and the thread sanitizer has nothing to find.
 function(tallyvane_tests room)
-  cmake_parse_arguments(arg "" "PART" "CLASSES;LIBRARIES;SOURCES" ${ARGN})
+  cmake_parse_arguments(arg "ONE_THREAD" "PART" "CLASSES;LIBRARIES;SOURCES" ${ARGN})
   list(TRANSFORM arg_CLASSES APPEND .cpp OUTPUT_VARIABLE files)
   set(target ${room}_tests)
   if(arg_PART)
@@ -27,7 +28,7 @@ function(tallyvane_tests room)
   target_compile_definitions(${target} PRIVATE
     "TALLYVANE_SOURCE_DIR=\"${CMAKE_SOURCE_DIR}\"" "TALLYVANE_BUILD_DIR=\"${CMAKE_BINARY_DIR}\"")
   set(labels unit ${room})
-  if(room IN_LIST TALLYVANE_THREADED_ROOMS)
+  if(room IN_LIST TALLYVANE_THREADED_ROOMS AND NOT arg_ONE_THREAD)
     list(APPEND labels threads)
     set_property(GLOBAL APPEND PROPERTY TALLYVANE_THREADED_TESTS ${target})
   endif()

@@ -6,12 +6,15 @@ namespace {
 /// Whatever interval a statistic declares, a minute without an update is enough.
 constexpr int LongestWaitMs = 60'000;
 
-bool isDue(const QDateTime& last, const QDateTime& now, int intervalMs)
+bool isDue(const std::optional<qint64>& lastMs, qint64 nowMs, int intervalMs)
 {
+    if (!lastMs) {
+        return true;
+    }
     // Narrowed on purpose: a pause of more than 24.8 days wraps around, and is then judged by what
     // remains, as it has always been.
-    const auto elapsedMs = static_cast<qint32>(last.msecsTo(now));
-    return !last.isValid() || elapsedMs >= LongestWaitMs || elapsedMs >= intervalMs;
+    const auto elapsedMs = static_cast<qint32>(nowMs - *lastMs);
+    return elapsedMs >= LongestWaitMs || elapsedMs >= intervalMs;
 }
 
 } // namespace
@@ -39,20 +42,30 @@ void Stat::doInfrequentUpdate(QDateTime, bool) {}
 
 bool Stat::shouldUpdate(const QDateTime& now) const
 {
-    return isDue(m_lastUpdate, now,
-                 m_uiMode ? getUpdateMilliSecondModUI() : getUpdateMilliSecondMod());
+    return isUpdateDue(now.toMSecsSinceEpoch());
 }
 
 bool Stat::shouldFrequentUpdate(const QDateTime& now) const
 {
-    return isDue(m_lastFrequentUpdate, now,
+    return isFrequentUpdateDue(now.toMSecsSinceEpoch());
+}
+
+bool Stat::isUpdateDue(qint64 nowMs) const
+{
+    return isDue(m_lastUpdateMs, nowMs,
+                 m_uiMode ? getUpdateMilliSecondModUI() : getUpdateMilliSecondMod());
+}
+
+bool Stat::isFrequentUpdateDue(qint64 nowMs) const
+{
+    return isDue(m_lastFrequentUpdateMs, nowMs,
                  m_uiMode ? getFrequentUpdateMilliSecondUI() : getFrequentUpdateMilliSecond());
 }
 
-bool Stat::shouldInfrequentUpdate(const QDateTime& now) const
+bool Stat::isInfrequentUpdateDue(qint64 nowMs) const
 {
-    return m_lastInfrequentUpdate.isNull() ||
-           getInfrequentUpdateMilliSecond() <= m_lastInfrequentUpdate.msecsTo(now);
+    return !m_lastInfrequentUpdateMs ||
+           getInfrequentUpdateMilliSecond() <= nowMs - *m_lastInfrequentUpdateMs;
 }
 
 void Stat::update()
@@ -62,13 +75,14 @@ void Stat::update()
 
 void Stat::update(const QDateTime& now)
 {
-    if (shouldFrequentUpdate(now)) {
+    const qint64 nowMs = now.toMSecsSinceEpoch();
+    if (isFrequentUpdateDue(nowMs)) {
         runFrequentUpdate(now);
     }
-    if (shouldUpdate(now)) {
+    if (isUpdateDue(nowMs)) {
         runUpdate(now);
     }
-    if (shouldInfrequentUpdate(now)) {
+    if (isInfrequentUpdateDue(nowMs)) {
         runInfrequentUpdate(now);
     }
 }
@@ -82,27 +96,27 @@ void Stat::flush(const QDateTime& now)
 
 void Stat::restartIntervals()
 {
-    m_lastUpdate = {};
-    m_lastInfrequentUpdate = {};
-    m_lastFrequentUpdate = {};
+    m_lastUpdateMs.reset();
+    m_lastInfrequentUpdateMs.reset();
+    m_lastFrequentUpdateMs.reset();
 }
 
 void Stat::runFrequentUpdate(const QDateTime& now)
 {
     doFrequentUpdate(now, m_uiMode);
-    m_lastFrequentUpdate = now;
+    m_lastFrequentUpdateMs = now.toMSecsSinceEpoch();
 }
 
 void Stat::runUpdate(const QDateTime& now)
 {
     doUpdate(now, m_uiMode);
-    m_lastUpdate = now;
+    m_lastUpdateMs = now.toMSecsSinceEpoch();
 }
 
 void Stat::runInfrequentUpdate(const QDateTime& now)
 {
     doInfrequentUpdate(now, m_uiMode);
-    m_lastInfrequentUpdate = now;
+    m_lastInfrequentUpdateMs = now.toMSecsSinceEpoch();
 }
 
 bool Stat::isEnabled() const

@@ -4,6 +4,8 @@
 #include <QDateTime>
 #include <QObject>
 
+#include <optional>
+
 class AbstractSystem;
 
 /// One kind of measurement. The collector wakes it on every tick; it decides from its three
@@ -63,11 +65,14 @@ private:
     void runFrequentUpdate(const QDateTime& now);
     void runUpdate(const QDateTime& now);
     void runInfrequentUpdate(const QDateTime& now);
-    bool shouldInfrequentUpdate(const QDateTime& now) const;
+    bool isUpdateDue(qint64 nowMs) const;
+    bool isFrequentUpdateDue(qint64 nowMs) const;
+    bool isInfrequentUpdateDue(qint64 nowMs) const;
 
-    QDateTime m_lastUpdate;
-    QDateTime m_lastInfrequentUpdate;
-    QDateTime m_lastFrequentUpdate;
+    // Since the epoch: to compare local times takes far longer than an idle tick may.
+    std::optional<qint64> m_lastUpdateMs;
+    std::optional<qint64> m_lastInfrequentUpdateMs;
+    std::optional<qint64> m_lastFrequentUpdateMs;
     bool m_enabled = false;
     bool m_uiMode = false;
     int m_statsProfileId = 0;

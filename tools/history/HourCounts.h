@@ -20,7 +20,7 @@ struct ApplicationHour
 {
     const Application* application = nullptr;
     int secondsInFront = 0;
-    std::vector<KeyCount> keys;
+    std::vector<PressedKey> keys;
     int unknownKeys = 0; ///< Keys without a name: counted, and no more known of them.
     std::vector<ComboCount> combos;
     std::array<int, Buttons.size()> clicks{};
@@ -32,7 +32,7 @@ struct ApplicationHour
     int keystrokes() const
     {
         return std::accumulate(keys.begin(), keys.end(), unknownKeys,
-                               [](int sum, const KeyCount& key) { return sum + key.count; });
+                               [](int sum, const PressedKey& key) { return sum + key.count; });
     }
 
     int allClicks() const { return std::accumulate(clicks.begin(), clicks.end(), 0); }

@@ -53,7 +53,7 @@ qint64 InputRows::writeKeys(const HourCounts& hour)
     qint64 keystrokes = 0;
     for (const ApplicationHour& application : hour.inFront) {
         keystrokes += application.keystrokes();
-        for (const KeyCount& key : application.keys) {
+        for (const PressedKey& key : application.keys) {
             keys[key.key] += key.count;
             m_keyOfApplication.run(m_day, hour.hour, key.key, key.count,
                                    application.application->path, hour.profile);

@@ -74,9 +74,9 @@ KeyMix::KeyMix(Typing typing)
     addCombos(typing);
 }
 
-std::vector<KeyCount> KeyMix::keys(Random& random, double keystrokes) const
+std::vector<PressedKey> KeyMix::keys(Random& random, double keystrokes) const
 {
-    std::vector<KeyCount> counts;
+    std::vector<PressedKey> counts;
     for (const WeightedKey& key : m_keys) {
         if (const int count = random.whole(random.vary(keystrokes * key.weight, 0.5)); count > 0) {
             counts.push_back({key.key, count});

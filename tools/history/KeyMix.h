@@ -18,7 +18,7 @@ enum class Typing
     Browsing,
 };
 
-struct KeyCount
+struct PressedKey
 {
     int key = 0; ///< As stored: a `Qt::Key` value, or the client's own for keypad and right Alt.
     int count = 0;
@@ -37,7 +37,7 @@ public:
     explicit KeyMix(Typing typing);
 
     /// About `keystrokes` of them, by key; keys that were not pressed are left out.
-    std::vector<KeyCount> keys(Random& random, double keystrokes) const;
+    std::vector<PressedKey> keys(Random& random, double keystrokes) const;
 
     /// The key combinations among as many keystrokes; those that were not pressed are left out.
     std::vector<ComboCount> combos(Random& random, double keystrokes) const;

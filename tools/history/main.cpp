@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Writes a database of synthetic history; `tools/make-history --help` says how to call it.
-#include "history/History.h"
+#include "history/SyntheticHistory.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -58,7 +58,7 @@ std::optional<QDateTime> endOf(const QCommandLineParser& parser)
     return day == now.date() ? now : QDateTime(day, QTime(23, 59, 59));
 }
 
-std::optional<History::Plan> planFrom(const QCommandLineParser& parser)
+std::optional<SyntheticHistory::Plan> planFrom(const QCommandLineParser& parser)
 {
     const std::optional<QDateTime> end = endOf(parser);
     const auto years = number(parser, YearsOption, 1);
@@ -71,7 +71,7 @@ std::optional<History::Plan> planFrom(const QCommandLineParser& parser)
     const QDate first = parser.isSet(DaysOption)
                             ? last.addDays(1 - *days)
                             : last.addYears(static_cast<int>(-*years)).addDays(1);
-    return History::Plan{first, *end, static_cast<quint64>(*seed)};
+    return SyntheticHistory::Plan{first, *end, static_cast<quint64>(*seed)};
 }
 
 /// Says how far it is, once for each tenth.
@@ -85,14 +85,14 @@ void showProgress(double share)
     }
 }
 
-int run(const QString& directory, const History::Plan& plan)
+int run(const QString& directory, const SyntheticHistory::Plan& plan)
 {
     if (!QDir().mkpath(directory)) {
         std::fprintf(stderr, "make-history: cannot make %s\n", qPrintable(directory));
         return EXIT_FAILURE;
     }
     try {
-        History::write(directory, plan, showProgress);
+        SyntheticHistory::write(directory, plan, showProgress);
     } catch (const HistoryError& error) {
         std::fprintf(stderr, "make-history: %s\n", error.what());
         return EXIT_FAILURE;
@@ -108,7 +108,7 @@ int main(int argc, char** argv)
     QCommandLineParser parser;
     describe(parser);
     parser.process(application);
-    const std::optional<History::Plan> plan = planFrom(parser);
+    const std::optional<SyntheticHistory::Plan> plan = planFrom(parser);
     if (!plan || parser.positionalArguments().size() != 1) {
         std::fputs(qPrintable(parser.helpText()), stderr);
         return EXIT_FAILURE;

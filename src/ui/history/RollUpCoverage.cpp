@@ -109,6 +109,13 @@ void RollUpCoverage::moveUntil(qint64 newUntil)
     pending.erase(pending.lower_bound(until), pending.end());
 }
 
+bool RollUpCoverage::isValid() const
+{
+    const qint64 end = QDate(9999, 12, 31).toJulianDay();
+    return from >= Beginning && from <= until && until <= end &&
+           (pending.empty() || (*pending.cbegin() >= from && *pending.crbegin() < until));
+}
+
 QDate RollUpCoverage::newestPending() const
 {
     return pending.empty() ? QDate() : QDate::fromJulianDay(*pending.crbegin());

@@ -29,7 +29,9 @@ struct RollUpCoverage
     /// out of it until they are summed.
     static constexpr qint64 ReadAlong = 14;
 
-    static constexpr qint64 DaysAtOnce = 7; ///< Read hour by hour by one statement.
+    /// Read hour by hour by one statement: click positions of a busy day take 8 ms to sort into
+    /// cells, and a writer waits that long.
+    static constexpr qint64 DaysAtOnce = 2;
 
     qint64 from = 0;
     qint64 until = 0;
@@ -54,6 +56,9 @@ struct RollUpCoverage
 
     /// Days that are over now are pending; days that are not over any more are not summed.
     void moveUntil(qint64 newUntil);
+
+    /// Whether the days are in the order drawn above; else they are of no use.
+    bool isValid() const;
 
     bool isComplete() const { return from <= Beginning && pending.empty(); }
 

@@ -48,7 +48,7 @@ bool RollUpState::load(const RollUpFile& file)
     coverage = {.from = summed.first(),
                 .until = summed.last(),
                 .pending = {pending.cbegin(), pending.cend()}};
-    return true;
+    return coverage.isValid();
 }
 
 bool RollUpState::store(RollUpFile& file) const

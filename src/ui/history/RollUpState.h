@@ -12,6 +12,7 @@ struct RollUpState
     RollUpCoverage coverage;
     HistoryMarks marks;
 
+    /// False where what the file holds is no such state.
     bool load(const RollUpFile& file);
 
     /// Inside the transaction that changes the sums.

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "history/History.h"
+#include "history/SyntheticHistory.h"
 #include "support/TestDatabase.h"
 #include "support/TestRegistry.h"
 
@@ -11,14 +11,14 @@ namespace {
 const QDate LastDay(2024, 7, 15);
 constexpr int Days = 400;
 
-History::Plan plan(quint64 seed, int days)
+SyntheticHistory::Plan plan(quint64 seed, int days)
 {
     return {LastDay.addDays(1 - days), QDateTime(LastDay, QTime(15, 20)), seed};
 }
 
-void writeHistory(const QString& directory, const History::Plan& plan)
+void writeHistory(const QString& directory, const SyntheticHistory::Plan& plan)
 {
-    History::write(directory, plan, [](double) {});
+    SyntheticHistory::write(directory, plan, [](double) {});
 }
 
 /// Every table with its schema and, for tables, a digest of its rows.
@@ -47,7 +47,7 @@ QStringList digests(const QString& directory)
 
 } // namespace
 
-class HistoryTest : public QObject
+class SyntheticHistoryTest : public QObject
 {
     Q_OBJECT
 
@@ -69,12 +69,12 @@ private:
     std::unique_ptr<Database> m_database;
 };
 
-void HistoryTest::initTestCase()
+void SyntheticHistoryTest::initTestCase()
 {
     writeHistory(m_directory.path(), plan(1, Days));
 }
 
-QString HistoryTest::value(const QString& query)
+QString SyntheticHistoryTest::value(const QString& query)
 {
     if (!m_database) {
         m_database = std::make_unique<Database>(m_directory.path(), m_prompts);
@@ -83,7 +83,7 @@ QString HistoryTest::value(const QString& query)
     return select.next() ? select.value(0).toString() : QString();
 }
 
-void HistoryTest::isTheSameForTheSameSeed()
+void SyntheticHistoryTest::isTheSameForTheSameSeed()
 {
     constexpr int days = 40;
     QList<QStringList> contents;
@@ -96,7 +96,7 @@ void HistoryTest::isTheSameForTheSameSeed()
     QVERIFY(contents[0] != contents[2]);
 }
 
-void HistoryTest::hasTheSchemaOfTheClient()
+void SyntheticHistoryTest::hasTheSchemaOfTheClient()
 {
     const QString schema = QStringLiteral(
         "SELECT group_concat(sql, char(10)) FROM (SELECT sql FROM sqlite_master ORDER BY name)");
@@ -109,7 +109,7 @@ void HistoryTest::hasTheSchemaOfTheClient()
     QCOMPARE(madeVersion, fresh.value(version).toString());
 }
 
-void HistoryTest::fillsTables_data()
+void SyntheticHistoryTest::fillsTables_data()
 {
     QTest::addColumn<int>("atLeast");
     for (const char* table : {"keypresses",
@@ -143,7 +143,7 @@ void HistoryTest::fillsTables_data()
     }
 }
 
-void HistoryTest::fillsTables()
+void SyntheticHistoryTest::fillsTables()
 {
     QFETCH(const int, atLeast);
     const QString rows =
@@ -153,7 +153,7 @@ void HistoryTest::fillsTables()
 
 /// Each query gives what breaks a rule that the client's own writing keeps, or misses what a
 /// history needs: nothing, or no rows, where all is well.
-void HistoryTest::followsTheRules_data()
+void SyntheticHistoryTest::followsTheRules_data()
 {
     QTest::addColumn<QString>("broken");
     const auto none = [](const char* name, const QString& from) {
@@ -239,13 +239,13 @@ void HistoryTest::followsTheRules_data()
                         "letter <> 69"));
 }
 
-void HistoryTest::followsTheRules()
+void SyntheticHistoryTest::followsTheRules()
 {
     QFETCH(const QString, broken);
     QCOMPARE(value(broken), QStringLiteral("0"));
 }
 
-void HistoryTest::overwritesNothing()
+void SyntheticHistoryTest::overwritesNothing()
 {
     const QString keys = value(QStringLiteral("SELECT SUM(count) FROM keypresses"));
     m_database.reset();
@@ -253,6 +253,6 @@ void HistoryTest::overwritesNothing()
     QCOMPARE(value(QStringLiteral("SELECT SUM(count) FROM keypresses")), keys);
 }
 
-REGISTER_TEST(HistoryTest);
+REGISTER_TEST(SyntheticHistoryTest);
 
-#include "HistoryTest.moc"
+#include "SyntheticHistoryTest.moc"

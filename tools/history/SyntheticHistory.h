@@ -10,7 +10,7 @@
 #include <map>
 
 /// Lives a life at the computer, day by day and hour by hour, and writes it down.
-class History
+class SyntheticHistory
 {
 public:
     struct Plan
@@ -34,7 +34,7 @@ private:
         std::vector<std::pair<Activity, int>> active;
     };
 
-    History(const QString& database, const Plan& plan);
+    SyntheticHistory(const QString& database, const Plan& plan);
 
     void liveThrough(QDate date);
     void cutAtTheEnd(std::vector<PowerPeriod>& periods) const;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "history/History.h"
+#include "history/SyntheticHistory.h"
 
 #include "storage/Database.h"
 #include "storage/DatabaseFiles.h"
@@ -55,7 +55,7 @@ void createDatabase(const QString& directory)
 
 } // namespace
 
-void History::write(const QString& directory, const Plan& plan, const Progress& progress)
+void SyntheticHistory::write(const QString& directory, const Plan& plan, const Progress& progress)
 {
     const QString target = directory + QLatin1Char('/') + DatabaseFiles::Name;
     // Made under another name: what bears the database's own is complete.
@@ -69,7 +69,7 @@ void History::write(const QString& directory, const Plan& plan, const Progress& 
         throw HistoryError(qPrintable(QStringLiteral("cannot write to ") + directory));
     }
     {
-        History history(part, plan);
+        SyntheticHistory history(part, plan);
         for (QDate date = plan.first; date <= plan.end.date(); date = date.addDays(1)) {
             progress(history.m_share);
             history.liveThrough(date);
@@ -83,7 +83,7 @@ void History::write(const QString& directory, const Plan& plan, const Progress& 
     progress(1);
 }
 
-History::History(const QString& database, const Plan& plan)
+SyntheticHistory::SyntheticHistory(const QString& database, const Plan& plan)
     : m_plan(plan)
     , m_random(plan.seed)
     , m_life(m_random)
@@ -93,7 +93,7 @@ History::History(const QString& database, const Plan& plan)
 {
 }
 
-void History::liveThrough(QDate date)
+void SyntheticHistory::liveThrough(QDate date)
 {
     const auto days = static_cast<double>(m_plan.first.daysTo(m_plan.end.date()) + 1);
     m_share = static_cast<double>(m_plan.first.daysTo(date)) / days;
@@ -108,7 +108,7 @@ void History::liveThrough(QDate date)
 }
 
 /// Leaves out what is yet to come, and lets the last hour see some use.
-void History::cutAtTheEnd(std::vector<PowerPeriod>& periods) const
+void SyntheticHistory::cutAtTheEnd(std::vector<PowerPeriod>& periods) const
 {
     const int hour = m_plan.end.time().hour() * MinutesPerHour;
     const int end = hour + std::max(m_plan.end.time().minute(), 1);
@@ -124,7 +124,7 @@ void History::cutAtTheEnd(std::vector<PowerPeriod>& periods) const
     ensureLastHour(periods, end);
 }
 
-void History::ensureLastHour(std::vector<PowerPeriod>& periods, int end)
+void SyntheticHistory::ensureLastHour(std::vector<PowerPeriod>& periods, int end)
 {
     const int hour = (end - 1) / MinutesPerHour * MinutesPerHour;
     const bool isRunning = !periods.empty() && periods.back().to > hour;
@@ -140,7 +140,7 @@ void History::ensureLastHour(std::vector<PowerPeriod>& periods, int end)
     period.to = end;
 }
 
-void History::live(QDate date, const PowerPeriod& period)
+void SyntheticHistory::live(QDate date, const PowerPeriod& period)
 {
     for (int hour = period.from / MinutesPerHour; hour * MinutesPerHour < period.to; ++hour) {
         for (const auto& [profile, spent] : spentIn(period, hour)) {
@@ -153,7 +153,8 @@ void History::live(QDate date, const PowerPeriod& period)
 }
 
 /// A profile stays active until the next sitting.
-std::map<int, History::Spent> History::spentIn(const PowerPeriod& period, int hour) const
+std::map<int, SyntheticHistory::Spent> SyntheticHistory::spentIn(const PowerPeriod& period,
+                                                                 int hour) const
 {
     const int from = hour * MinutesPerHour;
     const int to = from + MinutesPerHour;
@@ -176,7 +177,7 @@ std::map<int, History::Spent> History::spentIn(const PowerPeriod& period, int ho
     return spentByProfile;
 }
 
-void History::count(QDate day, int hour, int profile, const Spent& spent)
+void SyntheticHistory::count(QDate day, int hour, int profile, const Spent& spent)
 {
     constexpr int msecPerMinute = 60'000;
     HourCounts counts;
@@ -191,7 +192,7 @@ void History::count(QDate day, int hour, int profile, const Spent& spent)
     m_writer.writeHour(counts);
 }
 
-void History::addPoints(HourCounts& hour)
+void SyntheticHistory::addPoints(HourCounts& hour)
 {
     const QDate end = m_plan.end.date();
     if (hour.day < end.addMonths(-MonthsOfPoints)) {
@@ -205,13 +206,13 @@ void History::addPoints(HourCounts& hour)
 }
 
 /// What is done before its profile was made is counted under none.
-int History::profileFor(Activity activity) const
+int SyntheticHistory::profileFor(Activity activity) const
 {
     const int profile = static_cast<int>(activity);
     return m_share < ProfileMadeAt.at(static_cast<size_t>(profile)) ? 0 : profile;
 }
 
-void History::writeProfiles()
+void SyntheticHistory::writeProfiles()
 {
     const auto days = static_cast<double>(m_plan.first.daysTo(m_plan.end.date()));
     for (const Activity activity : Activities) {
