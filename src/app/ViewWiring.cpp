@@ -73,7 +73,7 @@ void ViewWiring::followApplications(ApplicationsView* view)
 
 void ViewWiring::followOverview(OverviewView* view)
 {
-    connect(&m_ratesTimer, &QTimer::timeout, view, [this, view] {
+    connect(&m_ratesTimer, &QTimer::timeout, this, [this, view] {
         view->setRates(m_parts.rates.keysPerSecond(), m_parts.rates.clicksPerSecond());
     });
     m_ratesTimer.start(RatesMs);
@@ -84,8 +84,8 @@ void ViewWiring::followProfiles(ProfilesView* view)
     ProfileManager& profiles = m_parts.profiles;
     view->setNameProblem([this](int id, const QString& name) { return nameProblem(id, name); });
     const auto show = [this, view] { showProfiles(view); };
-    connect(&profiles, &ProfileManager::signalProfilesChanged, view, show);
-    connect(&profiles, &ProfileManager::signalActiveStatsProfileChanged, view, show);
+    connect(&profiles, &ProfileManager::signalProfilesChanged, this, show);
+    connect(&profiles, &ProfileManager::signalActiveStatsProfileChanged, this, show);
     connect(view, &ProfilesView::profileAdded, &profiles, &ProfileManager::addProfile);
     connect(view, &ProfilesView::profileRenamed, &profiles, &ProfileManager::editProfileName);
     connect(view, &ProfilesView::profileActivated, this, &ViewWiring::activateProfile);
@@ -97,7 +97,7 @@ void ViewWiring::followProfiles(ProfilesView* view)
 void ViewWiring::followDeletion(ProfilesView* view)
 {
     ProfileDeletion& deletion = m_parts.deletion;
-    connect(view, &ProfilesView::profileDeleted, &deletion, [&deletion, view](int id) {
+    connect(view, &ProfilesView::profileDeleted, this, [&deletion, view](int id) {
         if (!deletion.start(id)) {
             view->endDeletion();
         }
@@ -110,7 +110,7 @@ void ViewWiring::followDeletion(ProfilesView* view)
 void ViewWiring::followMilestones(ProfilesView* view)
 {
     Milestones& milestones = m_parts.milestones;
-    connect(&milestones, &Milestones::signalMilestonesChanged, view,
+    connect(&milestones, &Milestones::signalMilestonesChanged, this,
             [this, view] { showMilestones(view); });
     connect(view, &ProfilesView::milestoneRemoved, &milestones, &Milestones::remove);
     connect(view, &ProfilesView::milestoneSaved, &milestones,

@@ -16,7 +16,7 @@ class ProfilesView;
 class View;
 
 /// Tells the views of a main window what they cannot read by themselves, and fulfils their wishes.
-/// Lives as long as the window does. Thread: main.
+/// Made with the window and gone just before it. Thread: main.
 class ViewWiring : public QObject
 {
     Q_OBJECT

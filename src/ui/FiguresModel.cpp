@@ -23,6 +23,21 @@ FiguresModel::Column FiguresModel::countColumn(const QString& header)
             .text = [](const QVariant& raw) { return Format::count(raw.toLongLong()); }};
 }
 
+FiguresModel::Column FiguresModel::timeColumn(const QString& header)
+{
+    const auto text = [](const QVariant& raw) {
+        switch (raw.typeId()) {
+        case QMetaType::QDate:
+            return Format::day(raw.toDate());
+        case QMetaType::Int:
+            return Format::hour(raw.toInt());
+        default:
+            return raw.toString();
+        }
+    };
+    return {.header = header, .text = text, .alignment = Qt::AlignLeft | Qt::AlignVCenter};
+}
+
 FiguresModel::Column FiguresModel::durationColumn(const QString& header)
 {
     return {.header = header,

@@ -32,6 +32,9 @@ public:
     static Column durationColumn(const QString& header);
     static Column dayColumn(const QString& header);
 
+    /// Of a course: days, or the hours of one day as numbers, or names as they are.
+    static Column timeColumn(const QString& header);
+
     /// Replaces the columns, and drops the rows.
     void setColumns(const QList<Column>& columns);
 

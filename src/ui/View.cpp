@@ -77,6 +77,17 @@ Card* View::addCard(Card* card, const Place& place)
     return card;
 }
 
+void View::setPlace(const Card* card, const Place& place)
+{
+    for (Placed& placed : m_cards) {
+        if (placed.card == card && placed.place != place) {
+            placed.place = place;
+            m_isWide.reset();
+            arrange();
+        }
+    }
+}
+
 void View::arrange()
 {
     const bool isWide = width() >= TwoColumnsFrom;

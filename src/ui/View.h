@@ -57,10 +57,14 @@ protected:
         int height = 0;         ///< At least, in pixels, in both arrangements.
         int stretch = 1;        ///< Of its row, in spare height.
         int narrowHeight = 288; ///< At least, where there is room for one column only.
+        friend bool operator==(const Place&, const Place&) = default;
     };
 
     /// Puts a card at the end of the page, which takes it over.
     Card* addCard(Card* card, const Place& place);
+
+    /// Gives a card of the page another place.
+    void setPlace(const Card* card, const Place& place);
 
     /// Asks the history for the figures of the present scope; called when they may have changed.
     /// A view calls `ask` in here, once.

@@ -97,6 +97,12 @@ class Desktop:
     def windows(self, title):
         return self.run("xdotool", "search", "--onlyvisible", "--name", title).split()
 
+    def picture(self, window, area):
+        """A part of a window as it looks now, to be compared."""
+        need("import")
+        return subprocess.run(["import", "-window", window, "-crop", area, "rgb:-"], check=True,
+                              env=os.environ | self.environment, stdout=subprocess.PIPE).stdout
+
     def press(self, *keys):
         self.run("xdotool", "key", *keys)
 

@@ -68,19 +68,24 @@ class Counting(DesktopTest):
         self.assertEqual(self.counts_per_key(), {0x41: 1, 0x42: 2, 0x43: 1})
 
     def test_the_end_of_the_display_loses_nothing(self):
-        desktop = type(self.desktop)()
-        self.addCleanup(desktop.close)
-        client = Client(desktop)
-        self.addCleanup(client.close)
-        keyboard = client.device("event0")
-        process = client.start_fully("--closedwindow")
-        client.wait_for_log("Creating device listener for")
-        keyboard.type("a", "b", "c")
-        time.sleep(0.3)
-        desktop.kill_server()
-        process.wait(timeout=PATIENCE)
-        self.assertEqual(client.query("SELECT SUM(count) FROM keypress_frequency"), [(3,)])
-        self.assertEqual(client.query("SELECT value FROM unzurged_stats WHERE name = 'keys'"), [("3",)])
+        for arguments in (["--closedwindow"], []):
+            with self.subTest(arguments):
+                desktop = type(self.desktop)()
+                self.addCleanup(desktop.close)
+                client = Client(desktop)
+                self.addCleanup(client.close)
+                keyboard = client.device("event0")
+                process = client.start_fully(*arguments)
+                client.wait_for_log("Creating device listener for")
+                if not arguments:
+                    wait_for(lambda: desktop.windows("Tallyvane"), "the main window")
+                keyboard.type("a", "b", "c")
+                time.sleep(0.3)
+                desktop.kill_server()
+                self.assertEqual(process.wait(timeout=PATIENCE), 0)
+                self.assertEqual(client.query("SELECT SUM(count) FROM keypress_frequency"), [(3,)])
+                self.assertEqual(
+                    client.query("SELECT value FROM unzurged_stats WHERE name = 'keys'"), [("3",)])
 
     def test_unzurged_counts_outlive_a_restart(self):
         for expected in (2, 4):

@@ -17,7 +17,7 @@
 
 namespace {
 
-constexpr QSize LeastSize(320, 224);
+constexpr QSize LeastSize(320, 200);
 constexpr int BarHeight = 8;
 constexpr int BarWidth = 240;
 constexpr double Percent = 100;

@@ -5,9 +5,9 @@
 #include "storage/Settings.h"
 #include "ui/Card.h"
 #include "ui/CountsModel.h"
+#include "ui/CourseChart.h"
 #include "ui/FigureTiles.h"
 #include "ui/FiguresModel.h"
-#include "ui/TimeChart.h"
 #include "ui/mouse/ClickMap.h"
 #include "ui/mouse/ScreenPlaces.h"
 #include "ui/mouse/ScrollCross.h"
@@ -53,16 +53,16 @@ MouseView::MouseView(ViewContext context, QWidget* parent)
     const auto ofLength = [](const QVariant& raw) {
         return Format::length(raw.toDouble(), lengths());
     };
-    m_days = new FiguresModel({FiguresModel::dayColumn(tr("Day")),
-                               FiguresModel::countColumn(tr("Clicks")),
-                               FiguresModel::countColumn(tr("Scroll steps")),
-                               {.header = tr("Travel"), .text = ofLength}},
-                              this);
+    m_course = new FiguresModel({FiguresModel::timeColumn(tr("Time")),
+                                 FiguresModel::countColumn(tr("Clicks")),
+                                 FiguresModel::countColumn(tr("Scroll steps")),
+                                 {.header = tr("Travel"), .text = ofLength}},
+                                this);
     addTotals();
     addMap();
     addButtons();
     addScrolls();
-    addDays();
+    addCourse();
 }
 
 void MouseView::addTotals()
@@ -79,7 +79,7 @@ void MouseView::addMap()
     m_map = new ClickMap;
     m_mapCard = addCard(
         new Card(QStringLiteral("clickMap"), tr("Where you click"), m_map, m_regions),
-        {.row = 1, .column = 0, .span = 4, .height = 400, .stretch = 3, .narrowHeight = 400});
+        {.row = 1, .column = 0, .span = 4, .height = 276, .stretch = 3, .narrowHeight = 400});
     auto* logarithmic = new QCheckBox(tr("Logarithmic"));
     logarithmic->setObjectName(QStringLiteral("logarithmic"));
     logarithmic->setChecked(true);
@@ -105,31 +105,34 @@ void MouseView::addScrolls()
     m_scrollCross = new ScrollCross;
     auto* card = addCard(
         new Card(QStringLiteral("scrolls"), tr("Scrolling"), m_scrollCross, m_scrolls),
-        {.row = 2, .column = 0, .span = 2, .height = 264, .stretch = 2, .narrowHeight = 264});
+        {.row = 2, .column = 0, .span = 2, .height = 212, .stretch = 2, .narrowHeight = 264});
     card->setExplanation(tr("Steps by direction"));
 }
 
-void MouseView::addDays()
+void MouseView::addCourse()
 {
-    m_chart = new TimeChart;
-    auto* card =
-        addCard(new Card(QStringLiteral("clicksPerDay"), tr("Clicks over time"), m_chart, m_days),
-                {.row = 2, .column = 2, .span = 4, .height = 264, .stretch = 2});
+    m_chart = new CourseChart;
+    auto* card = addCard(
+        new Card(QStringLiteral("clicksOverTime"), tr("Clicks over time"), m_chart, m_course),
+        {.row = 2, .column = 2, .span = 4, .height = 212, .stretch = 2});
     card->setTableOrder(0, Qt::DescendingOrder);
-    connect(m_chart, &TimeChart::daysClicked, this, &View::daysRequested);
+    connect(m_chart, &CourseChart::daysClicked, this, &View::daysRequested);
 }
 
 std::optional<MouseView::Answer> MouseView::read(History& history, const HistoryScope& scope,
                                                  const QList<QRectF>& screens)
 {
     const auto days = history.days(scope);
+    const auto hours = scope.isOneDay() ? history.hours(scope) : QList<HourTotals>();
     const auto buttons = history.buttons(scope);
     const auto scrolls = history.scrolls(scope);
     const auto cells = history.clickCells(scope);
-    if (!days || !buttons || !scrolls || !cells) {
+    if (!days || !hours || !buttons || !scrolls || !cells) {
         return std::nullopt;
     }
-    return Answer{.days = *days,
+    return Answer{.scope = scope,
+                  .days = *days,
+                  .hours = *hours,
                   .buttons = *buttons,
                   .scrolls = *scrolls,
                   .density = ClickDensity(*cells, screens)};
@@ -148,7 +151,7 @@ bool MouseView::showAnswer(const Answer& answer)
     showMap(answer.density);
     showButtons(answer.buttons);
     showScrolls(answer.scrolls);
-    showDays(answer.days);
+    showCourse(answer);
     return std::any_of(answer.days.begin(), answer.days.end(), [](const DayTotals& day) {
         return day.totals.clicks > 0 || day.totals.scrolls > 0 || day.totals.inches > 0;
     });
@@ -264,19 +267,31 @@ void MouseView::showScrolls(const QList<ScrollCount>& scrolls)
     m_scrolls->setRows(rows);
 }
 
-void MouseView::showDays(const QList<DayTotals>& days)
+void MouseView::showCourse(const Answer& answer)
 {
+    const auto row = [](const QVariant& time, const Totals& totals) {
+        return FiguresModel::Row{time, totals.clicks, totals.scrolls, totals.inches};
+    };
+    const Quantity clicks{.name = tr("Clicks")};
     QList<FiguresModel::Row> rows;
-    TimeChart::DaySeries clicks{.name = tr("Clicks"), .values = {}};
-    for (const DayTotals& day : days) {
-        rows.append({day.day, day.totals.clicks, day.totals.scrolls, day.totals.inches});
-        clicks.values.insert(day.day, static_cast<double>(day.totals.clicks));
+    if (answer.scope.isOneDay()) {
+        QHash<int, double> byHour;
+        for (const HourTotals& hour : answer.hours) {
+            rows.append(row(hour.hour, hour.totals));
+            byHour.insert(hour.hour, static_cast<double>(hour.totals.clicks));
+        }
+        m_chart->setHours(answer.scope.last, clicks, byHour);
+    } else if (!answer.days.isEmpty()) {
+        QMap<QDate, double> byDay;
+        for (const DayTotals& day : answer.days) {
+            rows.append(row(day.day, day.totals));
+            byDay.insert(day.day, static_cast<double>(day.totals.clicks));
+        }
+        const QDate first =
+            answer.scope.first.isValid() ? answer.scope.first : answer.days.constFirst().day;
+        m_chart->setDays(first, answer.scope.last, clicks, byDay);
     }
-    m_days->setRows(rows);
-    if (!days.isEmpty()) {
-        const QDate first = scope().first.isValid() ? scope().first : days.constFirst().day;
-        m_chart->setDays(first, scope().last, {.name = tr("Clicks")}, {clicks});
-    }
+    m_course->setRows(rows);
 }
 
 Notice::Content MouseView::emptyNotice() const

@@ -5,15 +5,15 @@
 #include "ui/mouse/ClickDensity.h"
 
 class CountsModel;
+class CourseChart;
 class ClickMap;
 class FigureTiles;
 class FiguresModel;
 class ScrollCross;
 class ShareBars;
-class TimeChart;
 
 /// What was done with the mouse: totals, where on the screens was clicked, with which buttons, how
-/// the wheel turned, and the clicks of each day. Thread: main.
+/// the wheel turned, and the clicks over time. Thread: main.
 class MouseView : public View
 {
     Q_OBJECT
@@ -28,7 +28,9 @@ protected:
 private:
     struct Answer
     {
+        HistoryScope scope;
         QList<DayTotals> days;
+        QList<HourTotals> hours; ///< Where the scope is one day.
         QList<ButtonCount> buttons;
         QList<ScrollCount> scrolls;
         ClickDensity density;
@@ -41,23 +43,23 @@ private:
     void addMap();
     void addButtons();
     void addScrolls();
-    void addDays();
+    void addCourse();
     bool showAnswer(const Answer& answer);
     void showTotals(const QList<DayTotals>& days);
     void showMap(const ClickDensity& density);
     void showButtons(const QList<ButtonCount>& buttons);
     void showScrolls(const QList<ScrollCount>& scrolls);
-    void showDays(const QList<DayTotals>& days);
+    void showCourse(const Answer& answer);
     QString missingPositions() const;
 
     CountsModel* m_regions;
     CountsModel* m_buttons;
     CountsModel* m_scrolls;
-    FiguresModel* m_days;
+    FiguresModel* m_course;
     FigureTiles* m_tiles = nullptr;
     ClickMap* m_map = nullptr;
     Card* m_mapCard = nullptr;
     ShareBars* m_buttonBars = nullptr;
     ScrollCross* m_scrollCross = nullptr;
-    TimeChart* m_chart = nullptr;
+    CourseChart* m_chart = nullptr;
 };

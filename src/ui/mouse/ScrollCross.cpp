@@ -30,7 +30,7 @@ ScrollCross::ScrollCross(QWidget* parent)
 
 QSize ScrollCross::sizeHint() const
 {
-    constexpr QSize least(184, 176);
+    constexpr QSize least(184, 132);
     return least;
 }
 

@@ -23,19 +23,6 @@ double inchesPerUnit(Format::Lengths lengths)
     return lengths == Format::Lengths::Metric ? metre : foot;
 }
 
-/// The cell of a time: a day, an hour or a name.
-QString timeText(const QVariant& raw)
-{
-    switch (raw.typeId()) {
-    case QMetaType::QDate:
-        return Format::day(raw.toDate());
-    case QMetaType::Int:
-        return Format::hour(raw.toInt());
-    default:
-        return raw.toString();
-    }
-}
-
 FiguresModel::Row row(const QVariant& time, const std::function<double(Measure)>& value,
                       Format::Lengths lengths)
 {
@@ -60,8 +47,7 @@ QList<FiguresModel::Column> OverviewTables::columns(const QString& time, Format:
     const auto length = [](const QVariant& raw) {
         return QLocale(QLocale::English, QLocale::UnitedStates).toString(raw.toDouble(), 'f', 1);
     };
-    QList<FiguresModel::Column> columns{
-        {.header = time, .text = timeText, .alignment = Qt::AlignLeft | Qt::AlignVCenter}};
+    QList<FiguresModel::Column> columns{FiguresModel::timeColumn(time)};
     for (const Measure measure : Measures::All) {
         const QString name = Measures::quantity(measure, lengths).name;
         const bool isMetric = lengths == Format::Lengths::Metric;

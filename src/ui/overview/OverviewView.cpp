@@ -5,13 +5,12 @@
 #include "storage/Settings.h"
 #include "ui/Card.h"
 #include "ui/CountsModel.h"
+#include "ui/CourseChart.h"
 #include "ui/FiguresModel.h"
-#include "ui/HourChart.h"
 #include "ui/Icons.h"
 #include "ui/QueryWorker.h"
 #include "ui/RankingView.h"
 #include "ui/Theme.h"
-#include "ui/TimeChart.h"
 #include "ui/history/History.h"
 #include "ui/overview/BaselineText.h"
 #include "ui/overview/CalendarMonth.h"
@@ -23,7 +22,6 @@
 #include <QComboBox>
 #include <QHBoxLayout>
 #include <QLocale>
-#include <QStackedWidget>
 #include <QToolButton>
 
 #include <algorithm>
@@ -97,12 +95,8 @@ void OverviewView::buildFigures()
 
 void OverviewView::buildChart()
 {
-    m_course = new QStackedWidget;
-    m_hourChart = new HourChart;
-    m_timeChart = new TimeChart;
-    m_course->addWidget(m_hourChart);
-    m_course->addWidget(m_timeChart);
-    connect(m_timeChart, &TimeChart::daysClicked, this, &View::daysRequested);
+    m_course = new CourseChart;
+    connect(m_course, &CourseChart::daysClicked, this, &View::daysRequested);
     auto* choice = new QComboBox;
     choice->setObjectName(QStringLiteral("measure"));
     choice->setAccessibleName(tr("What the chart and the calendar show"));
@@ -319,8 +313,7 @@ void OverviewView::showChart()
         for (const HourTotals& hour : std::as_const(m_figures.hours)) {
             values.insert(hour.hour, Measures::value(m_measure, hour.totals));
         }
-        m_hourChart->setDay(m_scope.last, quantity, values, QDateTime::currentDateTime());
-        m_course->setCurrentWidget(m_hourChart);
+        m_course->setHours(m_scope.last, quantity, values);
         m_courseCard->setTitle(tr("%1, hour by hour").arg(quantity.name));
         m_courseTable->setRows(OverviewTables::hours(m_figures.hours, *m_lengths));
         return;
@@ -331,13 +324,11 @@ void OverviewView::showChart()
     }
     const DaySpan days = shownDays();
     if (days.first.isValid()) {
-        m_timeChart->setDays(days.first, days.last, quantity,
-                             {{.name = quantity.name, .values = values}});
+        m_course->setDays(days.first, days.last, quantity, values);
     }
-    m_course->setCurrentWidget(m_timeChart);
-    const QString title = m_timeChart->step() == TimeStep::Day    ? tr("%1, day by day")
-                          : m_timeChart->step() == TimeStep::Week ? tr("%1, week by week")
-                                                                  : tr("%1, month by month");
+    const QString title = m_course->step() == TimeStep::Day    ? tr("%1, day by day")
+                          : m_course->step() == TimeStep::Week ? tr("%1, week by week")
+                                                               : tr("%1, month by month");
     m_courseCard->setTitle(title.arg(quantity.name));
     m_courseTable->setRows(OverviewTables::days(m_figures.days, *m_lengths));
 }

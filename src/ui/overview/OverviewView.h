@@ -9,13 +9,11 @@
 
 class CalendarMonth;
 class CountsModel;
+class CourseChart;
 class FigureRow;
 class FiguresModel;
-class HourChart;
 class QComboBox;
-class QStackedWidget;
 class QToolButton;
-class TimeChart;
 
 /// The first page: the figures of the days and what they compare with, their course, the month as
 /// a calendar, what was used most, and what is not yet sent to an account. Thread: main.
@@ -70,9 +68,7 @@ private:
     Card* m_figureCard = nullptr;
     std::array<FigureTile*, Measures::All.size()> m_tiles{};
     Card* m_courseCard = nullptr;
-    QStackedWidget* m_course = nullptr;
-    HourChart* m_hourChart = nullptr;
-    TimeChart* m_timeChart = nullptr;
+    CourseChart* m_course = nullptr;
     Card* m_monthCard = nullptr;
     CalendarMonth* m_calendar = nullptr;
     QToolButton* m_earlier = nullptr;

@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr QSize LeastSize(320, 200);
+constexpr QSize LeastSize(320, 72);
 
 } // namespace
 
@@ -31,7 +31,7 @@ SessionTimeline::SessionTimeline(QWidget* parent)
 
 QSize SessionTimeline::sizeHint() const
 {
-    return 2 * LeastSize;
+    return LeastSize;
 }
 
 void SessionTimeline::setPlan(const SessionPlan& plan)

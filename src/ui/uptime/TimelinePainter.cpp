@@ -82,11 +82,9 @@ void TimelinePainter::paintRows()
         m_painter.drawRoundedRect(day, Rounding, Rounding);
     }
     paintRowHours();
-    for (int row = 0; row < m_plan.laneCount(); ++row) {
-        for (const SessionPart& part : m_plan.days().at(row).parts) {
-            paintPart(row, part);
-        }
-    }
+    paintEachPart(&TimelinePainter::paintPart);
+    // Above all bars: where the clock was set back, one may lie over another.
+    paintEachPart(&TimelinePainter::paintPartText);
     paintRowLabels();
 }
 
@@ -146,6 +144,15 @@ void TimelinePainter::paintRowLabels()
     }
 }
 
+void TimelinePainter::paintEachPart(void (TimelinePainter::*paint)(int, const SessionPart&))
+{
+    for (int row = 0; row < m_plan.laneCount(); ++row) {
+        for (const SessionPart& part : m_plan.days().at(row).parts) {
+            (this->*paint)(row, part);
+        }
+    }
+}
+
 void TimelinePainter::paintPart(int row, const SessionPart& part)
 {
     const Theme::Colours colours = Theme::colours(m_look.palette);
@@ -159,11 +166,17 @@ void TimelinePainter::paintPart(int row, const SessionPart& part)
         const double half = std::min(bar.height() / 2, 2 * GoingOn);
         paintGoingOn({bar.right() + half + 2, bar.center().y()}, {0, half}, {-half, 0});
     }
+}
+
+void TimelinePainter::paintPartText(int row, const SessionPart& part)
+{
+    const BootSession& session = m_plan.sessions().at(part.session);
+    const QRectF bar = m_layout.bar(row, part.from, part.to);
     const QFontMetrics metrics(m_look.caption);
     const QString length = SessionText::length(session, m_look.now);
     const QString span = SessionText::clocks(session) + QLatin1Char('\n') + length;
     const double room = bar.width() - 2 * Theme::Rhythm;
-    m_painter.setPen(Ramp::textOn(colours.accent));
+    m_painter.setPen(Ramp::textOn(Theme::colours(m_look.palette).accent));
     if (bar.height() >= 2 * metrics.height() && room >= metrics.size(0, span).width()) {
         m_painter.drawText(bar, Qt::AlignCenter, span);
     } else if (bar.height() >= metrics.height() && room >= metrics.horizontalAdvance(length)) {

@@ -4,8 +4,8 @@
 #include "base/Format.h"
 #include "ui/Card.h"
 #include "ui/CountsModel.h"
+#include "ui/CourseChart.h"
 #include "ui/FiguresModel.h"
-#include "ui/TimeChart.h"
 #include "ui/uptime/SessionText.h"
 #include "ui/uptime/SessionTimeline.h"
 
@@ -32,12 +32,12 @@ UptimeView::UptimeView(ViewContext context, QWidget* parent)
                                    FiguresModel::durationColumn(tr("Length")),
                                    FiguresModel::textColumn(tr("State"))},
                                   this))
-    , m_days(new FiguresModel(
-          {FiguresModel::dayColumn(tr("Day")), FiguresModel::durationColumn(tr("On"))}, this))
+    , m_course(new FiguresModel(
+          {FiguresModel::timeColumn(tr("Time")), FiguresModel::durationColumn(tr("On"))}, this))
 {
     addTotals();
     addTimeline();
-    addDays();
+    addCourse();
 }
 
 void UptimeView::addTotals()
@@ -54,33 +54,56 @@ void UptimeView::addTimeline()
     m_timeline = new SessionTimeline;
     m_timeline->setEmptyText(tr("Each start of the computer appears here with the time until it "
                                 "was switched off."));
-    auto* card = addCard(
+    m_timelineCard = addCard(
         new Card(QStringLiteral("sessions"), tr("Boots and sessions"), m_timeline, m_sessions),
-        {.row = 1, .height = 360, .stretch = 3, .narrowHeight = 360});
-    card->setExplanation(tr("From the boot to the last minute counted, time asleep included; "
-                            "of all profiles"));
-    card->setTableOrder(0, Qt::DescendingOrder);
+        timelinePlace(SessionPlan()));
+    m_timelineCard->setExplanation(
+        tr("From the boot to the last minute counted, time asleep included; of all profiles"));
+    m_timelineCard->setTableOrder(0, Qt::DescendingOrder);
     connect(m_timeline, &SessionTimeline::daysClicked, this, &View::daysRequested);
 }
 
-void UptimeView::addDays()
+void UptimeView::addCourse()
 {
-    m_chart = new TimeChart;
-    auto* card = addCard(new Card(QStringLiteral("hoursPerDay"), tr("Hours on"), m_chart, m_days),
-                         {.row = 2, .height = 240, .stretch = 2, .narrowHeight = 240});
+    m_chart = new CourseChart;
+    auto* card = addCard(new Card(QStringLiteral("hoursOn"), tr("Hours on"), m_chart, m_course),
+                         {.row = 2, .height = 224, .stretch = 2, .narrowHeight = 240});
     card->setExplanation(tr("Time counted while the computer was on and awake"));
     card->setTableOrder(0, Qt::DescendingOrder);
-    connect(m_chart, &TimeChart::daysClicked, this, &View::daysRequested);
+    connect(m_chart, &CourseChart::daysClicked, this, &View::daysRequested);
+}
+
+View::Place UptimeView::timelinePlace(const SessionPlan& plan)
+{
+    // Few rows take little, and a single one leaves what is spare to the hours.
+    constexpr int leastHeight = 160;
+    constexpr int rasterHeight = 276;
+    constexpr int mostHeight = 360;
+    constexpr int rowHeight = 22;
+    constexpr int around = 120; // The title, the axis and the margins.
+    const int height = plan.isRaster() ? rasterHeight
+                                       : std::clamp(around + rowHeight * plan.laneCount(),
+                                                    leastHeight, mostHeight);
+    return {.row = 1,
+            .height = height,
+            .stretch = plan.laneCount() == 1 ? 0 : 3,
+            .narrowHeight = height};
 }
 
 std::optional<UptimeView::Answer> UptimeView::read(History& history, const HistoryScope& scope)
 {
     const auto days = history.days(scope);
+    const auto hours = scope.isOneDay() ? history.hours(scope) : QList<HourTotals>();
     const auto boots = history.boots(scope);
-    if (!days || !boots) {
+    if (!days || !hours || !boots) {
         return std::nullopt;
     }
-    Answer answer{.first = scope.first, .last = scope.last, .days = *days, .plan = {}};
+    Answer answer{.first = scope.first,
+                  .last = scope.last,
+                  .days = *days,
+                  .hours = *hours,
+                  .isOneDay = scope.isOneDay(),
+                  .plan = {}};
     if (scope.first.isNull()) {
         // From the first day on which there is anything to see.
         if (!days->isEmpty()) {
@@ -107,7 +130,7 @@ bool UptimeView::showAnswer(const Answer& answer)
 {
     showTotals(answer);
     showSessions(answer.plan);
-    showDays(answer);
+    showCourse(answer);
     return !answer.plan.sessions().isEmpty() ||
            std::any_of(answer.days.begin(), answer.days.end(),
                        [](const DayTotals& day) { return day.totals.uptimeMs > 0; });
@@ -170,24 +193,35 @@ void UptimeView::showSessions(const SessionPlan& plan)
     }
     m_sessions->setRows(rows);
     m_timeline->setPlan(plan);
+    setPlace(m_timelineCard, timelinePlace(plan));
 }
 
-void UptimeView::showDays(const Answer& answer)
+void UptimeView::showCourse(const Answer& answer)
 {
+    const Quantity quantity{.name = tr("Time on"), .kind = Quantity::Kind::Duration};
     QList<FiguresModel::Row> rows;
-    TimeChart::DaySeries on{.name = tr("On"), .values = {}};
-    for (const DayTotals& day : answer.days) {
-        const qint64 seconds = day.totals.uptimeMs / MsPerSecond;
-        if (seconds > 0) {
-            rows.append({day.day, seconds});
-            on.values.insert(day.day, static_cast<double>(seconds));
+    if (answer.isOneDay) {
+        QHash<int, double> byHour;
+        for (const HourTotals& hour : answer.hours) {
+            const qint64 seconds = hour.totals.uptimeMs / MsPerSecond;
+            if (seconds > 0) {
+                rows.append({hour.hour, seconds});
+                byHour.insert(hour.hour, static_cast<double>(seconds));
+            }
         }
+        m_chart->setHours(answer.last, quantity, byHour);
+    } else if (answer.first.isValid()) {
+        QMap<QDate, double> byDay;
+        for (const DayTotals& day : answer.days) {
+            const qint64 seconds = day.totals.uptimeMs / MsPerSecond;
+            if (seconds > 0) {
+                rows.append({day.day, seconds});
+                byDay.insert(day.day, static_cast<double>(seconds));
+            }
+        }
+        m_chart->setDays(answer.first, answer.last, quantity, byDay);
     }
-    m_days->setRows(rows);
-    if (answer.first.isValid()) {
-        const Quantity quantity{.name = tr("Time on"), .kind = Quantity::Kind::Duration};
-        m_chart->setDays(answer.first, answer.last, quantity, {on});
-    }
+    m_course->setRows(rows);
 }
 
 Notice::Content UptimeView::emptyNotice() const

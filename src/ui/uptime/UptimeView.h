@@ -5,12 +5,12 @@
 #include "ui/View.h"
 #include "ui/uptime/SessionPlan.h"
 
+class CourseChart;
 class FiguresModel;
 class SessionTimeline;
-class TimeChart;
 
-/// How long the machine was on: totals, its sessions on a time line, and the hours of each day.
-/// Thread: main.
+/// How long the machine was on: totals, its sessions on a time line, and the hours that it was on
+/// over time. Thread: main.
 class UptimeView : public View
 {
     Q_OBJECT
@@ -28,6 +28,8 @@ private:
         QDate first; ///< Of the days shown; null where there are none.
         QDate last;
         QList<DayTotals> days;
+        QList<HourTotals> hours; ///< Where one day was asked for.
+        bool isOneDay = false;
         SessionPlan plan;
     };
 
@@ -35,16 +37,18 @@ private:
 
     void addTotals();
     void addTimeline();
-    void addDays();
+    void addCourse();
+    static Place timelinePlace(const SessionPlan& plan);
     bool showAnswer(const Answer& answer);
     void showTotals(const Answer& answer);
     static FigureTiles::Tile longestSession(const QList<BootSession>& sessions);
     void showSessions(const SessionPlan& plan);
-    void showDays(const Answer& answer);
+    void showCourse(const Answer& answer);
 
     FiguresModel* m_sessions;
-    FiguresModel* m_days;
+    FiguresModel* m_course;
     FigureTiles* m_tiles = nullptr;
+    Card* m_timelineCard = nullptr;
     SessionTimeline* m_timeline = nullptr;
-    TimeChart* m_chart = nullptr;
+    CourseChart* m_chart = nullptr;
 };
