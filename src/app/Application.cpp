@@ -25,8 +25,8 @@
 #include "system/CommonSystem.h"
 #include "system/PowerMonitor.h"
 #include "ui/Theme.h"
-#include "ui/TodayQuery.h"
 #include "ui/TrayIcon.h"
+#include "ui/history/HourRows.h"
 
 #include <QGuiApplication>
 #include <QIcon>
@@ -185,7 +185,12 @@ void Application::prepareTray()
 {
     Theme::apply();
     m_tray = new TrayIcon(
-        [this] { return TodayQuery::keys(m_database->connection(), QDate::currentDate()); }, this);
+        [this] {
+            const QDate today = QDate::currentDate();
+            return HourRows::keys(m_database->connection(), {.first = today, .last = today})
+                .value_or(0);
+        },
+        this);
     connect(m_tray, &TrayIcon::openRequested, this, &Application::openMainWindow);
     connect(m_tray, &TrayIcon::pauseRequested, m_counting, &CountingSwitch::pause);
     connect(m_tray, &TrayIcon::resumeRequested, m_counting, &CountingSwitch::resume);
