@@ -5,6 +5,7 @@
 #include "storage/Settings.h"
 #include "ui/Card.h"
 #include "ui/CountsModel.h"
+#include "ui/FigureRow.h"
 #include "ui/FiguresModel.h"
 #include "ui/HourChart.h"
 #include "ui/Icons.h"
@@ -15,8 +16,6 @@
 #include "ui/history/History.h"
 #include "ui/overview/BaselineText.h"
 #include "ui/overview/CalendarMonth.h"
-#include "ui/overview/FigureRow.h"
-#include "ui/overview/FigureTile.h"
 #include "ui/overview/OverviewTables.h"
 #include "ui/overview/UnzurgedPanel.h"
 
@@ -32,6 +31,7 @@
 namespace {
 
 constexpr qint64 LargestInFull = 999'999;
+constexpr int MostComparisons = 2;
 
 QDate monthOf(const QDate& day)
 {
@@ -86,7 +86,7 @@ void OverviewView::buildModels()
 
 void OverviewView::buildFigures()
 {
-    auto* row = new FigureRow;
+    auto* row = new FigureRow(MostComparisons);
     for (size_t i = 0; i < m_tiles.size(); ++i) {
         m_tiles.at(i) = row->add(Measures::quantity(Measures::All.at(i), {}).name);
     }
@@ -275,24 +275,24 @@ QString OverviewView::comparisonWords(const Baseline& baseline, Measure measure,
     return words;
 }
 
-QList<FigureTile::Comparison> OverviewView::comparisons(Measure measure) const
+QList<FigureTile::Line> OverviewView::comparisons(Measure measure) const
 {
     const Quantity quantity = Measures::quantity(measure, *m_lengths);
     const double value = Measures::value(measure, m_figures.totals);
-    QList<FigureTile::Comparison> comparisons;
+    QList<FigureTile::Line> comparisons;
     for (const Baseline& baseline : m_figures.baselines) {
         comparisons.append(
-            {.change = Change::between(value, baseline.value(measure, m_shownTime)).text(),
-             .caption = BaselineText::caption(baseline),
-             .words = comparisonWords(baseline, measure, m_shownTime)});
+            {.lead = Change::between(value, baseline.value(measure, m_shownTime)).text(),
+             .text = BaselineText::caption(baseline),
+             .inFull = comparisonWords(baseline, measure, m_shownTime)});
     }
     const qsizetype days = m_figures.days.size();
     if (!m_scope.isOneDay() && days > 0) {
         const double mean = value / static_cast<double>(days);
-        comparisons.append({.change = shortText(quantity, mean),
-                            .caption = tr("a day"),
-                            .words = tr("%1 on a mean day (days counted: %2)")
-                                         .arg(quantity.text(mean), Format::count(days))});
+        comparisons.append({.lead = shortText(quantity, mean),
+                            .text = tr("a day"),
+                            .inFull = tr("%1 on a mean day (days counted: %2)")
+                                          .arg(quantity.text(mean), Format::count(days))});
     }
     return comparisons;
 }
@@ -305,7 +305,7 @@ void OverviewView::showFigures()
         const Quantity quantity = Measures::quantity(measure, *m_lengths);
         const double value = Measures::value(measure, m_figures.totals);
         m_tiles.at(i)->setFigure(shortText(quantity, value), quantity.text(value));
-        m_tiles.at(i)->setComparisons(comparisons(measure));
+        m_tiles.at(i)->setLines(comparisons(measure));
     }
     m_figureCard->setTitle(daysTitle());
     m_totalsTable->setRows(OverviewTables::totals(daysTitle(), m_figures, m_shownTime, *m_lengths));

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "ui/FigureTile.h"
 #include "ui/View.h"
-#include "ui/overview/FigureTile.h"
 #include "ui/overview/OverviewFigures.h"
 
 #include <array>
@@ -50,7 +50,7 @@ private:
     void updateUnits();
     DaySpan shownDays() const;
     QString daysTitle() const;
-    QList<FigureTile::Comparison> comparisons(Measure measure) const;
+    QList<FigureTile::Line> comparisons(Measure measure) const;
     QString comparisonWords(const Baseline& baseline, Measure measure, const QTime& time) const;
 
     OverviewFigures m_figures;

@@ -2,12 +2,12 @@
 #include "account/LocalStats.h"
 #include "storage/Settings.h"
 #include "support/TestRegistry.h"
+#include "ui/FigureTile.h"
 #include "ui/HourChart.h"
 #include "ui/QueryWorker.h"
 #include "ui/TimeChart.h"
 #include "ui/UiDatabase.h"
 #include "ui/overview/CalendarMonth.h"
-#include "ui/overview/FigureTile.h"
 #include "ui/overview/OverviewView.h"
 
 #include <QAction>
@@ -95,7 +95,7 @@ QStringList OverviewViewTest::changes() const
 {
     QStringList words;
     for (const QLabel* label :
-         m_view->findChild<FigureTile*>()->findChildren<QLabel*>(QStringLiteral("change"))) {
+         m_view->findChild<FigureTile*>()->findChildren<QLabel*>(QStringLiteral("lead"))) {
         words.append(label->text());
     }
     return words;
@@ -118,7 +118,7 @@ void OverviewViewTest::comparesTodayWithDaysLikeIt()
     QCOMPARE(figure->toolTip(), QStringLiteral("Keys: 1,150,000"));
     QCOMPARE(changes(), (QStringList{QStringLiteral("▲ +15 %"), QStringLiteral("▼ −54 %")}));
     QVERIFY(copied("figures").contains(QStringLiteral("\n30-day mean\t2,500,000\t")));
-    const QString words = find<QLabel>("change")->accessibleName();
+    const QString words = find<QLabel>("lead")->accessibleName();
     QVERIFY2(words.startsWith(QStringLiteral("15 % more than on ")) &&
                  words.contains(QStringLiteral(": 1,000,000\n")),
              qPrintable(words));
@@ -139,7 +139,7 @@ void OverviewViewTest::comparesDaysWithThoseBefore()
     m_database->addHour(last.addDays(-14), 9, 7000);
     open(last.addDays(-6), last);
     QCOMPARE(changes(), (QStringList{QStringLiteral("▼ −50 %"), QStringLiteral("40")}));
-    QCOMPARE(find<QLabel>("change")->accessibleName(),
+    QCOMPARE(find<QLabel>("lead")->accessibleName(),
              QStringLiteral("50 % less than from %1 to %2: 160")
                  .arg(Format::day(last.addDays(-13)), Format::day(last.addDays(-7))));
 
