@@ -16,13 +16,6 @@ struct Text
     Q_DECLARE_TR_FUNCTIONS(OverviewTables)
 };
 
-double inchesPerUnit(Format::Lengths lengths)
-{
-    constexpr double metre = 100 / 2.54;
-    constexpr double foot = 12;
-    return lengths == Format::Lengths::Metric ? metre : foot;
-}
-
 /// The cell of a time: a day, an hour or a name.
 QString timeText(const QVariant& raw)
 {
@@ -36,13 +29,13 @@ QString timeText(const QVariant& raw)
     }
 }
 
-FiguresModel::Row row(const QVariant& time, const std::function<double(Measure)>& value,
-                      Format::Lengths lengths)
+FiguresModel::Row rowOf(const QVariant& time, const std::function<double(Measure)>& value,
+                        Format::Lengths lengths)
 {
     FiguresModel::Row cells{time};
     for (const Measure measure : Measures::All) {
         const double raw = value(measure);
-        cells.append(measure == Measure::Travel ? QVariant(raw / inchesPerUnit(lengths))
+        cells.append(measure == Measure::Travel ? QVariant(raw / tableUnit(lengths).inches)
                                                 : QVariant(static_cast<qint64>(std::llround(raw))));
     }
     return cells;
@@ -64,14 +57,13 @@ QList<FiguresModel::Column> OverviewTables::columns(const QString& time, Format:
         {.header = time, .text = timeText, .alignment = Qt::AlignLeft | Qt::AlignVCenter}};
     for (const Measure measure : Measures::All) {
         const QString name = Measures::quantity(measure, lengths).name;
-        const bool isMetric = lengths == Format::Lengths::Metric;
-        columns.append(measure == Measure::Uptime ? FiguresModel::durationColumn(name)
-                       : measure == Measure::Travel
-                           ? FiguresModel::Column{.header = isMetric
-                                                                ? Text::tr("%1 (m)").arg(name)
-                                                                : Text::tr("%1 (ft)").arg(name),
-                                                  .text = length}
-                           : FiguresModel::countColumn(name));
+        columns.append(
+            measure == Measure::Uptime ? FiguresModel::durationColumn(name)
+            : measure == Measure::Travel
+                ? FiguresModel::Column{.header = Text::tr("%1 (%2)", "a length, its unit")
+                                                     .arg(name, tableUnit(lengths).name),
+                                       .text = length}
+                : FiguresModel::countColumn(name));
     }
     return columns;
 }
@@ -80,7 +72,7 @@ QList<FiguresModel::Row> OverviewTables::days(const QList<DayTotals>& days, Form
 {
     QList<FiguresModel::Row> rows;
     for (const DayTotals& day : days) {
-        rows.append(row(day.day, valuesOf(day.totals), lengths));
+        rows.append(rowOf(day.day, valuesOf(day.totals), lengths));
     }
     return rows;
 }
@@ -90,7 +82,7 @@ QList<FiguresModel::Row> OverviewTables::hours(const QList<HourTotals>& hours,
 {
     QList<FiguresModel::Row> rows;
     for (const HourTotals& hour : hours) {
-        rows.append(row(hour.hour, valuesOf(hour.totals), lengths));
+        rows.append(rowOf(hour.hour, valuesOf(hour.totals), lengths));
     }
     return rows;
 }
@@ -99,9 +91,9 @@ QList<FiguresModel::Row> OverviewTables::totals(const QString& label,
                                                 const OverviewFigures& figures, const QTime& time,
                                                 Format::Lengths lengths)
 {
-    QList<FiguresModel::Row> rows{row(label, valuesOf(figures.totals), lengths)};
+    QList<FiguresModel::Row> rows{rowOf(label, valuesOf(figures.totals), lengths)};
     for (const Baseline& baseline : figures.baselines) {
-        rows.append(row(
+        rows.append(rowOf(
             BaselineText::caption(baseline),
             [&baseline, &time](Measure measure) { return baseline.value(measure, time); },
             lengths));
