@@ -68,6 +68,12 @@ QList<FiguresModel::Column> OverviewTables::columns(const QString& time, Format:
     return columns;
 }
 
+FiguresModel::Row OverviewTables::row(const QString& label, const Totals& totals,
+                                      Format::Lengths lengths)
+{
+    return rowOf(label, valuesOf(totals), lengths);
+}
+
 QList<FiguresModel::Row> OverviewTables::days(const QList<DayTotals>& days, Format::Lengths lengths)
 {
     QList<FiguresModel::Row> rows;
@@ -91,7 +97,7 @@ QList<FiguresModel::Row> OverviewTables::totals(const QString& label,
                                                 const OverviewFigures& figures, const QTime& time,
                                                 Format::Lengths lengths)
 {
-    QList<FiguresModel::Row> rows{rowOf(label, valuesOf(figures.totals), lengths)};
+    QList<FiguresModel::Row> rows{row(label, figures.totals, lengths)};
     for (const Baseline& baseline : figures.baselines) {
         rows.append(rowOf(
             BaselineText::caption(baseline),

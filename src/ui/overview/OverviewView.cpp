@@ -76,9 +76,7 @@ void OverviewView::buildModels()
     m_totalsTable = new FiguresModel({}, this);
     m_courseTable = new FiguresModel({}, this);
     m_monthTable = new FiguresModel({}, this);
-    m_unzurgedTable = new FiguresModel(
-        {FiguresModel::textColumn(tr("Measure")), FiguresModel::textColumn(tr("Not yet sent"))},
-        this);
+    m_unzurgedTable = new FiguresModel({}, this);
     m_keys = new CountsModel(tr("Key"), tr("Keys"), CountsModel::Shares::Shown, this);
     m_applications =
         new CountsModel(tr("Application"), tr("Keys"), CountsModel::Shares::Shown, this);
