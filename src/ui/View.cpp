@@ -119,8 +119,9 @@ void View::setInputState(InputState state)
 
 void View::askAnew()
 {
+    ++m_wanted;
     m_version = -1;
-    m_isAsking = false; // Whatever was asked before is outrun.
+    m_isAsking = false;
     if (isVisible()) {
         askIfDue();
     }

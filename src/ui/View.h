@@ -119,7 +119,7 @@ private:
     InputState m_state = InputState::Reading;
     QTimer m_refresh;
     qint64 m_version = -1;     ///< Of what is shown; negative where it must be asked anew.
-    HistoryScope m_shownScope; ///< Of what is shown.
+    quint64 m_wanted = 0;      ///< Counts up as what is asked for changes.
     bool m_isAsking = false;
     bool m_isAnswered = false; ///< At least once.
     bool m_isReadable = true;
@@ -137,7 +137,7 @@ template <typename Answer>
 void View::ask(std::function<std::optional<Answer>(History&)> query,
                std::function<bool(const Answer&)> show)
 {
-    const HistoryScope asked = m_scope;
+    const quint64 asked = m_wanted;
     const qint64 known = m_version;
     context().worker->ask<Envelope<Answer>>(
         objectName(), this,
@@ -158,8 +158,10 @@ void View::ask(std::function<std::optional<Answer>(History&)> query,
                                     .answer = std::move(answer)};
         },
         [this, show = std::move(show), asked](const std::optional<Envelope<Answer>>& envelope) {
+            if (asked != m_wanted) {
+                return; // Something else is wanted, which a hidden view has not asked for yet.
+            }
             if (envelope && envelope->answer) {
-                m_shownScope = asked;
                 setContent(show(*envelope->answer));
             }
             take(envelope ? std::optional(envelope->version) : std::nullopt,

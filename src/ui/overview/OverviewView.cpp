@@ -391,7 +391,7 @@ void OverviewView::stepMonth(int months)
     m_wantedMonth = target;
     context().worker->ask<QList<DayTotals>>(
         objectName() + QStringLiteral("/month"), this,
-        [target, profileId = m_scope.profileId](History& history) {
+        [target, profileId = scope().profileId](History& history) {
             return OverviewFigures::readMonth(history, target, profileId);
         },
         [this, target](const std::optional<QList<DayTotals>>& days) {

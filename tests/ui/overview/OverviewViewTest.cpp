@@ -32,6 +32,7 @@ private Q_SLOTS:
     void leafsThroughTheMonths();
     void narrowsToADay();
     void saysThatNothingWasCounted();
+    void dropsAnswersForOtherDaysWhileHidden();
     void showsWhatIsNotSent();
 
 private:
@@ -222,6 +223,24 @@ void OverviewViewTest::saysThatNothingWasCounted()
     m_database->addHour(m_today, 0, 42);
     QTRY_VERIFY(find<QWidget>("figures")->isVisible());
     QVERIFY(!find<QWidget>("notice")->isVisible());
+}
+
+void OverviewViewTest::dropsAnswersForOtherDaysWhileHidden()
+{
+    const QDate day(2025, 3, 3);
+    m_database->addHour(day, 9, 5);
+    m_database->addHour(day.addDays(1), 9, 6);
+    open({2025, 3, 1}, {2025, 3, 2});
+    m_view->setScope({day, day, std::nullopt});
+    m_view->hide();
+    m_view->setScope({day.addDays(1), day.addDays(1), std::nullopt});
+    bool isAnswered = false; // What was asked before is then, too.
+    m_worker->ask<bool>(
+        QStringLiteral("last"), this, [](History&) { return std::optional(true); },
+        [&isAnswered](const std::optional<bool>&) { isAnswered = true; });
+    QTRY_VERIFY(isAnswered);
+    m_view->show();
+    QTRY_COMPARE(find<QLabel>("figure")->toolTip(), QStringLiteral("Keys: 6"));
 }
 
 void OverviewViewTest::showsWhatIsNotSent()
