@@ -84,6 +84,8 @@ protected:
 
     const HistoryScope& scope() const { return m_scope; }
 
+    InputState inputState() const { return m_state; }
+
     const ViewContext& context() const { return m_context; }
 
     /// The name to show for an application.

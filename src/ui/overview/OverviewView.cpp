@@ -166,8 +166,13 @@ void OverviewView::buildLists()
 
 void OverviewView::setRates(double keysPerSecond, double clicksPerSecond)
 {
-    m_tiles.at(static_cast<size_t>(Measure::Keys))->setRate(rateText(keysPerSecond));
-    m_tiles.at(static_cast<size_t>(Measure::Clicks))->setRate(rateText(clicksPerSecond));
+    const bool isCounted = inputState() == InputState::Reading;
+    const auto show = [this, isCounted](Measure measure, double perSecond) {
+        m_tiles.at(static_cast<size_t>(measure))
+            ->setRate(isCounted ? rateText(perSecond) : QString());
+    };
+    show(Measure::Keys, keysPerSecond);
+    show(Measure::Clicks, clicksPerSecond);
 }
 
 void OverviewView::refresh()

@@ -26,7 +26,7 @@ class OverviewView : public View
 public:
     explicit OverviewView(ViewContext context, QWidget* parent = nullptr);
 
-    /// Shows what is being counted right now, where it is not zero.
+    /// Shows what is being done right now, where it is not zero and is counted.
     void setRates(double keysPerSecond, double clicksPerSecond);
 
 protected:

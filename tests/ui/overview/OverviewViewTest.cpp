@@ -126,7 +126,8 @@ void OverviewViewTest::comparesTodayWithDaysLikeIt()
 
     m_view->setRates(3.24, 0);
     QCOMPARE(find<QLabel>("rate")->text(), QStringLiteral("3.2/s"));
-    m_view->setRates(0, 0);
+    m_view->setInputState(InputState::Off);
+    m_view->setRates(3.24, 0);
     QCOMPARE(find<QLabel>("rate")->text(), QString());
 }
 
