@@ -68,13 +68,17 @@ protected:
 
     /// Runs `query` on the worker, and `show` with its answer, unless the days or the profile
     /// changed meanwhile or nothing was written since the last answer. `show` returns whether there
-    /// is anything to see; where not, the empty notice takes the place of the cards.
+    /// is anything to see; where not, the empty notice takes the place of the cards, or stands
+    /// above them where the view keeps them.
     template <typename Answer>
     void ask(std::function<std::optional<Answer>(History&)> query,
              std::function<bool(const Answer&)> show);
 
-    /// What stands in place of the cards where nothing was counted.
+    /// What the page says where nothing was counted.
     virtual Notice::Content emptyNotice() const;
+
+    /// Whether the cards still tell something where nothing was counted.
+    virtual bool keepsCards() const;
 
     /// Called when the page changes between two columns and one.
     virtual void arranged(bool isWide);
@@ -120,8 +124,8 @@ private:
     HistoryScope m_scope;
     InputState m_state = InputState::Reading;
     QTimer m_refresh;
-    qint64 m_version = -1;     ///< Of what is shown; negative where it must be asked anew.
-    quint64 m_wanted = 0;      ///< Counts up as what is asked for changes.
+    qint64 m_version = -1; ///< Of what is shown; negative where it must be asked anew.
+    quint64 m_wanted = 0;  ///< Counts up as what is asked for changes.
     bool m_isAsking = false;
     bool m_isAnswered = false; ///< At least once.
     bool m_isReadable = true;

@@ -209,6 +209,12 @@ Notice::Content OverviewView::emptyNotice() const
             .button = {}};
 }
 
+bool OverviewView::keepsCards() const
+{
+    // The calendar leads to other days, and what is not sent yet is of all days.
+    return !m_figures.firstDay.isNull();
+}
+
 bool OverviewView::display(const OverviewFigures& figures)
 {
     const bool isOtherMonth = figures.month != m_wantedMonth;

@@ -32,6 +32,7 @@ public:
 protected:
     void refresh() override;
     Notice::Content emptyNotice() const override;
+    bool keepsCards() const override;
 
 private:
     void buildModels();

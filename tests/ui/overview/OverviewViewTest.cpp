@@ -218,12 +218,16 @@ void OverviewViewTest::narrowsToADay()
 
 void OverviewViewTest::saysThatNothingWasCounted()
 {
-    m_database->addHour(m_today.addDays(-1), 9, 5);
     open(m_today, m_today);
     QVERIFY(find<QWidget>("notice")->isVisible());
+    QVERIFY(!find<QWidget>("month")->isVisible());
+    // Once there is anything to look back at, the calendar leads there.
+    m_database->addHour(m_today.addDays(-1), 9, 5);
+    QTRY_VERIFY(find<QWidget>("month")->isVisible());
+    QVERIFY(find<QWidget>("notice")->isVisible());
     m_database->addHour(m_today, 0, 42);
-    QTRY_VERIFY(find<QWidget>("figures")->isVisible());
-    QVERIFY(!find<QWidget>("notice")->isVisible());
+    QTRY_VERIFY(!find<QWidget>("notice")->isVisible());
+    QVERIFY(find<QWidget>("month")->isVisible());
 }
 
 void OverviewViewTest::dropsAnswersForOtherDaysWhileHidden()
