@@ -26,8 +26,8 @@
 #include "system/CommonSystem.h"
 #include "system/PowerMonitor.h"
 #include "ui/Theme.h"
-#include "ui/TodayQuery.h"
 #include "ui/TrayIcon.h"
+#include "ui/history/HourRows.h"
 
 #include <QGuiApplication>
 #include <QIcon>
@@ -188,7 +188,9 @@ void Application::prepareTray()
     m_tray = new TrayIcon(
         [this, keys = qint64(0)]() mutable {
             if (!m_database->isLent()) {
-                keys = TodayQuery::keys(m_database->connection(), QDate::currentDate());
+                const QDate today = QDate::currentDate();
+                keys = HourRows::keys(m_database->connection(), {.first = today, .last = today})
+                           .value_or(keys);
             }
             return keys;
         },

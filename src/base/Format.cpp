@@ -38,7 +38,7 @@ QString threeDigits(double value)
 
 QString twoUnits(qint64 larger, const char* largerUnit, qint64 smaller, const char* smallerUnit)
 {
-    QString text = QStringLiteral("%1 %2").arg(larger).arg(QLatin1String(largerUnit));
+    QString text = QStringLiteral("%1 %2").arg(Format::count(larger), QLatin1String(largerUnit));
     if (smaller > 0) {
         text += QStringLiteral(" %1 %2").arg(smaller).arg(QLatin1String(smallerUnit));
     }

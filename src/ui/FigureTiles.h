@@ -1,15 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "ui/FigureRow.h"
 #include "ui/FiguresModel.h"
 
-#include <QWidget>
-
-class QLabel;
-
-/// A few figures of equal rank side by side, each with what it is above and a remark below. Thread:
-/// main.
-class FigureTiles : public QWidget
+/// A row of figures that are set all at once, each with a remark below, and the same as a table.
+/// Thread: main.
+class FigureTiles : public FigureRow
 {
     Q_OBJECT
 
@@ -22,31 +19,15 @@ public:
         QString inFull; ///< What hovering tells; empty where the figure says it all.
     };
 
-    /// Shows `count` tiles from the first `setTiles` on.
-    explicit FigureTiles(int count, QWidget* parent = nullptr);
+    /// Has room for `most` tiles.
+    explicit FigureTiles(int most, QWidget* parent = nullptr);
 
-    /// As many as there is room for were made with.
     void setTiles(const QList<Tile>& tiles);
 
     /// What was set, as a table.
     FiguresModel* model() const { return m_model; }
 
-protected:
-    void changeEvent(QEvent* event) override;
-
 private:
-    struct Labels
-    {
-        QLabel* caption;
-        QLabel* figure;
-        QLabel* note;
-    };
-
-    static QString markedUp(const QString& figure);
-    void follow();
-    void applyTheme();
-
-    QList<Tile> m_tiles;
-    QList<Labels> m_labels;
+    QList<FigureTile*> m_tiles;
     FiguresModel* m_model;
 };

@@ -55,19 +55,8 @@ void HeatGrid::setCounts(const QList<qint64>& counts)
     m_counts = counts;
     m_sum = std::accumulate(counts.begin(), counts.end(), qint64(0));
     const auto largest = std::max_element(counts.begin(), counts.end());
-    setScale({largest == counts.end() ? 0 : *largest, m_scale.form()});
-    update();
-}
-
-void HeatGrid::setScaleForm(QuantityScale::Form form)
-{
-    setScale({m_scale.largest(), form});
-}
-
-void HeatGrid::setScale(const QuantityScale& scale)
-{
-    m_scale = scale;
-    m_legend->setScale(scale);
+    m_scale = {largest == counts.end() ? 0 : *largest, m_scale.form()};
+    m_legend->setScale(m_scale);
     placeLegend();
     update();
 }

@@ -28,8 +28,6 @@ public:
     /// Row by row; as many as the labels' rows times columns.
     void setCounts(const QList<qint64>& counts);
 
-    void setScaleForm(QuantityScale::Form form);
-
     qint64 count(int row, int column) const;
 
     qint64 sum() const { return m_sum; }
@@ -58,7 +56,6 @@ private:
     int columns() const;
     QRectF gridArea() const;
     QString describe(int cell) const;
-    void setScale(const QuantityScale& scale);
     void showFocused();
     void placeLegend();
     void paintLabels(QPainter& painter) const;

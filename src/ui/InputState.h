@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-/// What is known about the counting of keys; decides what the Today view tells beside its figures.
+/// What is known about the counting of keys; decides what the views tell beside their figures.
 enum class InputState
 {
     Reading,      ///< Devices are read and keys are counted.

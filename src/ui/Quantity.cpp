@@ -65,6 +65,12 @@ QString Quantity::text(double value) const
     return Format::count(std::llround(value));
 }
 
+Format::LengthUnit tableUnit(Format::Lengths lengths)
+{
+    constexpr double inches = 100; // Some metres and some feet, yet no mile.
+    return Format::lengthUnit(inches, lengths);
+}
+
 QString AxisSteps::label(int index) const
 {
     if (index == 0) {

@@ -25,6 +25,9 @@ struct Quantity
     friend bool operator==(const Quantity&, const Quantity&) = default;
 };
 
+/// The unit of lengths in tables, whose columns have one unit each: metres or feet.
+Format::LengthUnit tableUnit(Format::Lengths lengths);
+
 /// The round steps of an axis from zero. Plain value.
 struct AxisSteps
 {

@@ -334,7 +334,10 @@ void SeriesChart::paintGrid(QPainter& painter) const
     if (m_marked >= 0 && m_marked < columnCount()) {
         const double wide = QFontMetricsF(m_font).horizontalAdvance(m_markWord);
         const double left = std::min(columnArea(m_marked).center().x() - wide / 2, width() - wide);
-        painter.drawText(QPointF(left, m_plot.top() - HalfRhythm), m_markWord);
+        const double captionEnd = QFontMetricsF(m_font).horizontalAdvance(caption) + Theme::Rhythm;
+        if (left >= captionEnd) { // Both have one line.
+            painter.drawText(QPointF(left, m_plot.top() - HalfRhythm), m_markWord);
+        }
     }
 }
 

@@ -36,7 +36,7 @@ void TimeChart::setDays(const QDate& first, const QDate& last, const Quantity& q
                         const QList<DaySeries>& series)
 {
     m_step = TimeSteps::forDays(first, last);
-    m_spans = TimeSteps::spans(first, last, m_step, QLocale().firstDayOfWeek());
+    m_spans = TimeSteps::spans(first, last, m_step, QLocale::system().firstDayOfWeek());
     QList<Column> columns;
     for (const DaySpan& span : std::as_const(m_spans)) {
         columns.append(columnFor(span));
@@ -66,7 +66,7 @@ SeriesChart::Column TimeChart::columnFor(const DaySpan& span) const
     if (m_step == TimeStep::Day) {
         // Every second week stays longest.
         const int week = static_cast<int>(span.first.toJulianDay() / TimeSteps::DaysPerWeek % 2);
-        const bool isWeekStart = span.first.dayOfWeek() == QLocale().firstDayOfWeek();
+        const bool isWeekStart = span.first.dayOfWeek() == QLocale::system().firstDayOfWeek();
         return {englishDate(span.first, QStringLiteral("d MMM")), isWeekStart ? 1 + week : 0};
     }
     // A week carries the name of the month that begins in it.

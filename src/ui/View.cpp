@@ -3,8 +3,8 @@
 
 #include "ui/BusyVeil.h"
 #include "ui/Card.h"
+#include "ui/CountingNotice.h"
 #include "ui/Theme.h"
-#include "ui/TodayNotice.h"
 
 #include <QApplication>
 #include <QFileInfo>
@@ -130,8 +130,9 @@ void View::setInputState(InputState state)
 
 void View::askAnew()
 {
+    ++m_wanted;
     m_version = -1;
-    m_isAsking = false; // Whatever was asked before is outrun.
+    m_isAsking = false;
     if (isVisible()) {
         askIfDue();
     }
@@ -183,29 +184,31 @@ Notice::Content View::emptyNotice() const
             .button = {}};
 }
 
+bool View::keepsCards() const
+{
+    return false;
+}
+
 void View::showNotice()
 {
     if (!m_isAnswered) {
         return;
     }
-    const auto figures = m_hasFigures ? TodayNotice::Figures::Shown : TodayNotice::Figures::None;
-    std::optional<Notice::Content> content = TodayNotice::unreadable();
-    if (m_isReadable) {
-        content = TodayNotice::forState(m_state, figures);
-        const bool isJustEmpty = m_state == InputState::Reading && !m_hasFigures;
-        if (isJustEmpty) {
-            content = emptyNotice();
-        }
+    std::optional<Notice::Content> content =
+        m_isReadable ? CountingNotice::forState(m_state) : CountingNotice::unreadable();
+    if (!content && !m_hasFigures) {
+        content = emptyNotice();
     }
     if (content) {
         m_notice->setContent(*content);
     }
     m_notice->setVisible(content.has_value());
-    m_page->setVisible(m_hasFigures);
+    const bool hasCards = m_hasFigures || keepsCards();
+    m_page->setVisible(hasCards);
     // Beside figures the notice is a banner; alone, it stands in the middle of the page.
-    m_notice->setMinimumWidth(m_hasFigures ? 0 : LoneNoticeWidth);
-    m_notice->setMaximumWidth(m_hasFigures ? QWIDGETSIZE_MAX : LoneNoticeWidth);
-    m_pageLayout->setAlignment(m_notice, m_hasFigures ? Qt::Alignment() : Qt::AlignCenter);
+    m_notice->setMinimumWidth(hasCards ? 0 : LoneNoticeWidth);
+    m_notice->setMaximumWidth(hasCards ? QWIDGETSIZE_MAX : LoneNoticeWidth);
+    m_pageLayout->setAlignment(m_notice, hasCards ? Qt::Alignment() : Qt::AlignCenter);
 }
 
 QString View::applicationName(const QString& path) const

@@ -72,13 +72,17 @@ protected:
 
     /// Runs `query` on the worker, and `show` with its answer, unless the days or the profile
     /// changed meanwhile or nothing was written since the last answer. `show` returns whether there
-    /// is anything to see; where not, the empty notice takes the place of the cards.
+    /// is anything to see; where not, the empty notice takes the place of the cards, or stands
+    /// above them where the view keeps them.
     template <typename Answer>
     void ask(std::function<std::optional<Answer>(History&)> query,
              std::function<bool(const Answer&)> show);
 
-    /// What stands in place of the cards where nothing was counted.
+    /// What the page says where nothing was counted.
     virtual Notice::Content emptyNotice() const;
+
+    /// Whether the cards still tell something where nothing was counted.
+    virtual bool keepsCards() const;
 
     /// Called when the page changes between two columns and one.
     virtual void arranged(bool isWide);
@@ -87,6 +91,8 @@ protected:
     void askAnew();
 
     const HistoryScope& scope() const { return m_scope; }
+
+    InputState inputState() const { return m_state; }
 
     const ViewContext& context() const { return m_context; }
 
@@ -122,8 +128,8 @@ private:
     HistoryScope m_scope;
     InputState m_state = InputState::Reading;
     QTimer m_refresh;
-    qint64 m_version = -1;     ///< Of what is shown; negative where it must be asked anew.
-    HistoryScope m_shownScope; ///< Of what is shown.
+    qint64 m_version = -1; ///< Of what is shown; negative where it must be asked anew.
+    quint64 m_wanted = 0;  ///< Counts up as what is asked for changes.
     bool m_isAsking = false;
     bool m_isAnswered = false; ///< At least once.
     bool m_isReadable = true;
@@ -141,7 +147,7 @@ template <typename Answer>
 void View::ask(std::function<std::optional<Answer>(History&)> query,
                std::function<bool(const Answer&)> show)
 {
-    const HistoryScope asked = m_scope;
+    const quint64 asked = m_wanted;
     const qint64 known = m_version;
     context().worker->ask<Envelope<Answer>>(
         objectName(), this,
@@ -162,8 +168,10 @@ void View::ask(std::function<std::optional<Answer>(History&)> query,
                                     .answer = std::move(answer)};
         },
         [this, show = std::move(show), asked](const std::optional<Envelope<Answer>>& envelope) {
+            if (asked != m_wanted) {
+                return; // Something else is wanted, which a hidden view has not asked for yet.
+            }
             if (envelope && envelope->answer) {
-                m_shownScope = asked;
                 setContent(show(*envelope->answer));
             }
             take(envelope ? std::optional(envelope->version) : std::nullopt,

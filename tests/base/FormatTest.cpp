@@ -48,6 +48,7 @@ void FormatTest::writes_data()
     row(Format::duration(7'200), "2 h");
     row(Format::duration(7'500), "2 h 5 min");
     row(Format::duration(273'600), "3 d 4 h");
+    row(Format::duration(105'919'200), "1,225 d 22 h");
     row(KeyNames::text(Qt::Key_A), "A");
     row(KeyNames::text(Qt::Key_F12), "F12");
     row(KeyNames::text(0x0100125e), "Keypad 7");

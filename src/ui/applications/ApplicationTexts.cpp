@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/applications/ApplicationTexts.h"
 
+#include "ui/Quantity.h"
 #include "ui/applications/ApplicationsModel.h"
 
 #include <cmath>
 
 namespace {
-
-constexpr double InchesPerMetre = 100 / 2.54;
-constexpr double InchesPerFoot = 12;
 
 /// "12,345:06", hours and minutes.
 QString hoursAndMinutes(qint64 seconds)
@@ -32,7 +30,7 @@ QString timeOfDay(const QDateTime& time)
 
 double travel(const ApplicationTotals& totals, Format::Lengths lengths)
 {
-    return totals.inches / (lengths == Format::Lengths::Metric ? InchesPerMetre : InchesPerFoot);
+    return totals.inches / tableUnit(lengths).inches;
 }
 
 } // namespace
@@ -105,8 +103,7 @@ QString ApplicationTexts::header(int column, Format::Lengths lengths)
     case ApplicationsModel::ScrollsColumn:
         return ApplicationsModel::tr("Scrolls");
     case ApplicationsModel::TravelColumn:
-        return lengths == Format::Lengths::Metric ? ApplicationsModel::tr("Travel\nm")
-                                                  : ApplicationsModel::tr("Travel\nft");
+        return ApplicationsModel::tr("Travel\n%1").arg(tableUnit(lengths).name);
     case ApplicationsModel::FrontColumn:
         return ApplicationsModel::tr("In front\nh:min");
     case ApplicationsModel::RunningColumn:
@@ -122,8 +119,7 @@ QString ApplicationTexts::headerOfRaw(int column, Format::Lengths lengths)
 {
     switch (column) {
     case ApplicationsModel::TravelColumn:
-        return lengths == Format::Lengths::Metric ? ApplicationsModel::tr("Travel (m)")
-                                                  : ApplicationsModel::tr("Travel (ft)");
+        return ApplicationsModel::tr("Travel (%1)").arg(tableUnit(lengths).name);
     case ApplicationsModel::FrontColumn:
         return ApplicationsModel::tr("Time in front (s)");
     case ApplicationsModel::RunningColumn:

@@ -48,7 +48,8 @@ Quantity quantityOf(ApplicationMeasure measure)
 FiguresModel::Column lengthColumn(const QString& header)
 {
     return {.header = header, .text = [](const QVariant& raw) {
-                return Format::length(raw.toDouble(), userLengths());
+                return QLocale(QLocale::English, QLocale::UnitedStates)
+                    .toString(raw.toDouble(), 'f', 1);
             }};
 }
 
@@ -82,12 +83,7 @@ void ApplicationsView::buildTable()
 void ApplicationsView::buildChart()
 {
     m_chart = new TimeChart;
-    m_chartTable = new FiguresModel(
-        {FiguresModel::textColumn(tr("Application")), FiguresModel::dayColumn(tr("Day")),
-         FiguresModel::durationColumn(tr("Time in front")), FiguresModel::countColumn(tr("Keys")),
-         FiguresModel::countColumn(tr("Clicks")), FiguresModel::countColumn(tr("Scrolls")),
-         lengthColumn(tr("Pointer travel"))},
-        this);
+    m_chartTable = new FiguresModel({}, this);
     m_measure = new QComboBox;
     m_measure->setObjectName(QStringLiteral("measure"));
     m_measure->setAccessibleName(tr("What the chart compares"));
@@ -193,13 +189,28 @@ void ApplicationsView::showChart(const Days& days)
     m_chart->setDays(days.first, days.last, quantityOf(measure()),
                      ApplicationSeries::series(m_charted, days.applications, days.counted,
                                                measure(), name, tr("Other")));
+    showChartTable(days.applications);
+    describeChart(days);
+}
+
+void ApplicationsView::showChartTable(const QList<ApplicationDay>& days)
+{
+    const Format::LengthUnit unit = tableUnit(userLengths());
+    if (unit.name != m_chartTableUnit) {
+        m_chartTableUnit = unit.name;
+        m_chartTable->setColumns(
+            {FiguresModel::textColumn(tr("Application")), FiguresModel::dayColumn(tr("Day")),
+             FiguresModel::durationColumn(tr("Time in front")),
+             FiguresModel::countColumn(tr("Keys")), FiguresModel::countColumn(tr("Clicks")),
+             FiguresModel::countColumn(tr("Scrolls")),
+             lengthColumn(tr("Pointer travel (%1)").arg(unit.name))});
+    }
     QList<FiguresModel::Row> rows;
-    for (const ApplicationDay& day : days.applications) {
+    for (const ApplicationDay& day : days) {
         rows.append({nameOf(day.path), day.day, day.frontSeconds, day.keys, day.clicks, day.scrolls,
-                     day.inches});
+                     day.inches / unit.inches});
     }
     m_chartTable->setRows(rows);
-    describeChart(days);
 }
 
 void ApplicationsView::describeChart(const Days& days)

@@ -55,6 +55,7 @@ private:
                                         const QStringList& paths);
     void askChart();
     void showChart(const Days& days);
+    void showChartTable(const QList<ApplicationDay>& days);
     void describeChart(const Days& days);
     void confirmExclusion(const QStringList& paths);
     void includeAgain(const QStringList& paths);
@@ -70,4 +71,5 @@ private:
     Card* m_chartCard = nullptr;
     QComboBox* m_measure = nullptr;
     FiguresModel* m_chartTable = nullptr;
+    QString m_chartTableUnit; ///< Of lengths; empty until the first answer.
 };

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/history/History.h"
 
+#include "storage/DSqlQuery.h"
 #include "storage/ReadingConnection.h"
-#include "ui/TodayQuery.h"
 #include "ui/history/BootRows.h"
 #include "ui/history/DayList.h"
 #include "ui/history/HistoryLists.h"
@@ -21,6 +21,17 @@ namespace {
 QString rollUpFile(const QString& databaseFile)
 {
     return QFileInfo(databaseFile).dir().filePath(RollUp::FileName);
+}
+
+/// A number that differs from the last one where another connection has written since; nothing
+/// where the database cannot be read.
+std::optional<qint64> dataVersion(const QSqlDatabase& connection)
+{
+    DSqlQuery query(connection);
+    if (!query.exec(QStringLiteral("PRAGMA data_version")) || !query.next()) {
+        return std::nullopt;
+    }
+    return query.value(0).toLongLong();
 }
 
 void addNumber(NumberSums& sums, const QSqlQuery& row, int at)
@@ -79,7 +90,7 @@ const QSqlDatabase& History::connection()
 std::optional<qint64> History::version()
 {
     m_share = 1;
-    return TodayQuery::dataVersion(connection());
+    return dataVersion(connection());
 }
 
 double History::preparedShare() const
@@ -94,7 +105,7 @@ bool History::prepareMore()
 
 bool History::follow()
 {
-    const std::optional<qint64> version = TodayQuery::dataVersion(connection());
+    const std::optional<qint64> version = dataVersion(connection());
     if (!version) {
         return false;
     }

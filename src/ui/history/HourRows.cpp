@@ -120,3 +120,16 @@ bool HourRows::read(const QSqlDatabase& connection, const HistoryScope& scope, H
     }
     return true;
 }
+
+std::optional<qint64> HourRows::keys(const QSqlDatabase& connection, const HistoryScope& scope)
+{
+    HourParts parts;
+    if (!readKeys(connection, scope, parts) || !readApplications(connection, scope, parts)) {
+        return std::nullopt;
+    }
+    qint64 sum = 0;
+    for (const auto& [slot, part] : parts) {
+        sum += std::ranges::max(part.keys);
+    }
+    return sum;
+}

@@ -7,6 +7,7 @@
 #include <QSqlDatabase>
 
 #include <map>
+#include <optional>
 #include <tuple>
 
 /// One hour of one day under one profile.
@@ -41,5 +42,8 @@ namespace HourRows {
 
 /// Adds to `sums`; false where a statement failed (which is in the log).
 bool read(const QSqlDatabase& connection, const HistoryScope& scope, HourSums& sums);
+
+/// The sum of the keys alone; nothing where a statement failed.
+std::optional<qint64> keys(const QSqlDatabase& connection, const HistoryScope& scope);
 
 } // namespace HourRows

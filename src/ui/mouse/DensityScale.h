@@ -1,18 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "ui/QuantityScale.h"
+
 #include <QList>
 
-/// From densities of clicks to shares of the scale that they are coloured by. Plain value; thread:
-/// any.
+/// From densities of clicks to shares of the scale that they are coloured by. Unlike counts, which
+/// a `QuantityScale` places, densities begin right above nothing. Plain value; thread: any.
 class DensityScale
 {
 public:
-    enum class Form
-    {
-        Linear,
-        Logarithmic,
-    };
+    using Form = QuantityScale::Form;
 
     DensityScale() = default;
 

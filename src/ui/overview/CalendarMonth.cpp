@@ -33,7 +33,7 @@ const QLocale& english()
 /// The weekday of a column, 0 to 6.
 int weekdayOf(int column)
 {
-    return (QLocale().firstDayOfWeek() - 1 + column) % DaysPerWeek + 1;
+    return (QLocale::system().firstDayOfWeek() - 1 + column) % DaysPerWeek + 1;
 }
 
 } // namespace
@@ -92,7 +92,7 @@ CalendarMonth::Geometry CalendarMonth::sheet() const
 int CalendarMonth::indexOf(const QDate& day) const
 {
     const int before =
-        (m_month.dayOfWeek() - QLocale().firstDayOfWeek() + DaysPerWeek) % DaysPerWeek;
+        (m_month.dayOfWeek() - QLocale::system().firstDayOfWeek() + DaysPerWeek) % DaysPerWeek;
     return before + day.day() - 1;
 }
 

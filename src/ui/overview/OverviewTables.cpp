@@ -16,20 +16,13 @@ struct Text
     Q_DECLARE_TR_FUNCTIONS(OverviewTables)
 };
 
-double inchesPerUnit(Format::Lengths lengths)
-{
-    constexpr double metre = 100 / 2.54;
-    constexpr double foot = 12;
-    return lengths == Format::Lengths::Metric ? metre : foot;
-}
-
-FiguresModel::Row row(const QVariant& time, const std::function<double(Measure)>& value,
-                      Format::Lengths lengths)
+FiguresModel::Row rowOf(const QVariant& time, const std::function<double(Measure)>& value,
+                        Format::Lengths lengths)
 {
     FiguresModel::Row cells{time};
     for (const Measure measure : Measures::All) {
         const double raw = value(measure);
-        cells.append(measure == Measure::Travel ? QVariant(raw / inchesPerUnit(lengths))
+        cells.append(measure == Measure::Travel ? QVariant(raw / tableUnit(lengths).inches)
                                                 : QVariant(static_cast<qint64>(std::llround(raw))));
     }
     return cells;
@@ -50,23 +43,28 @@ QList<FiguresModel::Column> OverviewTables::columns(const QString& time, Format:
     QList<FiguresModel::Column> columns{FiguresModel::timeColumn(time)};
     for (const Measure measure : Measures::All) {
         const QString name = Measures::quantity(measure, lengths).name;
-        const bool isMetric = lengths == Format::Lengths::Metric;
-        columns.append(measure == Measure::Uptime ? FiguresModel::durationColumn(name)
-                       : measure == Measure::Travel
-                           ? FiguresModel::Column{.header = isMetric
-                                                                ? Text::tr("%1 (m)").arg(name)
-                                                                : Text::tr("%1 (ft)").arg(name),
-                                                  .text = length}
-                           : FiguresModel::countColumn(name));
+        columns.append(
+            measure == Measure::Uptime ? FiguresModel::durationColumn(name)
+            : measure == Measure::Travel
+                ? FiguresModel::Column{.header = Text::tr("%1 (%2)", "a length, its unit")
+                                                     .arg(name, tableUnit(lengths).name),
+                                       .text = length}
+                : FiguresModel::countColumn(name));
     }
     return columns;
+}
+
+FiguresModel::Row OverviewTables::row(const QString& label, const Totals& totals,
+                                      Format::Lengths lengths)
+{
+    return rowOf(label, valuesOf(totals), lengths);
 }
 
 QList<FiguresModel::Row> OverviewTables::days(const QList<DayTotals>& days, Format::Lengths lengths)
 {
     QList<FiguresModel::Row> rows;
     for (const DayTotals& day : days) {
-        rows.append(row(day.day, valuesOf(day.totals), lengths));
+        rows.append(rowOf(day.day, valuesOf(day.totals), lengths));
     }
     return rows;
 }
@@ -76,7 +74,7 @@ QList<FiguresModel::Row> OverviewTables::hours(const QList<HourTotals>& hours,
 {
     QList<FiguresModel::Row> rows;
     for (const HourTotals& hour : hours) {
-        rows.append(row(hour.hour, valuesOf(hour.totals), lengths));
+        rows.append(rowOf(hour.hour, valuesOf(hour.totals), lengths));
     }
     return rows;
 }
@@ -85,9 +83,9 @@ QList<FiguresModel::Row> OverviewTables::totals(const QString& label,
                                                 const OverviewFigures& figures, const QTime& time,
                                                 Format::Lengths lengths)
 {
-    QList<FiguresModel::Row> rows{row(label, valuesOf(figures.totals), lengths)};
+    QList<FiguresModel::Row> rows{row(label, figures.totals, lengths)};
     for (const Baseline& baseline : figures.baselines) {
-        rows.append(row(
+        rows.append(rowOf(
             BaselineText::caption(baseline),
             [&baseline, &time](Measure measure) { return baseline.value(measure, time); },
             lengths));

@@ -11,6 +11,7 @@ namespace OverviewTables {
 /// The columns of the tables below; `time` heads the first.
 QList<FiguresModel::Column> columns(const QString& time, Format::Lengths lengths);
 
+FiguresModel::Row row(const QString& label, const Totals& totals, Format::Lengths lengths);
 QList<FiguresModel::Row> days(const QList<DayTotals>& days, Format::Lengths lengths);
 QList<FiguresModel::Row> hours(const QList<HourTotals>& hours, Format::Lengths lengths);
 

@@ -6,6 +6,7 @@
 #include "ui/Card.h"
 #include "ui/CountsModel.h"
 #include "ui/CourseChart.h"
+#include "ui/FigureRow.h"
 #include "ui/FiguresModel.h"
 #include "ui/Icons.h"
 #include "ui/QueryWorker.h"
@@ -14,8 +15,6 @@
 #include "ui/history/History.h"
 #include "ui/overview/BaselineText.h"
 #include "ui/overview/CalendarMonth.h"
-#include "ui/overview/FigureRow.h"
-#include "ui/overview/FigureTile.h"
 #include "ui/overview/OverviewTables.h"
 #include "ui/overview/UnzurgedPanel.h"
 
@@ -30,6 +29,7 @@
 namespace {
 
 constexpr qint64 LargestInFull = 999'999;
+constexpr int MostComparisons = 2;
 
 QDate monthOf(const QDate& day)
 {
@@ -74,9 +74,7 @@ void OverviewView::buildModels()
     m_totalsTable = new FiguresModel({}, this);
     m_courseTable = new FiguresModel({}, this);
     m_monthTable = new FiguresModel({}, this);
-    m_unzurgedTable = new FiguresModel(
-        {FiguresModel::textColumn(tr("Measure")), FiguresModel::textColumn(tr("Not yet sent"))},
-        this);
+    m_unzurgedTable = new FiguresModel({}, this);
     m_keys = new CountsModel(tr("Key"), tr("Keys"), CountsModel::Shares::Shown, this);
     m_applications =
         new CountsModel(tr("Application"), tr("Keys"), CountsModel::Shares::Shown, this);
@@ -84,7 +82,7 @@ void OverviewView::buildModels()
 
 void OverviewView::buildFigures()
 {
-    auto* row = new FigureRow;
+    auto* row = new FigureRow(MostComparisons);
     for (size_t i = 0; i < m_tiles.size(); ++i) {
         m_tiles.at(i) = row->add(Measures::quantity(Measures::All.at(i), {}).name);
     }
@@ -162,8 +160,13 @@ void OverviewView::buildLists()
 
 void OverviewView::setRates(double keysPerSecond, double clicksPerSecond)
 {
-    m_tiles.at(static_cast<size_t>(Measure::Keys))->setRate(rateText(keysPerSecond));
-    m_tiles.at(static_cast<size_t>(Measure::Clicks))->setRate(rateText(clicksPerSecond));
+    const bool isCounted = inputState() == InputState::Reading;
+    const auto show = [this, isCounted](Measure measure, double perSecond) {
+        m_tiles.at(static_cast<size_t>(measure))
+            ->setRate(isCounted ? rateText(perSecond) : QString());
+    };
+    show(Measure::Keys, keysPerSecond);
+    show(Measure::Clicks, clicksPerSecond);
 }
 
 void OverviewView::refresh()
@@ -198,6 +201,12 @@ Notice::Content OverviewView::emptyNotice() const
                        "days. Choose other days above to look back."),
             .command = {},
             .button = {}};
+}
+
+bool OverviewView::keepsCards() const
+{
+    // The calendar leads to other days, and what is not sent yet is of all days.
+    return !m_figures.firstDay.isNull();
 }
 
 bool OverviewView::display(const OverviewFigures& figures)
@@ -269,24 +278,24 @@ QString OverviewView::comparisonWords(const Baseline& baseline, Measure measure,
     return words;
 }
 
-QList<FigureTile::Comparison> OverviewView::comparisons(Measure measure) const
+QList<FigureTile::Line> OverviewView::comparisons(Measure measure) const
 {
     const Quantity quantity = Measures::quantity(measure, *m_lengths);
     const double value = Measures::value(measure, m_figures.totals);
-    QList<FigureTile::Comparison> comparisons;
+    QList<FigureTile::Line> comparisons;
     for (const Baseline& baseline : m_figures.baselines) {
         comparisons.append(
-            {.change = Change::between(value, baseline.value(measure, m_shownTime)).text(),
-             .caption = BaselineText::caption(baseline),
-             .words = comparisonWords(baseline, measure, m_shownTime)});
+            {.lead = Change::between(value, baseline.value(measure, m_shownTime)).text(),
+             .text = BaselineText::caption(baseline),
+             .inFull = comparisonWords(baseline, measure, m_shownTime)});
     }
     const qsizetype days = m_figures.days.size();
     if (!m_scope.isOneDay() && days > 0) {
         const double mean = value / static_cast<double>(days);
-        comparisons.append({.change = shortText(quantity, mean),
-                            .caption = tr("a day"),
-                            .words = tr("%1 on a mean day (days counted: %2)")
-                                         .arg(quantity.text(mean), Format::count(days))});
+        comparisons.append({.lead = shortText(quantity, mean),
+                            .text = tr("a day"),
+                            .inFull = tr("%1 on a mean day (days counted: %2)")
+                                          .arg(quantity.text(mean), Format::count(days))});
     }
     return comparisons;
 }
@@ -299,7 +308,7 @@ void OverviewView::showFigures()
         const Quantity quantity = Measures::quantity(measure, *m_lengths);
         const double value = Measures::value(measure, m_figures.totals);
         m_tiles.at(i)->setFigure(shortText(quantity, value), quantity.text(value));
-        m_tiles.at(i)->setComparisons(comparisons(measure));
+        m_tiles.at(i)->setLines(comparisons(measure));
     }
     m_figureCard->setTitle(daysTitle());
     m_totalsTable->setRows(OverviewTables::totals(daysTitle(), m_figures, m_shownTime, *m_lengths));
@@ -384,7 +393,7 @@ void OverviewView::stepMonth(int months)
     m_wantedMonth = target;
     context().worker->ask<QList<DayTotals>>(
         objectName() + QStringLiteral("/month"), this,
-        [target, profileId = m_scope.profileId](History& history) {
+        [target, profileId = scope().profileId](History& history) {
             return OverviewFigures::readMonth(history, target, profileId);
         },
         [this, target](const std::optional<QList<DayTotals>>& days) {

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "ui/FigureTile.h"
 #include "ui/View.h"
-#include "ui/overview/FigureTile.h"
 #include "ui/overview/OverviewFigures.h"
 
 #include <array>
@@ -24,12 +24,13 @@ class OverviewView : public View
 public:
     explicit OverviewView(ViewContext context, QWidget* parent = nullptr);
 
-    /// Shows what is being counted right now, where it is not zero.
+    /// Shows what is being done right now, where it is not zero and is counted.
     void setRates(double keysPerSecond, double clicksPerSecond);
 
 protected:
     void refresh() override;
     Notice::Content emptyNotice() const override;
+    bool keepsCards() const override;
 
 private:
     void buildModels();
@@ -48,7 +49,7 @@ private:
     void updateUnits();
     DaySpan shownDays() const;
     QString daysTitle() const;
-    QList<FigureTile::Comparison> comparisons(Measure measure) const;
+    QList<FigureTile::Line> comparisons(Measure measure) const;
     QString comparisonWords(const Baseline& baseline, Measure measure, const QTime& time) const;
 
     OverviewFigures m_figures;

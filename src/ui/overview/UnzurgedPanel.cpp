@@ -6,6 +6,7 @@
 #include "ui/FiguresModel.h"
 #include "ui/Theme.h"
 #include "ui/overview/Measure.h"
+#include "ui/overview/OverviewTables.h"
 
 #include <QEvent>
 #include <QGridLayout>
@@ -64,7 +65,10 @@ void UnzurgedPanel::follow()
     const Totals totals = unzurged();
     const Format::Lengths lengths =
         Format::lengths(Settings::instance().value(SettingsKeys::MouseDistanceSystem));
-    QList<FiguresModel::Row> rows;
+    if (lengths != m_lengths) {
+        m_lengths = lengths;
+        m_model->setColumns(OverviewTables::columns(tr("Counts"), lengths));
+    }
     for (size_t i = 0; i < Measures::All.size(); ++i) {
         const Measure measure = Measures::All.at(i);
         const Quantity quantity = Measures::quantity(measure, lengths);
@@ -73,9 +77,8 @@ void UnzurgedPanel::follow()
         line.name->setText(quantity.name);
         line.value->setText(text);
         line.value->setAccessibleName(QStringLiteral("%1: %2").arg(quantity.name, text));
-        rows.append({quantity.name, text});
     }
-    m_model->setRows(rows);
+    m_model->setRows({OverviewTables::row(tr("Not yet sent"), totals, lengths)});
 }
 
 void UnzurgedPanel::showEvent(QShowEvent* event)

@@ -1,9 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "base/Format.h"
+
 #include <QList>
 #include <QTimer>
 #include <QWidget>
+
+#include <optional>
 
 class FiguresModel;
 class QLabel;
@@ -15,7 +19,7 @@ class UnzurgedPanel : public QWidget
     Q_OBJECT
 
 public:
-    /// Keeps the same figures in `model`, which must live longer, as two columns.
+    /// Keeps the same figures in `model`, which must live longer, as one row.
     explicit UnzurgedPanel(FiguresModel* model, QWidget* parent = nullptr);
 
 protected:
@@ -34,6 +38,7 @@ private:
     void applyTheme();
 
     FiguresModel* m_model;
+    std::optional<Format::Lengths> m_lengths; ///< That the model is in.
     QTimer m_refresh;
     QList<Line> m_lines; ///< In the order of the measures.
     QLabel* m_meaning;

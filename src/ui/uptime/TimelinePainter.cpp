@@ -144,11 +144,11 @@ void TimelinePainter::paintRowLabels()
     }
 }
 
-void TimelinePainter::paintEachPart(void (TimelinePainter::*paint)(int, const SessionPart&))
+void TimelinePainter::paintEachPart(void (TimelinePainter::*step)(int, const SessionPart&))
 {
     for (int row = 0; row < m_plan.laneCount(); ++row) {
         for (const SessionPart& part : m_plan.days().at(row).parts) {
-            (this->*paint)(row, part);
+            (this->*step)(row, part);
         }
     }
 }

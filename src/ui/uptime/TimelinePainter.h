@@ -34,7 +34,7 @@ private:
     void paintRows();
     void paintRowLabels();
     void paintRowHours();
-    void paintEachPart(void (TimelinePainter::*paint)(int, const SessionPart&));
+    void paintEachPart(void (TimelinePainter::*step)(int, const SessionPart&));
     void paintPart(int row, const SessionPart& part);
     void paintPartText(int row, const SessionPart& part);
     void paintGoingOn(const QPointF& tip, const QPointF& across, const QPointF& along);

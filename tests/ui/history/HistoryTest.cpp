@@ -3,6 +3,7 @@
 #include "support/TestRegistry.h"
 #include "ui/history/BootRows.h"
 #include "ui/history/History.h"
+#include "ui/history/HourRows.h"
 
 #include <QTest>
 
@@ -70,6 +71,8 @@ void HistoryTest::countsEachKeyAndClickOnce()
          "('2025-03-03', 10, 'b', 4, 6, 0, 0, 0)");
     const Totals expected{.keys = 10 + 12 + 13, .clicks = 21 + 2 + 11};
     QCOMPARE(m_history->totals(EverythingCounted), std::optional(expected));
+    QCOMPARE(HourRows::keys(m_history->connection(), EverythingCounted),
+             std::optional(expected.keys));
     const Totals atWork{.keys = 12, .clicks = 2};
     QCOMPARE(m_history->totals({.first = Monday, .last = Monday, .profileId = Work}),
              std::optional(atWork));

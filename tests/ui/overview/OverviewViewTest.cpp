@@ -2,12 +2,12 @@
 #include "account/LocalStats.h"
 #include "storage/Settings.h"
 #include "support/TestRegistry.h"
+#include "ui/FigureTile.h"
 #include "ui/HourChart.h"
 #include "ui/QueryWorker.h"
 #include "ui/TimeChart.h"
 #include "ui/UiDatabase.h"
 #include "ui/overview/CalendarMonth.h"
-#include "ui/overview/FigureTile.h"
 #include "ui/overview/OverviewView.h"
 
 #include <QAction>
@@ -32,6 +32,7 @@ private Q_SLOTS:
     void leafsThroughTheMonths();
     void narrowsToADay();
     void saysThatNothingWasCounted();
+    void dropsAnswersForOtherDaysWhileHidden();
     void showsWhatIsNotSent();
 
 private:
@@ -95,7 +96,7 @@ QStringList OverviewViewTest::changes() const
 {
     QStringList words;
     for (const QLabel* label :
-         m_view->findChild<FigureTile*>()->findChildren<QLabel*>(QStringLiteral("change"))) {
+         m_view->findChild<FigureTile*>()->findChildren<QLabel*>(QStringLiteral("lead"))) {
         words.append(label->text());
     }
     return words;
@@ -118,14 +119,15 @@ void OverviewViewTest::comparesTodayWithDaysLikeIt()
     QCOMPARE(figure->toolTip(), QStringLiteral("Keys: 1,150,000"));
     QCOMPARE(changes(), (QStringList{QStringLiteral("▲ +15 %"), QStringLiteral("▼ −54 %")}));
     QVERIFY(copied("figures").contains(QStringLiteral("\n30-day mean\t2,500,000\t")));
-    const QString words = find<QLabel>("change")->accessibleName();
+    const QString words = find<QLabel>("lead")->accessibleName();
     QVERIFY2(words.startsWith(QStringLiteral("15 % more than on ")) &&
                  words.contains(QStringLiteral(": 1,000,000\n")),
              qPrintable(words));
 
     m_view->setRates(3.24, 0);
     QCOMPARE(find<QLabel>("rate")->text(), QStringLiteral("3.2/s"));
-    m_view->setRates(0, 0);
+    m_view->setInputState(InputState::Off);
+    m_view->setRates(3.24, 0);
     QCOMPARE(find<QLabel>("rate")->text(), QString());
 }
 
@@ -139,7 +141,7 @@ void OverviewViewTest::comparesDaysWithThoseBefore()
     m_database->addHour(last.addDays(-14), 9, 7000);
     open(last.addDays(-6), last);
     QCOMPARE(changes(), (QStringList{QStringLiteral("▼ −50 %"), QStringLiteral("40")}));
-    QCOMPARE(find<QLabel>("change")->accessibleName(),
+    QCOMPARE(find<QLabel>("lead")->accessibleName(),
              QStringLiteral("50 % less than from %1 to %2: 160")
                  .arg(Format::day(last.addDays(-13)), Format::day(last.addDays(-7))));
 
@@ -216,12 +218,34 @@ void OverviewViewTest::narrowsToADay()
 
 void OverviewViewTest::saysThatNothingWasCounted()
 {
-    m_database->addHour(m_today.addDays(-1), 9, 5);
     open(m_today, m_today);
     QVERIFY(find<QWidget>("notice")->isVisible());
+    QVERIFY(!find<QWidget>("month")->isVisible());
+    // Once there is anything to look back at, the calendar leads there.
+    m_database->addHour(m_today.addDays(-1), 9, 5);
+    QTRY_VERIFY(find<QWidget>("month")->isVisible());
+    QVERIFY(find<QWidget>("notice")->isVisible());
     m_database->addHour(m_today, 0, 42);
-    QTRY_VERIFY(find<QWidget>("figures")->isVisible());
-    QVERIFY(!find<QWidget>("notice")->isVisible());
+    QTRY_VERIFY(!find<QWidget>("notice")->isVisible());
+    QVERIFY(find<QWidget>("month")->isVisible());
+}
+
+void OverviewViewTest::dropsAnswersForOtherDaysWhileHidden()
+{
+    const QDate day(2025, 3, 3);
+    m_database->addHour(day, 9, 5);
+    m_database->addHour(day.addDays(1), 9, 6);
+    open({2025, 3, 1}, {2025, 3, 2});
+    m_view->setScope({day, day, std::nullopt});
+    m_view->hide();
+    m_view->setScope({day.addDays(1), day.addDays(1), std::nullopt});
+    bool isAnswered = false; // What was asked before is then, too.
+    m_worker->ask<bool>(
+        QStringLiteral("last"), this, [](History&) { return std::optional(true); },
+        [&isAnswered](const std::optional<bool>&) { isAnswered = true; });
+    QTRY_VERIFY(isAnswered);
+    m_view->show();
+    QTRY_COMPARE(find<QLabel>("figure")->toolTip(), QStringLiteral("Keys: 6"));
 }
 
 void OverviewViewTest::showsWhatIsNotSent()
@@ -230,7 +254,7 @@ void OverviewViewTest::showsWhatIsNotSent()
     stats.increaseKeys(41);
     m_database->addHour(m_today, 0, 5);
     open(m_today, m_today);
-    QVERIFY(copied("unzurged").contains(QStringLiteral("\nKeys\t41\n")));
+    QVERIFY(copied("unzurged").contains(QStringLiteral("\nNot yet sent\t41\t")));
     stats.increaseKeys(1);
     QTRY_COMPARE(find<QWidget>("unzurged")->findChild<QLabel*>(QStringLiteral("value"))->text(),
                  QStringLiteral("42"));

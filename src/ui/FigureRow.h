@@ -13,7 +13,8 @@ class FigureRow : public QWidget
     Q_OBJECT
 
 public:
-    explicit FigureRow(QWidget* parent = nullptr);
+    /// Each tile has room for `lines` lines below its figure.
+    explicit FigureRow(int lines, QWidget* parent = nullptr);
 
     /// Adds a tile at the end, which the row owns.
     FigureTile* add(const QString& title);
@@ -26,6 +27,7 @@ protected:
 private:
     void arrange();
 
+    int m_lines;
     QGridLayout* m_grid;
     QList<FigureTile*> m_tiles;
     int m_columns = 0; ///< As last arranged.

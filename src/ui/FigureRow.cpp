@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "ui/overview/FigureRow.h"
+#include "ui/FigureRow.h"
 
+#include "ui/FigureTile.h"
 #include "ui/Theme.h"
-#include "ui/overview/FigureTile.h"
 
 #include <QGridLayout>
 
@@ -14,8 +14,9 @@ constexpr int FewColumns = 3;
 
 } // namespace
 
-FigureRow::FigureRow(QWidget* parent)
+FigureRow::FigureRow(int lines, QWidget* parent)
     : QWidget(parent)
+    , m_lines(lines)
     , m_grid(new QGridLayout(this))
 {
     m_grid->setContentsMargins(0, 0, 0, 0);
@@ -25,7 +26,7 @@ FigureRow::FigureRow(QWidget* parent)
 
 FigureTile* FigureRow::add(const QString& title)
 {
-    auto* tile = new FigureTile(title, this);
+    auto* tile = new FigureTile(title, m_lines, this);
     m_tiles.append(tile);
     m_columns = 0;
     arrange();

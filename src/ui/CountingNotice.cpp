@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "ui/TodayNotice.h"
+#include "ui/CountingNotice.h"
 
 #include <QCoreApplication>
 
@@ -8,23 +8,12 @@ namespace {
 /// Gives the context of the translations.
 struct Text
 {
-    Q_DECLARE_TR_FUNCTIONS(TodayNotice)
+    Q_DECLARE_TR_FUNCTIONS(CountingNotice)
 };
 
 QString grantAccess()
 {
     return QStringLiteral("sudo usermod -aG input $USER");
-}
-
-Notice::Content empty()
-{
-    return {.icon = QStringLiteral("keyboard"),
-            .title = Text::tr("No keys counted yet today"),
-            .text =
-                Text::tr("As you type, this page shows how many keys you press, in which hours, "
-                         "which ones, and in which applications."),
-            .command = {},
-            .button = {}};
 }
 
 Notice::Content noDevices()
@@ -79,7 +68,7 @@ Notice::Content readOnly()
 
 } // namespace
 
-std::optional<Notice::Content> TodayNotice::forState(InputState state, Figures figures)
+std::optional<Notice::Content> CountingNotice::forState(InputState state)
 {
     switch (state) {
     case InputState::Reading:
@@ -95,10 +84,10 @@ std::optional<Notice::Content> TodayNotice::forState(InputState state, Figures f
     case InputState::ReadOnly:
         return readOnly();
     }
-    return figures == Figures::None ? std::optional(empty()) : std::nullopt;
+    return std::nullopt;
 }
 
-Notice::Content TodayNotice::unreadable()
+Notice::Content CountingNotice::unreadable()
 {
     return {.icon = QStringLiteral("warning"),
             .title = Text::tr("The figures cannot be read"),

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "ui/overview/FigureTile.h"
+#include "ui/FigureTile.h"
 
 #include "ui/Theme.h"
 
@@ -33,14 +33,13 @@ QString withSmallUnits(const QString& text)
 
 } // namespace
 
-FigureTile::FigureTile(const QString& title, QWidget* parent)
+FigureTile::FigureTile(const QString& title, int lines, QWidget* parent)
     : QWidget(parent)
-    , m_title(new QLabel(title, this))
+    , m_title(new QLabel(this))
     , m_rate(new QLabel(this))
     , m_figure(new QLabel(this))
 {
     m_rate->setObjectName(QStringLiteral("rate"));
-    m_rate->setToolTip(tr("%1 in the last seconds").arg(title));
     m_figure->setObjectName(QStringLiteral("figure"));
     m_figure->setTextFormat(Qt::RichText);
     m_figure->setTextInteractionFlags(Qt::TextSelectableByMouse);
@@ -55,20 +54,34 @@ FigureTile::FigureTile(const QString& title, QWidget* parent)
     layout->addLayout(head);
     layout->addWidget(m_figure);
     layout->addSpacing(Theme::Rhythm / 2);
-    auto* lines = new QGridLayout;
-    lines->setHorizontalSpacing(Theme::Rhythm);
-    lines->setVerticalSpacing(0);
-    lines->setColumnStretch(1, 1);
-    layout->addLayout(lines);
+    layout->addLayout(linesLayout(lines));
     layout->addStretch();
-    for (int row = 0; row < MostComparisons; ++row) {
-        const Line line{.change = new QLabel(this), .caption = new QLabel(this)};
-        line.change->setObjectName(QStringLiteral("change"));
-        lines->addWidget(line.change, row, 0);
-        lines->addWidget(line.caption, row, 1);
-        m_lines.append(line);
-    }
+    setTitle(title);
     applyTheme();
+}
+
+QLayout* FigureTile::linesLayout(int lines)
+{
+    auto* layout = new QGridLayout;
+    layout->setHorizontalSpacing(Theme::Rhythm);
+    layout->setVerticalSpacing(0);
+    layout->setColumnStretch(1, 1);
+    for (int row = 0; row < lines; ++row) {
+        const Labels labels{.lead = new QLabel(this), .text = new QLabel(this)};
+        labels.lead->setObjectName(QStringLiteral("lead"));
+        // A long remark is cut rather than taking the room of the tiles beside it.
+        labels.text->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+        layout->addWidget(labels.lead, row, 0);
+        layout->addWidget(labels.text, row, 1);
+        m_lines.append(labels);
+    }
+    return layout;
+}
+
+void FigureTile::setTitle(const QString& title)
+{
+    m_title->setText(title);
+    m_rate->setToolTip(tr("%1 in the last seconds").arg(title));
 }
 
 void FigureTile::setFigure(const QString& text, const QString& full)
@@ -82,16 +95,18 @@ void FigureTile::setFigure(const QString& text, const QString& full)
     m_figure->setAccessibleName(named);
 }
 
-void FigureTile::setComparisons(const QList<Comparison>& comparisons)
+void FigureTile::setLines(const QList<Line>& lines)
 {
     for (int i = 0; i < m_lines.size(); ++i) {
-        const Comparison shown = comparisons.value(i);
-        for (QLabel* label : {m_lines.at(i).change, m_lines.at(i).caption}) {
-            label->setToolTip(shown.words);
-            label->setAccessibleName(shown.words);
+        const Line shown = lines.value(i);
+        const Labels& labels = m_lines.at(i);
+        for (QLabel* label : {labels.lead, labels.text}) {
+            label->setToolTip(shown.inFull);
+            label->setAccessibleName(shown.inFull);
         }
-        m_lines.at(i).change->setText(shown.change);
-        m_lines.at(i).caption->setText(shown.caption);
+        labels.lead->setText(shown.lead);
+        labels.lead->setVisible(!shown.lead.isEmpty());
+        labels.text->setText(shown.text);
     }
 }
 
@@ -119,11 +134,11 @@ void FigureTile::applyTheme()
     m_figure->setFont(figure);
     m_figure->setText(withSmallUnits(m_text));
     m_figure->setFixedHeight(QFontMetrics(figure).height());
-    for (const Line& line : std::as_const(m_lines)) {
-        line.change->setFont(caption);
-        line.caption->setFont(caption);
-        line.caption->setPalette(muted);
-        line.change->setFixedHeight(QFontMetrics(caption).height());
+    for (const Labels& labels : std::as_const(m_lines)) {
+        labels.lead->setFont(caption);
+        labels.text->setFont(caption);
+        labels.text->setPalette(muted);
+        labels.text->setFixedHeight(QFontMetrics(caption).height());
     }
     // The widest that is usual, so that tiles do not move as their figures grow.
     setMinimumWidth(std::max(QFontMetrics(figure).horizontalAdvance(QStringLiteral("888,888")),
