@@ -33,7 +33,11 @@ QStringList digests(const QString& directory)
     QStringList digests;
     while (tables.next()) {
         const QString table = tables.value(0).toString();
-        DSqlQuery rows(&database, QStringLiteral("SELECT * FROM ") + table, true);
+        // No two databases bear one stamp.
+        const QString some = table == QStringLiteral("settings")
+                                 ? QStringLiteral(" WHERE name <> 'history_stamp'")
+                                 : QString();
+        DSqlQuery rows(&database, QStringLiteral("SELECT * FROM ") + table + some, true);
         QCryptographicHash hash(QCryptographicHash::Sha256);
         while (rows.next()) {
             for (int i = 0; i < rows.record().count(); ++i) {
@@ -191,7 +195,7 @@ void SyntheticHistoryTest::followsTheRules_data()
          QStringLiteral("mousepoints WHERE x < -1 OR x >= 1 OR y < 0 OR y >= 1 OR "
                         "typeof(x) <> 'real'"));
     none("some points lie on each screen",
-         QStringLiteral("(SELECT 1) WHERE (SELECT COUNT(DISTINCT x > 0) FROM "
+         QStringLiteral("(SELECT 1) WHERE (SELECT COUNT(DISTINCT x >= 0) FROM "
                         "mousepoints) <> 2"));
     none("buttons are stored ones",
          QStringLiteral("mouseclicks_frequency_application WHERE button NOT IN (0, 1, 2, 99)"));
