@@ -30,16 +30,11 @@ const QLocale& english()
     return locale;
 }
 
-/// The weekday of a column, 0 to 6.
-int weekdayOf(int column)
-{
-    return (QLocale::system().firstDayOfWeek() - 1 + column) % DaysPerWeek + 1;
-}
-
 } // namespace
 
-CalendarMonth::CalendarMonth(QWidget* parent)
+CalendarMonth::CalendarMonth(Qt::DayOfWeek weekStart, QWidget* parent)
     : QWidget(parent)
+    , m_weekStart(weekStart)
 {
     setObjectName(QStringLiteral("calendarMonth"));
     setMinimumSize(LeastSize);
@@ -91,8 +86,7 @@ CalendarMonth::Geometry CalendarMonth::sheet() const
 
 int CalendarMonth::indexOf(const QDate& day) const
 {
-    const int before =
-        (m_month.dayOfWeek() - QLocale::system().firstDayOfWeek() + DaysPerWeek) % DaysPerWeek;
+    const int before = (m_month.dayOfWeek() - m_weekStart + DaysPerWeek) % DaysPerWeek;
     return before + day.day() - 1;
 }
 
@@ -275,10 +269,11 @@ void CalendarMonth::paintWeekdays(QPainter& painter) const
     const Geometry geometry = sheet();
     painter.setPen(Theme::colours(palette()).mutedText);
     for (int column = 0; column < DaysPerWeek; ++column) {
+        const int weekday = (m_weekStart - 1 + column) % DaysPerWeek + 1;
         const QRectF area(column * geometry.columnWidth, 0, geometry.columnWidth,
                           geometry.lineHeight);
         painter.drawText(area, Qt::AlignCenter,
-                         english().standaloneDayName(weekdayOf(column), QLocale::ShortFormat));
+                         english().standaloneDayName(weekday, QLocale::ShortFormat));
     }
 }
 

@@ -15,7 +15,8 @@ class CalendarMonth : public QWidget
     Q_OBJECT
 
 public:
-    explicit CalendarMonth(QWidget* parent = nullptr);
+    /// `weekStart` is the day of the first column.
+    explicit CalendarMonth(Qt::DayOfWeek weekStart, QWidget* parent = nullptr);
 
     /// Shows the month of `month`. Days that `values` lacks have none; days after `today` are still
     /// to come.
@@ -70,6 +71,7 @@ private:
     void paintLegend(QPainter& painter) const;
 
     QDate m_month; ///< Its first day.
+    Qt::DayOfWeek m_weekStart;
     QDate m_today;
     QMap<QDate, double> m_values;
     Quantity m_quantity;

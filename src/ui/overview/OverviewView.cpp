@@ -111,7 +111,7 @@ void OverviewView::buildChart()
 
 void OverviewView::buildCalendar()
 {
-    m_calendar = new CalendarMonth;
+    m_calendar = new CalendarMonth(QLocale::system().firstDayOfWeek());
     connect(m_calendar, &CalendarMonth::dayClicked, this,
             [this](const QDate& day) { Q_EMIT daysRequested(day, day); });
     connect(m_calendar, &CalendarMonth::monthStepped, this, &OverviewView::stepMonth);

@@ -2,7 +2,6 @@
 #include "support/TestRegistry.h"
 #include "ui/overview/CalendarMonth.h"
 
-#include <QLocale>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -14,47 +13,40 @@ private Q_SLOTS:
     void findsTheDayUnderThePointer_data();
     void findsTheDayUnderThePointer();
     void movesByKeyboard();
-    void cleanup();
 
 private:
     static constexpr QSize Size{280, 280};
     const QDate m_today{2026, 11, 21};
 };
 
-void CalendarMonthTest::cleanup()
-{
-    QLocale::setDefault(QLocale::system());
-}
-
 void CalendarMonthTest::findsTheDayUnderThePointer_data()
 {
-    QTest::addColumn<QString>("locale");
+    QTest::addColumn<Qt::DayOfWeek>("weekStart");
     QTest::addColumn<int>("column"); // Of the sheet, from 0.
     QTest::addColumn<int>("row");
     QTest::addColumn<int>("day"); // 0 for none.
-    const auto row = [](const char* name, const char* locale, int column, int line, int day) {
-        QTest::newRow(name) << QString::fromLatin1(locale) << column << line << day;
+    const auto row = [](const char* name, Qt::DayOfWeek weekStart, int column, int line, int day) {
+        QTest::newRow(name) << weekStart << column << line << day;
     };
     // 1 November 2026 is a Sunday.
-    row("last of the first week", "de_DE", 6, 0, 1);
-    row("before the month", "de_DE", 5, 0, 0);
-    row("a Monday", "de_DE", 0, 3, 16);
-    row("today", "de_DE", 5, 3, 21);
-    row("to come", "de_DE", 6, 3, 0);
-    row("after the month", "de_DE", 1, 5, 0);
-    row("weeks from Sunday", "en_US", 0, 0, 1);
-    row("a Monday there", "en_US", 1, 2, 16);
-    row("weeks from Saturday", "ar_EG", 1, 0, 1);
+    row("last of the first week", Qt::Monday, 6, 0, 1);
+    row("before the month", Qt::Monday, 5, 0, 0);
+    row("a Monday", Qt::Monday, 0, 3, 16);
+    row("today", Qt::Monday, 5, 3, 21);
+    row("to come", Qt::Monday, 6, 3, 0);
+    row("after the month", Qt::Monday, 1, 5, 0);
+    row("weeks from Sunday", Qt::Sunday, 0, 0, 1);
+    row("a Monday there", Qt::Sunday, 1, 2, 16);
+    row("weeks from Saturday", Qt::Saturday, 1, 0, 1);
 }
 
 void CalendarMonthTest::findsTheDayUnderThePointer()
 {
-    QFETCH(QString, locale);
+    QFETCH(Qt::DayOfWeek, weekStart);
     QFETCH(int, column);
     QFETCH(int, row);
     QFETCH(int, day);
-    QLocale::setDefault(QLocale(locale));
-    CalendarMonth calendar;
+    CalendarMonth calendar(weekStart);
     calendar.resize(Size);
     calendar.setMonth({2026, 11, 1}, {}, {.name = QStringLiteral("Keys")}, m_today);
     const QSignalSpy clicked(&calendar, &CalendarMonth::dayClicked);
@@ -71,7 +63,7 @@ void CalendarMonthTest::findsTheDayUnderThePointer()
 
 void CalendarMonthTest::movesByKeyboard()
 {
-    CalendarMonth calendar;
+    CalendarMonth calendar(Qt::Monday);
     calendar.setMonth({2026, 11, 1}, {{{2026, 11, 14}, 12'403}}, {.name = QStringLiteral("Keys")},
                       m_today);
     calendar.show();
