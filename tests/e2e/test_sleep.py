@@ -61,6 +61,50 @@ class Sleep(DesktopTest):
         self.assertEqual(self.client.query("SELECT MAX(unixepoch(end_time)) - unixepoch('now') > 3000 "
                                            "FROM uptimes"), [(1,)], "the boot lasts until now")
 
+    def test_sleep_ends_the_profile(self):
+        environment = {"DBUS_SYSTEM_BUS_ADDRESS": self.logind.address}
+        process = self.client.start_fully(environment=environment)
+        self.client.wait_for_log("Creating device listener for /dev/input/event0")
+        profile = self.begin_profile("Work")
+        self.keyboard.type("a", "b")
+        time.sleep(0.3)
+        self.logind.prepare_for_sleep(True)
+        self.client.wait_for_log("Resetting to default profile because we're going to sleep")
+        self.assertEqual(self.keys_by_profile(), {profile: 2}, "what was counted until now")
+        self.logind.prepare_for_sleep(False)
+        self.keyboard.type("a")
+        wait_for(lambda: self.keys_by_profile() == {profile: 2, 0: 1}, "a key under no profile")
+        self.assertEqual(self.client.terminate(process), 0)
+
+    def begin_profile(self, name):
+        """Adds a profile by the window's table and counts under it; returns its id."""
+        window = wait_for(lambda: self.desktop.windows("Tallyvane"), "the main window")[0]
+        self.desktop.run("xdotool", "windowactivate", "--sync", window)
+        self.desktop.press("ctrl+6")
+        time.sleep(1)
+        self.press_in_table(window, "Menu", "Down", "Return")
+        wait_for(lambda: self.desktop.windows("^Add profile$"), "the dialog for the name")
+        self.desktop.run("xdotool", "type", name)
+        self.desktop.press("Return")
+        (profile,), = wait_for(
+            lambda: self.client.query("SELECT id FROM profiles WHERE name = ?", name), "the profile")
+        wait_for(lambda: not self.desktop.windows("^Add profile$"), "the end of the dialog")
+        time.sleep(1)
+        self.press_in_table(window, "Return")
+        self.client.wait_for_log(f"Activating profile: {name} with ID: {profile}")
+        return profile
+
+    def press_in_table(self, window, *keys):
+        """Clicks on the second row of the table of profiles, or below the first, and presses KEYS."""
+        self.desktop.run("xdotool", "mousemove", "--window", window, "500", "230", "click", "1")
+        for key in keys:
+            self.desktop.press(key)
+            time.sleep(0.3)
+
+    def keys_by_profile(self):
+        return dict(self.client.query(
+            "SELECT profile_id, SUM(count) FROM keypress_frequency GROUP BY profile_id"))
+
 
 if __name__ == "__main__":
     unittest.main()

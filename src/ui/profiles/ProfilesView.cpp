@@ -173,12 +173,13 @@ void ProfilesView::setProfiles(const QList<ProfileEntry>& profiles)
         return list;
     };
     const bool sameProfiles = ids(profiles) == ids(m_profiles);
+    const int chosenId = chosenProfileId();
     m_profiles = profiles;
     if (!sameProfiles) {
         m_figures.clear();
         askAnew();
     }
-    showProfiles();
+    showProfiles(chosenId);
 }
 
 void ProfilesView::refresh()
@@ -203,15 +204,13 @@ void ProfilesView::refresh()
         },
         [this](const PerProfile& figures) {
             m_figures = figures;
-            showProfiles();
+            showProfiles(chosenProfileId());
             return true;
         });
 }
 
-void ProfilesView::showProfiles()
+void ProfilesView::showProfiles(int chosenId)
 {
-    const ProfileEntry* chosen = chosenProfile();
-    const int chosenId = chosen ? chosen->id : -1;
     QList<FiguresModel::Row> rows;
     int chosenRow = -1;
     for (qsizetype i = 0; i < m_profiles.size(); ++i) {
@@ -233,6 +232,12 @@ const ProfileEntry* ProfilesView::chosenProfile() const
 {
     const int row = m_profilesTable->currentRow();
     return row >= 0 && row < m_profiles.size() ? &m_profiles.at(row) : nullptr;
+}
+
+int ProfilesView::chosenProfileId() const
+{
+    const ProfileEntry* profile = chosenProfile();
+    return profile ? profile->id : -1;
 }
 
 void ProfilesView::followProfile(int)

@@ -52,10 +52,11 @@ private:
 
     void buildProfiles();
     void buildMilestones();
-    void showProfiles();
+    void showProfiles(int chosenId);
     void followProfile(int row);
     void followMilestone(int row);
     const ProfileEntry* chosenProfile() const;
+    int chosenProfileId() const; ///< -1 where none is chosen.
     const MilestoneEntry* chosenMilestone() const;
     void addProfile();
     void renameProfile();

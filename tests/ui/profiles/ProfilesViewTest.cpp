@@ -28,6 +28,7 @@ private Q_SLOTS:
     void showsWhatWasCountedUnderEach();
     void offersWhatCanBeDone_data();
     void offersWhatCanBeDone();
+    void keepsTheProfileChosen();
     void refusesANameAndSaysWhy();
     void deletesOnlyOnceConfirmed_data();
     void deletesOnlyOnceConfirmed();
@@ -46,6 +47,8 @@ private:
 void ProfilesViewTest::init()
 {
     m_database = std::make_unique<UiDatabase>();
+    m_database->addHour(QDate::currentDate(), 0, 41, 7);
+    m_database->addHour(QDate::currentDate().addDays(-400), 0, 1, 7);
     m_worker = std::make_unique<QueryWorker>(m_database->file());
     ViewContext context;
     context.worker = m_worker.get();
@@ -85,8 +88,6 @@ QAction* ProfilesViewTest::action(const char* name) const
 
 void ProfilesViewTest::showsWhatWasCountedUnderEach()
 {
-    m_database->addHour(QDate::currentDate(), 0, 41, 7);
-    m_database->addHour(QDate::currentDate().addDays(-400), 0, 1, 7);
     const auto keys = [this](int row) {
         return table("profiles")->model()->index(row, 2).data().toString();
     };
@@ -112,6 +113,22 @@ void ProfilesViewTest::offersWhatCanBeDone()
     QTEST(action("renameProfile")->isEnabled(), "isOwn");
     QTEST(action("deleteProfile")->isEnabled(), "isOwn");
     QTEST(action("activateProfile")->isEnabled(), "canActivate");
+}
+
+/// Or none, where it is gone: what takes its place was not what the user chose to delete.
+void ProfilesViewTest::keepsTheProfileChosen()
+{
+    const ProfileEntry general{.id = 0, .name = QStringLiteral("General"), .isActive = true};
+    const ProfileEntry games{.id = 9, .name = QStringLiteral("Games")};
+    const ProfileEntry work{.id = 7, .name = QStringLiteral("Work")};
+    table("profiles")->selectRow(1);
+    m_view->setProfiles({general, games, work});
+    const QModelIndexList chosen = table("profiles")->selectionModel()->selectedRows();
+    QCOMPARE(chosen.size(), 1);
+    QCOMPARE(chosen.constFirst().data().toString(), work.name);
+    m_view->setProfiles({general, games});
+    QVERIFY(!table("profiles")->selectionModel()->hasSelection());
+    QVERIFY(!action("deleteProfile")->isEnabled());
 }
 
 void ProfilesViewTest::refusesANameAndSaysWhy()
