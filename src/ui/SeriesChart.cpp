@@ -207,7 +207,7 @@ void SeriesChart::keyPressEvent(QKeyEvent* event)
 {
     const int last = columnCount() - 1;
     const int step = layoutDirection() == Qt::LeftToRight ? 1 : -1;
-    int target = m_current;
+    int target = -1;
     switch (event->key()) {
     case Qt::Key_Left:
         target = std::clamp(m_current - step, 0, std::max(0, last));
