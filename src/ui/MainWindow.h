@@ -5,6 +5,7 @@
 #include "ui/ProfileFilter.h"
 #include "ui/ViewContext.h"
 
+#include <QDate>
 #include <QTimer>
 #include <QWidget>
 

@@ -103,6 +103,13 @@ class Desktop:
         return subprocess.run(["import", "-window", window, "-crop", area, "rgb:-"], check=True,
                               env=os.environ | self.environment, stdout=subprocess.PIPE).stdout
 
+    def press_at(self, window, x, y, *keys):
+        """Clicks on a place of WINDOW, which takes the focus, and presses KEYS."""
+        self.run("xdotool", "mousemove", "--window", window, str(x), str(y), "click", "1")
+        for key in keys:
+            self.press(key)
+            time.sleep(0.3)
+
     def press(self, *keys):
         self.run("xdotool", "key", *keys)
 
@@ -203,6 +210,10 @@ class Client:
         """When the first log line with TEXT was written."""
         line = next(line for line in self.log().splitlines() if text in line)
         return datetime.datetime.fromisoformat(line[:23])
+
+    def keys_by_profile(self):
+        return dict(self.query(
+            "SELECT profile_id, SUM(count) FROM keypress_frequency GROUP BY profile_id"))
 
     def query(self, statement, *values):
         with contextlib.closing(sqlite3.connect(self.data / "tallyvane.db", timeout=PATIENCE)) as database:

@@ -17,22 +17,15 @@ class Profiles(DesktopTest):
         time.sleep(0.5)
 
     def press_in_table(self, *keys):
-        """Clicks below the rows of the table, which takes the focus, and presses KEYS."""
-        self.desktop.run("xdotool", "mousemove", "--window", self.window, "500", "270", "click", "1")
-        for key in keys:
-            self.desktop.press(key)
-            time.sleep(0.3)
+        """Clicks below the rows of the table of profiles, and presses KEYS."""
+        self.desktop.press_at(self.window, 500, 242, *keys)
 
     def dialog(self, title):
         return wait_for(lambda: self.desktop.windows(f"^{title}$"), f"the dialog {title!r}")
 
-    def keys_by_profile(self):
-        return dict(self.client.query(
-            "SELECT profile_id, SUM(count) FROM keypress_frequency GROUP BY profile_id"))
-
     def test_life_of_a_profile(self):
         self.keyboard.type("a")
-        wait_for(lambda: self.keys_by_profile() == {0: 1}, "a key under no profile")
+        wait_for(lambda: self.client.keys_by_profile() == {0: 1}, "a key under no profile")
         self.press_in_table("Menu", "Down", "Return")
         self.dialog("Add profile")
         self.desktop.run("xdotool", "type", "Work")
@@ -43,15 +36,15 @@ class Profiles(DesktopTest):
         self.client.wait_for_log(f"Activating profile: Work with ID: {profile}")
 
         self.keyboard.type("a", "b", "c")
-        wait_for(lambda: self.keys_by_profile() == {0: 1, profile: 3}, "keys under the profile")
+        wait_for(lambda: self.client.keys_by_profile() == {0: 1, profile: 3}, "keys under the profile")
 
         self.press_in_table("ctrl+End", "Menu", "Up", "Return")
         self.dialog("Delete profile")
         self.desktop.press("Tab", "space")
-        wait_for(lambda: self.keys_by_profile() == {0: 4}, "the keys under no profile")
+        wait_for(lambda: self.client.keys_by_profile() == {0: 4}, "the keys under no profile")
         self.assertEqual(self.client.query("SELECT * FROM profiles"), [])
         self.keyboard.type("b")
-        wait_for(lambda: self.keys_by_profile() == {0: 5}, "another key under no profile")
+        wait_for(lambda: self.client.keys_by_profile() == {0: 5}, "another key under no profile")
         self.assertEqual(self.client.terminate(self.process), 0)
         self.assertNotRegex(self.client.log(), r"(?m)^\S+ \S+ (warn|error|fatal) ")
 

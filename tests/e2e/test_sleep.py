@@ -70,10 +70,10 @@ class Sleep(DesktopTest):
         time.sleep(0.3)
         self.logind.prepare_for_sleep(True)
         self.client.wait_for_log("Resetting to default profile because we're going to sleep")
-        self.assertEqual(self.keys_by_profile(), {profile: 2}, "what was counted until now")
+        self.assertEqual(self.client.keys_by_profile(), {profile: 2}, "what was counted until now")
         self.logind.prepare_for_sleep(False)
         self.keyboard.type("a")
-        wait_for(lambda: self.keys_by_profile() == {profile: 2, 0: 1}, "a key under no profile")
+        wait_for(lambda: self.client.keys_by_profile() == {profile: 2, 0: 1}, "a key under no profile")
         self.assertEqual(self.client.terminate(process), 0)
 
     def begin_profile(self, name):
@@ -96,15 +96,7 @@ class Sleep(DesktopTest):
 
     def press_in_table(self, window, *keys):
         """Clicks on the second row of the table of profiles, or below the first, and presses KEYS."""
-        self.desktop.run("xdotool", "mousemove", "--window", window, "500", "230", "click", "1")
-        for key in keys:
-            self.desktop.press(key)
-            time.sleep(0.3)
-
-    def keys_by_profile(self):
-        return dict(self.client.query(
-            "SELECT profile_id, SUM(count) FROM keypress_frequency GROUP BY profile_id"))
-
+        self.desktop.press_at(window, 500, 230, *keys)
 
 if __name__ == "__main__":
     unittest.main()

@@ -43,8 +43,6 @@ void SetupRows::writeSettings(const QDateTime& end)
     m_setting.run(MouseDistanceSystem.name(), "metric");
     m_setting.run(LastPruneMousepoints.name(), stored(end));
     m_setting.run(MainwindowClosingExplained.name(), "1");
-    // A new database gets a random one, and the same plan shall give the same rows.
-    m_setting.run(SettingsKeys::HistoryStamp.name(), stored(end));
     m_lastUpdate.run(stored(end));
     m_ignoredApplication.run("/usr/bin/keepassxc");
     m_ignoredInterface.run("02:42:ac:11:00:02");
