@@ -37,10 +37,10 @@ class MainWindow(DesktopTest):
         wait_for(rollup.exists, "the prepared sums")
         views = [self.press_and_look(f"ctrl+{view}") for view in (2, 3, 4, 5, 6, 1)]
         self.assertEqual(len(set(views)), 6)
-        # The range's button holds the focus; "All time" is the seventh of its menu.
-        self.desktop.press("space")
-        time.sleep(0.5)
-        self.press_and_look(*7 * ["Down"], "Return")
+        before = self.desktop.picture(self.window, TITLE)
+        # The range's button; "All time" is the seventh of its menu.
+        self.desktop.press_at(self.window, 812, 32, *7 * ["Down"], "Return")
+        wait_for(lambda: self.desktop.picture(self.window, TITLE) != before, "other days")
         self.press_and_look("ctrl+5")
         self.press_and_look("alt+Left")
         self.assertEqual(self.client.terminate(self.process), 0)
