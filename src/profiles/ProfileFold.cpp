@@ -113,15 +113,14 @@ public:
 private:
     bool measure()
     {
-        for (const ProfileFold::Table& table : ProfileFold::tables()) {
+        return std::ranges::all_of(ProfileFold::tables(), [this](const ProfileFold::Table& table) {
             const std::optional<Span> span = spanOf(m_connection, table.name);
-            if (!span) {
-                return false;
+            if (span) {
+                m_spans.append(*span);
+                m_total += static_cast<double>(span->size());
             }
-            m_spans.append(*span);
-            m_total += static_cast<double>(span->size());
-        }
-        return true;
+            return span.has_value();
+        });
     }
 
     Result foldTable(const ProfileFold::Table& table, const Span& span)
@@ -134,7 +133,7 @@ private:
         const quint64 step = std::max(RowsPerPiece, span.size() / MostPieces + 1);
         for (quint64 done = 0; done < span.size(); done += step) {
             const quint64 rows = std::min(step, span.size() - done);
-            const qint64 first = static_cast<qint64>(static_cast<quint64>(span.first) + done);
+            const auto first = static_cast<qint64>(static_cast<quint64>(span.first) + done);
             const Span piece{first, static_cast<qint64>(static_cast<quint64>(first) + rows - 1)};
             // Both while the rows are at hand. A row can meet one of the default profile only, so
             // that the order of the pieces makes no difference.

@@ -394,14 +394,13 @@ bool Database::tellCleaned(bool cleaned)
 void Database::lend()
 {
     m_lent = true;
-    DSqlQuery(this, QStringLiteral("PRAGMA busy_timeout = 0"), true);
+    DSqlQuery(this).exec(QStringLiteral("PRAGMA busy_timeout = 0"));
 }
 
 void Database::takeBack()
 {
-    DSqlQuery(this,
-              QStringLiteral("PRAGMA busy_timeout = %1").arg(DatabaseConnection::BusyTimeoutMs),
-              true);
+    DSqlQuery(this).exec(
+        QStringLiteral("PRAGMA busy_timeout = %1").arg(DatabaseConnection::BusyTimeoutMs));
     m_lent = false;
     Q_EMIT takenBack();
 }
