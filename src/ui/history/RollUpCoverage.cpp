@@ -64,11 +64,11 @@ AnswerParts RollUpCoverage::parts(const HistoryScope& scope, const QDate& firstD
             ++missing;
         }
     };
-    for (auto it = pending.crbegin(); it != pending.crend(); ++it) {
-        if (*it >= summed.first && *it <= summed.last) {
-            readAlong(*it);
+    std::for_each(pending.crbegin(), pending.crend(), [&](qint64 day) {
+        if (day >= summed.first && day <= summed.last) {
+            readAlong(day);
         }
-    }
+    });
     const DayRange older = common(asked, {.first = asked.first, .last = from - 1});
     for (qint64 day = older.last; day >= older.first; --day) {
         readAlong(day);

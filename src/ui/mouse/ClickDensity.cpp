@@ -10,6 +10,12 @@
 
 namespace {
 
+/// A place in a vector, from arithmetic in int.
+constexpr size_t indexOf(int place)
+{
+    return static_cast<size_t>(place);
+}
+
 constexpr int Reach = 4; ///< Cells to either side that a click is spread over.
 constexpr double Sigma = 1.3;
 constexpr int Thirds = 3;
@@ -18,8 +24,7 @@ std::array<float, 2 * Reach + 1> gaussian()
 {
     std::array<float, 2 * Reach + 1> weights{};
     for (int i = -Reach; i <= Reach; ++i) {
-        weights.at(static_cast<size_t>(i + Reach)) =
-            static_cast<float>(std::exp(-i * i / (2 * Sigma * Sigma)));
+        weights.at(indexOf(i + Reach)) = static_cast<float>(std::exp(-i * i / (2 * Sigma * Sigma)));
     }
     return weights;
 }
@@ -48,7 +53,7 @@ void spread(const std::vector<float>& from, std::vector<float>& to, const Line& 
         const float sum = std::accumulate(weights.begin() + (low + Reach),
                                           weights.begin() + (high + Reach + 1), 0.0F);
         for (int j = low; j <= high; ++j) {
-            to[cell(i + j)] += clicks * weights[static_cast<size_t>(j + Reach)] / sum;
+            to[cell(i + j)] += clicks * weights[indexOf(j + Reach)] / sum;
         }
     }
 }
@@ -164,8 +169,7 @@ void ClickDensity::addCell(const ClickCell& cell)
     Q_ASSERT(screen != m_screens.end());
     const int column = cell.column - screen->firstCell.x();
     const int row = cell.row - screen->firstCell.y();
-    screen->clicks[static_cast<size_t>(row * screen->size.width() + column)] +=
-        static_cast<float>(cell.count);
+    screen->clicks[indexOf(row * screen->size.width() + column)] += static_cast<float>(cell.count);
     m_clicks += cell.count;
 }
 
@@ -201,7 +205,7 @@ QList<ClickDensity::Region> ClickDensity::regions() const
         eachCell(screen, [&sums, &place](const QPointF& middle, double clicks) {
             const int row = third(middle.y(), place.top(), place.height());
             const int column = third(middle.x(), place.left(), place.width());
-            sums.at(static_cast<size_t>(row * Thirds + column)) += clicks;
+            sums.at(indexOf(row * Thirds + column)) += clicks;
         });
         for (int region = 0; region < Thirds * Thirds; ++region) {
             result.append({.screen = place,

@@ -57,6 +57,7 @@ QImage ClickImage::of(const ClickDensity::Screen& screen, const DensityScale& sc
     const auto width = static_cast<size_t>(screen.size.width());
     QImage image(screen.size * PixelsPerCell, QImage::Format_ARGB32_Premultiplied);
     std::vector<Between> columns;
+    columns.reserve(static_cast<size_t>(image.width()));
     for (int x = 0; x < image.width(); ++x) {
         columns.push_back(between(x, screen.size.width()));
     }
