@@ -215,7 +215,8 @@ void MouseView::showMap(const ClickDensity& density)
     const bool severalScreens = density.screens().size() > 1;
     QList<CountsModel::Row> rows;
     for (const ClickDensity::Region& region : density.regions()) {
-        const QString& name = names.at(static_cast<size_t>(region.row * 3 + region.column));
+        const int place = region.row * 3 + region.column;
+        const QString& name = names.at(static_cast<size_t>(place));
         rows.append({.label = severalScreens
                                   ? tr("%1, %2").arg(ScreenPlaces::name(region.screen), name)
                                   : name,

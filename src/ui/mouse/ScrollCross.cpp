@@ -25,7 +25,7 @@ ScrollCross::ScrollCross(QWidget* parent)
 {
     setObjectName(QStringLiteral("scrollCross"));
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
-    setMinimumSize(sizeHint());
+    setMinimumSize(ScrollCross::sizeHint());
 }
 
 QSize ScrollCross::sizeHint() const

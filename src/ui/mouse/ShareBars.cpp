@@ -95,7 +95,7 @@ void ShareBars::paintRow(QPainter& painter, int row, qint64 largest) const
     painter.drawText(text, Qt::AlignRight | Qt::AlignVCenter, figures(row));
 
     constexpr double rounding = 2;
-    const QRectF track(0, text.bottom() + Theme::Rhythm / 2, width(), BarHeight);
+    const QRectF track(0, text.bottom() + Theme::Rhythm / 2.0, width(), BarHeight);
     QRectF bar = track;
     bar.setWidth(track.width() * static_cast<double>(shown.count) / static_cast<double>(largest));
     painter.setPen(Qt::NoPen);
