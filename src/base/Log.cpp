@@ -9,8 +9,11 @@
 #include <sys/stat.h>
 
 #include <array>
+#include <atomic>
 #include <cstdio>
 #include <memory>
+#include <mutex>
+#include <shared_mutex>
 #include <string>
 #include <vector>
 
@@ -19,8 +22,15 @@ namespace {
 constexpr size_t RotateAtBytes = 5'242'880;
 constexpr size_t OldLogsKept = 3;
 
-/// The logger in use; null before `start` and after `stop`. Set on the main thread while no other
-/// thread runs.
+/// What is logged; off before `start` and after `stop`. Apart from the logger, so that a line below
+/// it costs one read and no lock.
+std::atomic<Log::Level> s_level = Log::Level::Off;
+
+/// Held shared while a line is written, alone while the logger changes: a thread that is about to
+/// end may still log when the main thread closes the file.
+std::shared_mutex s_guard;
+
+/// The logger in use, under `s_guard`; null before `start` and after `stop`.
 std::shared_ptr<spdlog::logger> s_logger;
 
 spdlog::level::level_enum spdlogLevel(Log::Level level)
@@ -116,11 +126,16 @@ void Log::start(const QString& directory)
     } catch (const spdlog::spdlog_ex& exception) {
         failure = exception.what();
     }
-    s_logger = std::make_shared<spdlog::logger>("tallyvane", sinks.begin(), sinks.end());
-    s_logger->set_pattern("%Y-%m-%d %H:%M:%S.%e %v");
-    s_logger->set_level(spdlog::level::info);
+    auto logger = std::make_shared<spdlog::logger>("tallyvane", sinks.begin(), sinks.end());
+    logger->set_pattern("%Y-%m-%d %H:%M:%S.%e %v");
+    logger->set_level(spdlog::level::trace);
     // Line by line: what was written last before a crash is what one wants to read.
-    s_logger->flush_on(spdlog::level::trace);
+    logger->flush_on(spdlog::level::trace);
+    {
+        const std::unique_lock lock(s_guard);
+        s_logger = std::move(logger);
+    }
+    setLevel(Level::Info);
     if (!failure.empty()) {
         warn("Logging to standard error only: {}", failure);
     }
@@ -129,12 +144,14 @@ void Log::start(const QString& directory)
 void Log::stop()
 {
     qInstallMessageHandler(nullptr);
-    flush();
+    setLevel(Level::Off);
+    const std::unique_lock lock(s_guard);
     s_logger.reset();
 }
 
 void Log::flush()
 {
+    const std::shared_lock lock(s_guard);
     if (s_logger) {
         s_logger->flush();
     }
@@ -142,21 +159,16 @@ void Log::flush()
 
 void Log::setLevel(Level level)
 {
-    if (s_logger) {
-        s_logger->set_level(spdlogLevel(level));
-    }
+    s_level.store(level, std::memory_order_relaxed);
 }
 
 bool Log::isEnabled(Level level)
 {
-    return s_logger && s_logger->should_log(spdlogLevel(level));
+    return level >= s_level.load(std::memory_order_relaxed) && level != Level::Off;
 }
 
 void Log::write(Level level, std::string_view line)
 {
-    if (!s_logger) {
-        return;
-    }
     // A line that ends in a line feed is that line, and no second one.
     if (line.ends_with('\n')) {
         line.remove_suffix(1);
@@ -166,7 +178,10 @@ void Log::write(Level level, std::string_view line)
     for (const char character : line) {
         appendEscaped(escaped, character);
     }
-    s_logger->log(spdlogLevel(level), escaped);
+    const std::shared_lock lock(s_guard);
+    if (s_logger) {
+        s_logger->log(spdlogLevel(level), escaped);
+    }
 }
 
 void Log::installQtMessageHandler()

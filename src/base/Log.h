@@ -45,12 +45,14 @@ enum class Level
 /// alone. `directory` must exist. Main thread.
 void start(const QString& directory);
 
-/// Writes out what is held and closes the file. Main thread, when no other thread logs any more.
+/// Writes out what is held and closes the file. Main thread; lines that other threads still log
+/// meanwhile are written whole or not at all.
 void stop();
 
 /// Writes out what is held; for the moments before the process ends without returning.
 void flush();
 
+/// The lowest level that is logged, from the next line on. Between `start` and `stop`.
 void setLevel(Level level);
 bool isEnabled(Level level);
 

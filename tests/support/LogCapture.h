@@ -20,11 +20,7 @@ public:
         (void)m_file.open(QIODevice::ReadOnly);
     }
 
-    ~LogCapture()
-    {
-        Log::setLevel(Log::Level::Info);
-        Log::stop();
-    }
+    ~LogCapture() { Log::stop(); }
 
     LogCapture(const LogCapture&) = delete;
     LogCapture& operator=(const LogCapture&) = delete;
