@@ -3,7 +3,7 @@ find_package(Qt6 6.4 REQUIRED COMPONENTS Test)
 find_package(benchmark REQUIRED)
 
 # The rooms whose tests run more than one thread: what the tsan preset builds and runs.
-set(TALLYVANE_THREADED_ROOMS base profiles storage system stats ui)
+set(TALLYVANE_THREADED_ROOMS base network profiles storage system stats ui)
 
 # tallyvane_tests(ROOM [PART part] [ONE_THREAD] CLASSES test classes... LIBRARIES further libraries...
 #                 SOURCES helper files...)

@@ -3,6 +3,7 @@
 
 #include "base/Utils.h"
 #include "network/Interface.h"
+#include "network/InterfaceBandwidth.h"
 #include "network/IpAddress.h"
 #include "network/NetworkTraffic.h"
 
@@ -24,14 +25,6 @@ struct KeyCombination
     bool command = false;
     bool fn = false;
     int key = 0; ///< A stored key value, see `KeyNames`.
-};
-
-/// Bytes that crossed one interface since the last take.
-struct InterfaceTraffic
-{
-    Interface interface;
-    NetworkTraffic total;    ///< Everything on the wire.
-    NetworkTraffic internet; ///< The part whose remote end lies outside the local networks.
 };
 
 /// One application of the table of known applications.
@@ -99,8 +92,8 @@ public:
     virtual QHash<unsigned short, NetworkTraffic> getPortsBandwidthUDP() = 0;
     virtual QHash<unsigned short, NetworkTraffic> getPortsBandwidthOther() = 0;
     virtual QHash<IpAddress, NetworkTraffic> getIpBandwidth() = 0;
-    virtual QList<InterfaceTraffic> getInterfacesBandwidth() = 0;
-    virtual QList<InterfaceTraffic> getInterfacesCounters() = 0;
+    virtual QList<InterfaceBandwidth> getInterfacesBandwidth() = 0;
+    virtual QList<InterfaceBandwidth> getInterfacesCounters() = 0;
     virtual bool isNetworkTrafficMonitorSupported() = 0;
     virtual void refreshNetworkInterfaces() = 0;
 

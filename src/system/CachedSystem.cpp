@@ -244,12 +244,12 @@ QHash<IpAddress, NetworkTraffic> CachedSystem::getIpBandwidth()
     return m_system->getIpBandwidth();
 }
 
-QList<InterfaceTraffic> CachedSystem::getInterfacesBandwidth()
+QList<InterfaceBandwidth> CachedSystem::getInterfacesBandwidth()
 {
     return m_system->getInterfacesBandwidth();
 }
 
-QList<InterfaceTraffic> CachedSystem::getInterfacesCounters()
+QList<InterfaceBandwidth> CachedSystem::getInterfacesCounters()
 {
     return m_system->getInterfacesCounters();
 }

@@ -257,12 +257,12 @@ QHash<IpAddress, NetworkTraffic> LinuxSystem::getIpBandwidth()
     return {};
 }
 
-QList<InterfaceTraffic> LinuxSystem::getInterfacesBandwidth()
+QList<InterfaceBandwidth> LinuxSystem::getInterfacesBandwidth()
 {
     return {};
 }
 
-QList<InterfaceTraffic> LinuxSystem::getInterfacesCounters()
+QList<InterfaceBandwidth> LinuxSystem::getInterfacesCounters()
 {
     return {};
 }

@@ -70,8 +70,8 @@ public:
     QHash<unsigned short, NetworkTraffic> getPortsBandwidthUDP() override;
     QHash<unsigned short, NetworkTraffic> getPortsBandwidthOther() override;
     QHash<IpAddress, NetworkTraffic> getIpBandwidth() override;
-    QList<InterfaceTraffic> getInterfacesBandwidth() override;
-    QList<InterfaceTraffic> getInterfacesCounters() override;
+    QList<InterfaceBandwidth> getInterfacesBandwidth() override;
+    QList<InterfaceBandwidth> getInterfacesCounters() override;
     bool isNetworkTrafficMonitorSupported() override;
     void refreshNetworkInterfaces() override;
 

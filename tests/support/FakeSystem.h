@@ -113,9 +113,9 @@ public:
 
     QHash<IpAddress, NetworkTraffic> getIpBandwidth() override { return {}; }
 
-    QList<InterfaceTraffic> getInterfacesBandwidth() override { return {}; }
+    QList<InterfaceBandwidth> getInterfacesBandwidth() override { return {}; }
 
-    QList<InterfaceTraffic> getInterfacesCounters() override { return {}; }
+    QList<InterfaceBandwidth> getInterfacesCounters() override { return {}; }
 
     bool isNetworkTrafficMonitorSupported() override { return false; }
 
