@@ -35,6 +35,7 @@ public:
 
     /// True once it was stopped or has failed.
     bool hasEnded() const;
+
     bool isCapturing() const { return isRunning() && !hasEnded(); }
 
     const Interface& interface() const { return m_interface; }
@@ -58,7 +59,9 @@ private:
     static void packetCallback(unsigned char* thread, const pcap_pkthdr* header,
                                const unsigned char* frame);
     void handlePacket(const pcap_pkthdr& header, const unsigned char* frame);
+
     bool canContinue() const { return !hasEnded(); }
+
     void capture();
     void close();
 

@@ -35,8 +35,8 @@ bool isUnsupported(const QString& text)
 
 bool isWireless(const QString& description)
 {
-    return containsAny(description, {QLatin1String("wireless"), QLatin1String("wlan"),
-                                     QLatin1String("54MBps")});
+    return containsAny(description,
+                       {QLatin1String("wireless"), QLatin1String("wlan"), QLatin1String("54MBps")});
 }
 
 /// What the rules call the description.

@@ -14,9 +14,9 @@
 struct SystemInterface
 {
     QString name = {};
-    int index = 0;               ///< The kernel's; 0 where unknown.
-    QString hardwareAddress;     ///< Empty where the interface has none.
-    QStringList addresses = {};  ///< As text, without scope or prefix length.
+    int index = 0;              ///< The kernel's; 0 where unknown.
+    QString hardwareAddress;    ///< Empty where the interface has none.
+    QStringList addresses = {}; ///< As text, without scope or prefix length.
     bool isLoopback = false;
     bool isUp = true;
 };

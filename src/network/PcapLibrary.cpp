@@ -18,6 +18,7 @@ decltype(&pcap_set_snaplen) w_pcap_set_snaplen = nullptr;
 decltype(&pcap_set_promisc) w_pcap_set_promisc = nullptr;
 decltype(&pcap_set_timeout) w_pcap_set_timeout = nullptr;
 decltype(&pcap_activate) w_pcap_activate = nullptr;
+
 // NOLINTEND(readability-identifier-naming)
 
 PcapLibrary::PcapLibrary(const QString& name)
@@ -54,8 +55,8 @@ bool PcapLibrary::resolveAll()
     bool complete = true;
     const auto resolve = [this, &complete]<typename Function>(Function& pointer,
                                                               const char* symbol) {
-        pointer = m_library.isLoaded() ? reinterpret_cast<Function>(m_library.resolve(symbol))
-                                       : nullptr;
+        pointer =
+            m_library.isLoaded() ? reinterpret_cast<Function>(m_library.resolve(symbol)) : nullptr;
         complete = complete && pointer;
     };
     resolve(w_pcap_findalldevs, "pcap_findalldevs");

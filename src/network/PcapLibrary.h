@@ -23,6 +23,7 @@ extern decltype(&pcap_set_snaplen) w_pcap_set_snaplen;
 extern decltype(&pcap_set_promisc) w_pcap_set_promisc;
 extern decltype(&pcap_set_timeout) w_pcap_set_timeout;
 extern decltype(&pcap_activate) w_pcap_activate;
+
 // NOLINTEND(readability-identifier-naming)
 
 /// libpcap as it is installed, opened for the life of the process. Thread: main.
@@ -34,6 +35,7 @@ public:
     explicit PcapLibrary(const QString& name);
 
     bool isComplete() const { return m_isComplete; } ///< Every pointer above can be called.
+
     const QString& error() const { return m_error; } ///< The loader's text; empty where complete.
 
 private:

@@ -109,9 +109,7 @@ void PcapNetworkTrafficMonitor::refresh()
     for (const CaptureDevice& device : findAllDevices(*devices, systemInterfaces(), level)) {
         const QString& name = device.interface.name;
         const Sighting sighting = known.contains(name) ? Sighting::Again : Sighting::First;
-        Log::info(sighting == Sighting::First ? "Found new interface: {}"
-                                              : "Found old interface: {}",
-                  name);
+        Log::info("Found {} interface: {}", sighting == Sighting::First ? "new" : "old", name);
         m_interfaces.insert(name, device.interface);
         follow(device, sighting, addresses);
     }
@@ -135,10 +133,8 @@ void PcapNetworkTrafficMonitor::follow(const CaptureDevice& device, Sighting sig
     }
     stopThread(interface.name);
     if (device.isUp) {
-        Log::info(sighting == Sighting::First
-                      ? "Starting PcapNetworkTrafficMonitor for interface {}"
-                      : "Restarting PcapNetworkTrafficMonitor for interface {}",
-                  interface.name);
+        Log::info("{} PcapNetworkTrafficMonitor for interface {}",
+                  sighting == Sighting::First ? "Starting" : "Restarting", interface.name);
         startThread(interface, localAddresses);
     }
 }
@@ -182,9 +178,9 @@ void PcapNetworkTrafficMonitor::stopAllThreads()
 /// Only the main thread changes the list, so it needs no lock to read it.
 PCapInterfaceThread* PcapNetworkTrafficMonitor::threadOf(const QString& name) const
 {
-    const auto found = std::find_if(
-        m_threads.cbegin(), m_threads.cend(),
-        [&name](const auto& thread) { return thread->interface().name == name; });
+    const auto found =
+        std::find_if(m_threads.cbegin(), m_threads.cend(),
+                     [&name](const auto& thread) { return thread->interface().name == name; });
     return found == m_threads.cend() ? nullptr : found->get();
 }
 

@@ -33,7 +33,9 @@ public:
 
     /// What was captured until then can still be taken.
     void stop() override;
+
     bool isRunning() const override { return m_isRunning; }
+
     bool isSupported() const override { return m_isSupported; }
 
     /// Ends the threads of interfaces that went, were switched off or replaced, and starts those of

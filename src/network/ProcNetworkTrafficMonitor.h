@@ -25,6 +25,7 @@ public:
     void stop() override {}
 
     bool isRunning() const override { return m_isSupported; }
+
     bool isSupported() const override { return m_isSupported; }
 
     void updateNetworkDevices() override {}
@@ -32,10 +33,15 @@ public:
     int countThreads() const override { return 0; }
 
     PortTraffic getPortsBandwidth() override { return {}; }
+
     PortTraffic getPortsBandwidthTCP() override { return {}; }
+
     PortTraffic getPortsBandwidthUDP() override { return {}; }
+
     PortTraffic getPortsBandwidthOther() override { return {}; }
+
     AddressTraffic getIpBandwidth() override { return {}; }
+
     QList<InterfaceBandwidth> getInterfacesBandwidth() override { return {}; }
 
     /// One for each interface there is, less the twentieth part. Nothing for one that was not there
