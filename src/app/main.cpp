@@ -2,6 +2,7 @@
 #include "app/Application.h"
 #include "app/CommandLine.h"
 #include "app/QtSingleApplication.h"
+#include "app/SecureExecution.h"
 #include "base/Log.h"
 #include "base/SnapStandardPaths.h"
 #include "base/Version.h"
@@ -163,6 +164,7 @@ int run(QtSingleApplication& single, const CommandLine& commandLine)
 
 int main(int argc, char** argv)
 {
+    SecureExecution::refuseForeignPlugins(argc, argv);
     qputenv("QT_BEARER_POLL_TIMEOUT", "-1");
     allowHelpWithoutDisplay(std::span(argv, static_cast<size_t>(argc)));
     QtSingleApplication single(QStringLiteral("tallyvane_instance_check"), argc, argv);
