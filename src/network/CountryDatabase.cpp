@@ -6,9 +6,8 @@
 #include <QFile>
 #include <QFileInfo>
 
-#include <maxminddb.h>
-
 #include <arpa/inet.h>
+#include <maxminddb.h>
 #include <netinet/in.h>
 #include <sys/mman.h>
 
