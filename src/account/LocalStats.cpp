@@ -165,6 +165,18 @@ void LocalStats::increaseAppUptime(const QString& path, int seconds, const QDate
     increaseApp(path, &UnzurgedCounts::uptime, amount(seconds * msecsPerSecond));
 }
 
+void LocalStats::increaseBandwidth(quint64 download, quint64 upload)
+{
+    increase(&UnzurgedCounts::download, download);
+    increase(&UnzurgedCounts::upload, upload);
+}
+
+void LocalStats::increaseAppBandwidth(const QString& path, quint64 download, quint64 upload)
+{
+    increaseApp(path, &UnzurgedCounts::download, download);
+    increaseApp(path, &UnzurgedCounts::upload, upload);
+}
+
 const UnzurgedCounts& LocalStats::unzurged() const
 {
     return m_state.totals;

@@ -59,6 +59,10 @@ public:
     void increaseDistanceInches(quint64 inches);
     void increaseAppDistanceInches(const QString& path, quint64 inches);
     void increaseUptime(qint64 msecs);
+    void increaseBandwidth(quint64 download,
+                           quint64 upload); ///< Bytes that left the local network.
+    void increaseAppBandwidth(const QString& path, quint64 download,
+                              quint64 upload); ///< All bytes.
 
     /// The application was in front for so long. `time`, the end of that interval, is not kept: a
     /// sum has no use for it.

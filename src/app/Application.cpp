@@ -162,7 +162,7 @@ void Application::prepareCounting()
     m_system = std::make_unique<CachedSystem>(std::move(system));
     watchForSleep();
     QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/tallyvane-logo.ico")));
-    AllStats::addTo(*m_collector, m_system.get(), this);
+    AllStats::addTo(*m_collector, m_system.get(), m_liveRates, this);
     m_counting = new CountingSwitch(*m_database, *m_collector, *m_system, this);
     connect(m_counting, &CountingSwitch::pausedChanged, this, &Application::refreshTrayIcon);
 }

@@ -8,4 +8,11 @@ struct NetworkTraffic
 {
     quint64 download = 0; ///< Bytes towards this machine, as captured on the wire.
     quint64 upload = 0;   ///< Bytes from this machine.
+
+    NetworkTraffic& operator+=(const NetworkTraffic& other)
+    {
+        download += other.download;
+        upload += other.upload;
+        return *this;
+    }
 };

@@ -1,19 +1,24 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "stats/AllStats.h"
 
+#include "stats/ApplicationBandwidthStat.h"
 #include "stats/ApplicationUptimeStat.h"
 #include "stats/ApplicationsStat.h"
 #include "stats/BootTimeStat.h"
 #include "stats/Collector.h"
+#include "stats/InterfaceBandwidthStat.h"
 #include "stats/KeypressesStat.h"
+#include "stats/LiveRates.h"
 #include "stats/MouseClicksStat.h"
 #include "stats/MouseDistanceStat.h"
 #include "stats/MouseScrollsStat.h"
+#include "stats/ProtocolBandwidthStat.h"
 #include "stats/StatSwitches.h"
 #include "stats/UptimeStat.h"
 #include "storage/Settings.h"
 
-void AllStats::addTo(Collector& collector, AbstractSystem* system, QObject* parent)
+void AllStats::addTo(Collector& collector, AbstractSystem* system, LiveRates& rates,
+                     QObject* parent)
 {
     collector.addStat(new ApplicationsStat(system, parent));
     collector.addStat(new KeypressesStat(system, parent));
@@ -21,6 +26,13 @@ void AllStats::addTo(Collector& collector, AbstractSystem* system, QObject* pare
     collector.addStat(new BootTimeStat(system, parent));
     collector.addStat(new UptimeStat(system, parent));
     collector.addStat(new ApplicationUptimeStat(system, parent));
+    auto* interfaces = new InterfaceBandwidthStat(system, parent);
+    QObject::connect(
+        interfaces, &InterfaceBandwidthStat::trafficTaken, interfaces,
+        [&rates](quint64 download, quint64 upload) { rates.noteTraffic(download, upload); });
+    collector.addStat(interfaces);
+    collector.addStat(new ApplicationBandwidthStat(system, parent));
+    collector.addStat(new ProtocolBandwidthStat(system, parent));
     collector.addStat(new MouseScrollsStat(system, parent));
     collector.addStat(new MouseDistanceStat(system, parent));
 }

@@ -13,3 +13,10 @@ void CountedRow::add(Values updateValues, Values insertValues)
         m_insert.run(insertValues);
     }
 }
+
+void CountedRow::createThenAdd(Values insertValues, Values updateValues)
+{
+    if (m_insert.run(insertValues)) {
+        m_update.run(updateValues);
+    }
+}

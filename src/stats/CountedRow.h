@@ -15,6 +15,9 @@ public:
     /// Updates the row, and inserts it where the update found none. The database must be open.
     void add(Values updateValues, Values insertValues);
 
+    /// Inserts the row, which leaves one that exists as it is, and then updates it.
+    void createThenAdd(Values insertValues, Values updateValues);
+
 private:
     PreparedStatement m_update;
     PreparedStatement m_insert;

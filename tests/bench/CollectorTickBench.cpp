@@ -10,6 +10,7 @@
 #include "profiles/ProfileManager.h"
 #include "stats/AllStats.h"
 #include "stats/Collector.h"
+#include "stats/LiveRates.h"
 #include "stats/Stat.h"
 #include "support/FakeSystem.h"
 #include "support/TestDatabase.h"
@@ -41,7 +42,7 @@ struct Client
         for (int i = 0; i < Applications; ++i) {
             system.runningApplications << QStringLiteral("/usr/bin/application%1").arg(i);
         }
-        AllStats::addTo(collector, &system, &owner);
+        AllStats::addTo(collector, &system, rates, &owner);
         for (Stat* stat : owner.findChildren<Stat*>()) {
             stat->setPerApplication(true);
             stat->setEnabled(true);
@@ -64,6 +65,7 @@ struct Client
     LocalStats totals;
     ProfileManager profiles;
     FakeSystem system;
+    LiveRates rates;
     QObject owner;
     Collector collector{nullptr};
     QDateTime now = QDateTime::currentDateTime();

@@ -2,6 +2,7 @@
 #include "Client.h"
 #include "stats/AllStats.h"
 #include "stats/Collector.h"
+#include "stats/LiveRates.h"
 #include "stats/Stat.h"
 #include "stats/StatSwitches.h"
 #include "support/TestRegistry.h"
@@ -102,8 +103,9 @@ void StatSwitchesTest::switchesEveryStatistic()
 {
     Client client;
     Collector collector(nullptr);
+    LiveRates rates;
     QObject parent;
-    AllStats::addTo(collector, &client.system, &parent);
+    AllStats::addTo(collector, &client.system, rates, &parent);
     const auto running = [&parent] {
         QStringList names;
         for (const Stat* stat : parent.findChildren<Stat*>()) {
@@ -117,10 +119,13 @@ void StatSwitchesTest::switchesEveryStatistic()
     AllStats::followSettings(collector, true);
     QCOMPARE(running(), QStringLiteral("ApplicationsStat KeypressesStat MouseClicksStat "
                                        "BootTimeStat UptimeStat ApplicationUptimeStat "
+                                       "InterfaceBandwidthStat ApplicationBandwidthStat "
+                                       "ProtocolBandwidthStat "
                                        "MouseScrollsStat MouseDistanceStat"));
     AllStats::followSettings(collector, false);
     QCOMPARE(running(), QString());
     QCOMPARE(client.system.inputHolders, 0);
+    QCOMPARE(client.system.networkHolders, 0);
 }
 
 REGISTER_TEST(StatSwitchesTest);

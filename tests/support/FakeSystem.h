@@ -3,6 +3,7 @@
 
 #include "system/AbstractSystem.h"
 
+#include <set>
 #include <utility>
 
 /// A machine that a test sets up: what is put into its public members comes out of its operations,
@@ -19,10 +20,19 @@ public:
     QString activeApplication;
     QStringList runningApplications;
     QSet<QString> excludedApplications;
+    QSet<QString> excludedInterfaces; ///< By MAC address.
     QDateTime bootTime;
     bool fullscreen = false;
     int inputHolders = 0; ///< Acquired and not yet released.
     int networkHolders = 0;
+    QHash<unsigned short, NetworkTraffic> localPorts;
+    QHash<Utils::TrafficType, QHash<unsigned short, NetworkTraffic>> remotePorts;
+    QHash<IpAddress, NetworkTraffic> addresses;
+    QList<InterfaceBandwidth> interfaces;
+    QList<InterfaceBandwidth> counters;
+    QHash<unsigned short, QString> portOwners;
+    QList<QSet<unsigned short>> askedPorts; ///< For whose owners it was asked.
+    std::set<std::pair<int, Utils::TrafficType>> knownPorts;
 
     QString getHostName() override { return {}; }
 
@@ -79,7 +89,13 @@ public:
         return getApplicationName(path);
     }
 
-    QHash<unsigned short, QString> getApplicationPorts(QSet<unsigned short>) override { return {}; }
+    QHash<unsigned short, QString> getApplicationPorts(QSet<unsigned short> ports) override
+    {
+        askedPorts << ports;
+        QHash<unsigned short, QString> owners = portOwners;
+        owners.removeIf([&ports](const auto& owner) { return !ports.contains(owner.key()); });
+        return owners;
+    }
 
     QString getActiveApplicationPath() override { return activeApplication; }
 
@@ -103,19 +119,40 @@ public:
 
     QList<KnownApplication> getApplicationDatabase() override { return {}; }
 
-    QHash<unsigned short, NetworkTraffic> getPortsBandwidth() override { return {}; }
+    QHash<unsigned short, NetworkTraffic> getPortsBandwidth() override
+    {
+        return std::exchange(localPorts, {});
+    }
 
-    QHash<unsigned short, NetworkTraffic> getPortsBandwidthTCP() override { return {}; }
+    QHash<unsigned short, NetworkTraffic> getPortsBandwidthTCP() override
+    {
+        return remotePorts.take(Utils::TrafficType::Tcp);
+    }
 
-    QHash<unsigned short, NetworkTraffic> getPortsBandwidthUDP() override { return {}; }
+    QHash<unsigned short, NetworkTraffic> getPortsBandwidthUDP() override
+    {
+        return remotePorts.take(Utils::TrafficType::Udp);
+    }
 
-    QHash<unsigned short, NetworkTraffic> getPortsBandwidthOther() override { return {}; }
+    QHash<unsigned short, NetworkTraffic> getPortsBandwidthOther() override
+    {
+        return remotePorts.take(Utils::TrafficType::Other);
+    }
 
-    QHash<IpAddress, NetworkTraffic> getIpBandwidth() override { return {}; }
+    QHash<IpAddress, NetworkTraffic> getIpBandwidth() override
+    {
+        return std::exchange(addresses, {});
+    }
 
-    QList<InterfaceBandwidth> getInterfacesBandwidth() override { return {}; }
+    QList<InterfaceBandwidth> getInterfacesBandwidth() override
+    {
+        return std::exchange(interfaces, {});
+    }
 
-    QList<InterfaceBandwidth> getInterfacesCounters() override { return {}; }
+    QList<InterfaceBandwidth> getInterfacesCounters() override
+    {
+        return std::exchange(counters, {});
+    }
 
     bool isNetworkTrafficMonitorSupported() override { return false; }
 
@@ -150,7 +187,10 @@ public:
         excludedApplications.remove(path);
     }
 
-    bool shouldExcludeNICForStats(QString) override { return false; }
+    bool shouldExcludeNICForStats(QString macAddress) override
+    {
+        return excludedInterfaces.contains(macAddress);
+    }
 
     void addExcludedNICForStats(QString) override {}
 
@@ -160,5 +200,8 @@ public:
 
     void initNetworkPortDescriptions() override {}
 
-    bool isKnownNetworkPort(int, Utils::TrafficType) override { return false; }
+    bool isKnownNetworkPort(int port, Utils::TrafficType type) override
+    {
+        return knownPorts.contains({port, type});
+    }
 };
