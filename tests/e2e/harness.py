@@ -47,10 +47,10 @@ def need(*programs):
 class Desktop:
     """An X server with a window manager and a system tray."""
 
-    def __init__(self, tray=True, size="1280x800"):
+    def __init__(self, tray=True, size="1280x800", options=()):
         need("Xvfb", "openbox", "trayer", "xdotool")
         self.processes = []
-        self.display = self._start_server(size)
+        self.display = self._start_server(size, options)
         self.environment = {"DISPLAY": self.display, "XDG_SESSION_TYPE": "x11"}
         self._start("openbox")
         wait_for(lambda: self._root_property("_NET_SUPPORTING_WM_CHECK"), "the window manager")
@@ -60,10 +60,10 @@ class Desktop:
                      and self.run("xdotool", "search", "--class", "trayer"), "the tray")
         self.has_tray = tray
 
-    def _start_server(self, size):
+    def _start_server(self, size, options):
         read_end, write_end = os.pipe()
         server = subprocess.Popen(["Xvfb", "-displayfd", str(write_end), "-screen", "0", f"{size}x24",
-                                   "-nolisten", "tcp", "-noreset"], pass_fds=[write_end],
+                                   "-nolisten", "tcp", "-noreset", *options], pass_fds=[write_end],
                                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         os.close(write_end)
         self.server = server
