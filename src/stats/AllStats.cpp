@@ -6,6 +6,7 @@
 #include "stats/ApplicationsStat.h"
 #include "stats/BootTimeStat.h"
 #include "stats/Collector.h"
+#include "stats/CountryBandwidthStat.h"
 #include "stats/InterfaceBandwidthStat.h"
 #include "stats/KeypressesStat.h"
 #include "stats/LiveRates.h"
@@ -33,6 +34,7 @@ void AllStats::addTo(Collector& collector, AbstractSystem* system, LiveRates& ra
     collector.addStat(interfaces);
     collector.addStat(new ApplicationBandwidthStat(system, parent));
     collector.addStat(new ProtocolBandwidthStat(system, parent));
+    collector.addStat(new CountryBandwidthStat(system, parent));
     collector.addStat(new MouseScrollsStat(system, parent));
     collector.addStat(new MouseDistanceStat(system, parent));
 }

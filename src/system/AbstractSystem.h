@@ -101,7 +101,7 @@ public:
     virtual void onSystemResume() = 0;
     virtual void stop() = 0; ///< Stops listeners and capture, and waits until their threads ended.
 
-    virtual void acquireNetworkTrafficMonitor() = 0;
+    virtual void acquireNetworkTrafficMonitor() = 0; ///< Counted, as the next.
     virtual void releaseNetworkTrafficMonitor() = 0;
     virtual void acquireInputMonitor() = 0; ///< Counted: reading lasts until each holder released.
     virtual void releaseInputMonitor() = 0;

@@ -5,6 +5,21 @@
 #include "storage/DSqlQuery.h"
 #include "system/LinuxSystem.h"
 
+namespace {
+
+/// Counts one holder less; true where that was the last one.
+bool releasesLast(int& holders, const char* what)
+{
+    if (holders == 0) {
+        // After `stop`, the holders that were left release what they no longer hold.
+        Log::debug("The {} was released by no holder", what);
+        return false;
+    }
+    return --holders == 0;
+}
+
+} // namespace
+
 std::unique_ptr<CommonSystem>
 CommonSystem::createPlatformSpecificSystem(Database* database, AbstractSystemListener* listener,
                                            const SystemPlaces& places)
@@ -57,6 +72,24 @@ void CommonSystem::stop()
         m_inputHolders = 0;
         stopInputMonitor();
     }
+    if (m_networkHolders > 0) {
+        m_networkHolders = 0;
+        stopNetworkTrafficMonitor();
+    }
+}
+
+void CommonSystem::acquireNetworkTrafficMonitor()
+{
+    if (m_networkHolders++ == 0) {
+        startNetworkTrafficMonitor();
+    }
+}
+
+void CommonSystem::releaseNetworkTrafficMonitor()
+{
+    if (releasesLast(m_networkHolders, "network traffic monitor")) {
+        stopNetworkTrafficMonitor();
+    }
 }
 
 void CommonSystem::acquireInputMonitor()
@@ -68,12 +101,7 @@ void CommonSystem::acquireInputMonitor()
 
 void CommonSystem::releaseInputMonitor()
 {
-    if (m_inputHolders == 0) {
-        // After `stop`, the holders that were left release what they no longer hold.
-        Log::debug("The input monitor was released by no holder");
-        return;
-    }
-    if (--m_inputHolders == 0) {
+    if (releasesLast(m_inputHolders, "input monitor")) {
         stopInputMonitor();
     }
 }

@@ -10,9 +10,11 @@
 class AbstractSystemListener;
 class Database;
 class PowerMonitor;
+struct CaptureState;
 
-/// What the probes of all platforms share: the exclusions, the known applications, the count of
-/// those who hold the input monitor, and the receiver of input activity. Thread: main.
+/// What the probes of all platforms share: the exclusions, the known applications, the counts of
+/// those who hold the input monitor and the network traffic monitor, and the receiver of input
+/// activity. Thread: main.
 class CommonSystem : public AbstractSystem
 {
 public:
@@ -31,6 +33,9 @@ public:
     /// here.
     virtual PowerMonitor* powerMonitor() = 0;
 
+    /// How the network is watched, or would be once a statistic asks for it.
+    virtual CaptureState captureState() const = 0;
+
     /// Reads both exclusion tables again, after the database was cleaned or replaced.
     void reloadExclusions();
 
@@ -39,6 +44,8 @@ public:
 
     QList<KnownApplication> getApplicationDatabase() override;
     void stop() override;
+    void acquireNetworkTrafficMonitor() override;
+    void releaseNetworkTrafficMonitor() override;
     void acquireInputMonitor() override;
     void releaseInputMonitor() override;
     bool shouldExcludeApplicationForStats(QString path) override;
@@ -52,6 +59,8 @@ protected:
     /// Called when the first holder comes, and when the last one goes.
     virtual void startInputMonitor() = 0;
     virtual void stopInputMonitor() = 0;
+    virtual void startNetworkTrafficMonitor() = 0;
+    virtual void stopNetworkTrafficMonitor() = 0;
 
 private:
     Database* m_database;
@@ -59,4 +68,5 @@ private:
     ExclusionList m_excludedApplications;
     ExclusionList m_excludedInterfaces;
     int m_inputHolders = 0;
+    int m_networkHolders = 0;
 };

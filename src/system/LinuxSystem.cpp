@@ -2,7 +2,10 @@
 #include "system/LinuxSystem.h"
 
 #include "base/SnapStandardPaths.h"
+#include "network/NetworkCapture.h"
 #include "network/NetworkInterfaces.h"
+#include "network/NetworkPorts.h"
+#include "network/SocketOwners.h"
 #include "system/BootTime.h"
 #include "system/DesktopEntries.h"
 #include "system/Hardware.h"
@@ -42,6 +45,9 @@ LinuxSystem::LinuxSystem(Database* database, const SystemPlaces& places)
     , m_internet(std::make_unique<InternetAvailability>())
     , m_mouseTravel(std::make_unique<MouseTravel>(&Utils::detectSystemDPI))
     , m_power(std::make_unique<PowerMonitor>())
+    , m_capture(std::make_unique<NetworkCapture>(places.root))
+    , m_socketOwners(std::make_unique<SocketOwners>(places.root))
+    , m_networkPorts(std::make_unique<NetworkPorts>())
 {
 }
 
@@ -55,6 +61,11 @@ QString LinuxSystem::getProcessPath(qint64 processId) const
 PowerMonitor* LinuxSystem::powerMonitor()
 {
     return m_power.get();
+}
+
+CaptureState LinuxSystem::captureState() const
+{
+    return m_capture->state();
 }
 
 QString LinuxSystem::getHostName()
@@ -223,78 +234,79 @@ bool LinuxSystem::isFullscreenApplicationActive()
     return m_windows->isFullscreenWindowActive();
 }
 
-// The answers from here to `refreshNetworkInterfaces`, and those about ports, belong to a capture
-// back-end. None is built in, so nothing was captured, and saying so keeps the network statistics
-// off.
-
-QHash<unsigned short, QString> LinuxSystem::getApplicationPorts(QSet<unsigned short>)
+QHash<unsigned short, QString> LinuxSystem::getApplicationPorts(QSet<unsigned short> ports)
 {
-    return {};
+    return m_socketOwners->find(ports);
 }
 
 QHash<unsigned short, NetworkTraffic> LinuxSystem::getPortsBandwidth()
 {
-    return {};
+    return m_capture->packets().getPortsBandwidth();
 }
 
 QHash<unsigned short, NetworkTraffic> LinuxSystem::getPortsBandwidthTCP()
 {
-    return {};
+    return m_capture->packets().getPortsBandwidthTCP();
 }
 
 QHash<unsigned short, NetworkTraffic> LinuxSystem::getPortsBandwidthUDP()
 {
-    return {};
+    return m_capture->packets().getPortsBandwidthUDP();
 }
 
 QHash<unsigned short, NetworkTraffic> LinuxSystem::getPortsBandwidthOther()
 {
-    return {};
+    return m_capture->packets().getPortsBandwidthOther();
 }
 
 QHash<IpAddress, NetworkTraffic> LinuxSystem::getIpBandwidth()
 {
-    return {};
+    return m_capture->packets().getIpBandwidth();
 }
 
 QList<InterfaceBandwidth> LinuxSystem::getInterfacesBandwidth()
 {
-    return {};
+    return m_capture->packets().getInterfacesBandwidth();
 }
 
 QList<InterfaceBandwidth> LinuxSystem::getInterfacesCounters()
 {
-    return {};
+    return m_capture->takeInterfacesCounters();
 }
 
 bool LinuxSystem::isNetworkTrafficMonitorSupported()
 {
-    return false;
+    return m_capture->packets().isSupported();
 }
 
-void LinuxSystem::refreshNetworkInterfaces() {} // Each question reads the kernel's own list.
-
-void LinuxSystem::acquireNetworkTrafficMonitor() {}
-
-void LinuxSystem::releaseNetworkTrafficMonitor() {}
-
-QString LinuxSystem::getNetworkPortDescription(int, Utils::TrafficType)
+void LinuxSystem::refreshNetworkInterfaces()
 {
-    return {};
+    m_capture->updateNetworkDevices();
 }
 
-void LinuxSystem::initNetworkPortDescriptions() {}
-
-bool LinuxSystem::isKnownNetworkPort(int, Utils::TrafficType)
+QString LinuxSystem::getNetworkPortDescription(int port, Utils::TrafficType type)
 {
-    return false;
+    return m_networkPorts->description(port, type);
+}
+
+void LinuxSystem::initNetworkPortDescriptions()
+{
+    m_networkPorts->load(dataDirectory(m_places));
+}
+
+bool LinuxSystem::isKnownNetworkPort(int port, Utils::TrafficType type)
+{
+    return m_networkPorts->isKnown(port, type);
 }
 
 // What was counted waits in memory, which sleep keeps.
 void LinuxSystem::onSystemSuspend() {}
 
-// The input listener follows devices that come and go by itself.
-void LinuxSystem::onSystemResume() {}
+void LinuxSystem::onSystemResume()
+{
+    // The input listener follows devices that come and go by itself.
+    m_capture->updateNetworkDevices();
+}
 
 void LinuxSystem::startInputMonitor()
 {
@@ -304,4 +316,14 @@ void LinuxSystem::startInputMonitor()
 void LinuxSystem::stopInputMonitor()
 {
     m_input->stop();
+}
+
+void LinuxSystem::startNetworkTrafficMonitor()
+{
+    m_capture->start();
+}
+
+void LinuxSystem::stopNetworkTrafficMonitor()
+{
+    m_capture->stop();
 }

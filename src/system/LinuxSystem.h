@@ -11,7 +11,10 @@ class Hardware;
 class InputThread;
 class InternetAvailability;
 class MouseTravel;
+class NetworkCapture;
+class NetworkPorts;
 class ProcessInfo;
+class SocketOwners;
 class WindowWatcher;
 
 /// The Linux probe: puts each question to the class that knows, and owns them all. The X display is
@@ -29,6 +32,7 @@ public:
     QString getProcessPath(qint64 processId) const;
 
     PowerMonitor* powerMonitor() override;
+    CaptureState captureState() const override;
 
     QString getHostName() override;
     QString getScreenResolution() override;
@@ -78,9 +82,6 @@ public:
     void onSystemSuspend() override;
     void onSystemResume() override;
 
-    void acquireNetworkTrafficMonitor() override;
-    void releaseNetworkTrafficMonitor() override;
-
     QString getNetworkPortDescription(int port, Utils::TrafficType type) override;
     void initNetworkPortDescriptions() override;
     bool isKnownNetworkPort(int port, Utils::TrafficType type) override;
@@ -88,6 +89,8 @@ public:
 private:
     void startInputMonitor() override;
     void stopInputMonitor() override;
+    void startNetworkTrafficMonitor() override;
+    void stopNetworkTrafficMonitor() override;
 
     SystemPlaces m_places;
     std::unique_ptr<InputThread> m_input;
@@ -99,4 +102,7 @@ private:
     std::unique_ptr<InternetAvailability> m_internet;
     std::unique_ptr<MouseTravel> m_mouseTravel;
     std::unique_ptr<PowerMonitor> m_power;
+    std::unique_ptr<NetworkCapture> m_capture;
+    std::unique_ptr<SocketOwners> m_socketOwners;
+    std::unique_ptr<NetworkPorts> m_networkPorts;
 };

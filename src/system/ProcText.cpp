@@ -114,12 +114,6 @@ QByteArrayView ProcText::firstArgument(QByteArrayView commandLine)
     return end < 0 ? commandLine : commandLine.first(end);
 }
 
-QByteArrayView ProcText::withoutDeletedMark(QByteArrayView link)
-{
-    constexpr QByteArrayView mark(" (deleted)");
-    return link.endsWith(mark) ? link.chopped(mark.size()) : link;
-}
-
 QString ProcText::osReleaseValue(QByteArrayView text, QByteArrayView key)
 {
     QByteArray value;

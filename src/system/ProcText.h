@@ -31,9 +31,6 @@ int establishedConnections(QByteArrayView table);
 /// The first word of "/proc/<pid>/cmdline", whose words end with a zero byte.
 QByteArrayView firstArgument(QByteArrayView commandLine);
 
-/// What the link "/proc/<pid>/exe" names, without the mark of a file that was removed or replaced.
-QByteArrayView withoutDeletedMark(QByteArrayView link);
-
 /// The value of `key` in "/etc/os-release", its quotes and escapes resolved.
 QString osReleaseValue(QByteArrayView text, QByteArrayView key);
 

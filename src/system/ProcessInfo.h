@@ -20,7 +20,6 @@ public:
     QString processPath(qint64 processId) const;
 
 private:
-    QString executableLink(qint64 processId, int& error) const;
     QString programOfCommandLine(qint64 processId) const;
 
     QDir m_root;

@@ -21,7 +21,6 @@ void parseAsText(QByteArrayView text)
         std::abort(); // More connections than lines.
     }
     ProcText::firstArgument(text);
-    ProcText::withoutDeletedMark(text);
     ProcText::osReleaseValue(text, "PRETTY_NAME");
     parseInputDevices(text);
     HardwareIds::hexNumber(text);

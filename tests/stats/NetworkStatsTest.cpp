@@ -1,12 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Client.h"
+#include "base/InstalledFiles.h"
+#include "network/CountryFile.h"
 #include "stats/ApplicationBandwidthStat.h"
+#include "stats/CountryBandwidthStat.h"
 #include "stats/InterfaceBandwidthStat.h"
 #include "stats/ProtocolBandwidthStat.h"
 #include "storage/SettingsKeys.h"
 #include "support/LogCapture.h"
 #include "support/TestRegistry.h"
 
+#include <QFile>
 #include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
@@ -56,6 +60,9 @@ private Q_SLOTS:
     void leavesExcludedApplicationsOut();
     void filesUndescribedPortsOnRequest_data();
     void filesUndescribedPortsOnRequest();
+    void filesTrafficPerCountry();
+    void takesAnotherCountryDatabase_data();
+    void takesAnotherCountryDatabase();
     void countsOnlyWhatCrossesWhileOn();
 
 private:
@@ -86,6 +93,20 @@ private:
         return today("hour, path, profile_id, download, upload FROM application_bandwidth");
     }
 
+    /// Writes the client's own country database; false where that failed.
+    bool lay(const QByteArray& content) const
+    {
+        QFile file(geoIp());
+        return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
+    }
+
+    QString geoIp() const { return m_client->directory() + QStringLiteral("/GeoIP.dat"); }
+
+    /// In which 8.0.0.0/8 is French and 9.0.0.0/8 Danish.
+    const QByteArray m_countries = CountryFile(4, CountryFile::Layout::Nested)
+                                       .add("00001000", "FR")
+                                       .add("00001001", "DK")
+                                       .bytes();
     std::unique_ptr<Client> m_client;
 };
 
@@ -358,25 +379,87 @@ void NetworkStatsTest::filesUndescribedPortsOnRequest()
     QCOMPARE(found, rows);
 }
 
+void NetworkStatsTest::filesTrafficPerCountry()
+{
+    const LogCapture log(Log::Level::Debug);
+    QVERIFY(lay(m_countries));
+    const auto stat = make<CountryBandwidthStat>();
+    for (const auto& [hour, profile] : {std::pair{9, 0}, {9, 0}, {10, 0}, {10, 7}}) {
+        stat->setStatsProfileId(profile);
+        m_client->system.addresses = {{IpAddress::fromIpv4(0x08080808), {100, 10}},
+                                      {IpAddress::fromIpv4(0x08080404), {200, 20}},
+                                      {IpAddress::fromIpv4(0x09010101), {5, 6}},
+                                      {IpAddress::fromIpv4(0x0a000001), {7, 8}},
+                                      {IpAddress::fromIpv4(0x30000001), {9, 10}}};
+        stat->doUpdate(at(hour), false);
+    }
+    QCOMPARE(log.count(QStringLiteral("Country FR downloaded 300 and uploaded 30")), 4);
+    QCOMPARE(today("hour, profile_id, country, download, upload FROM country_bandwidth"),
+             QStringLiteral("9|0|??|18|20,9|0|DK|10|12,9|0|FR|600|60,9|0|LAN|14|16,"
+                            "10|0|??|9|10,10|0|DK|5|6,10|0|FR|300|30,10|0|LAN|7|8,"
+                            "10|7|??|9|10,10|7|DK|5|6,10|7|FR|300|30,10|7|LAN|7|8"));
+}
+
+void NetworkStatsTest::takesAnotherCountryDatabase_data()
+{
+    QTest::addColumn<bool>("isDamaged"); ///< The client's own database; it is missing if not.
+    QTest::newRow("missing") << false;
+    QTest::newRow("damaged") << true;
+}
+
+void NetworkStatsTest::takesAnotherCountryDatabase()
+{
+    QFETCH(bool, isDamaged);
+    const LogCapture log;
+    QVERIFY(!isDamaged || lay(m_countries.first(m_countries.size() / 2)));
+    const auto stat = make<CountryBandwidthStat>();
+    const auto opened = [&log](const QString& path) {
+        return log.count(QStringLiteral("Opening GeoIP database: ") + path);
+    };
+    QCOMPARE(opened(geoIp()), isDamaged ? 1 : 0);
+    QCOMPARE(log.count(QStringLiteral("Unable to open GeoIP database! Error: ")),
+             isDamaged ? 1 : 0);
+    const QString installed = installedFile(QStringLiteral("country.mmdb"));
+    const IpAddress french = IpAddress::fromIpv4(0x08080808);
+    m_client->system.addresses = {{french, {1, 2}}};
+    stat->doUpdate(at(9), false);
+    QVERIFY(m_client->system.addresses.isEmpty());
+    if (installed.isEmpty()) {
+        QCOMPARE(today("country, 0, 0 FROM country_bandwidth"), QString());
+    } else {
+        QCOMPARE(opened(installed), 1);
+        QCOMPARE(today("download, 0, 0 FROM country_bandwidth"), QStringLiteral("1|0|0"));
+    }
+    QVERIFY(lay(m_countries));
+    stat->reloadGeoDB();
+    m_client->system.addresses = {{french, {3, 4}}};
+    stat->doUpdate(at(10), false);
+    QCOMPARE(today("hour, country, download, upload FROM country_bandwidth").section(u',', -1),
+             QStringLiteral("10|FR|3|4"));
+}
+
 void NetworkStatsTest::countsOnlyWhatCrossesWhileOn()
 {
     FakeSystem& system = m_client->system;
-    const std::array<std::unique_ptr<Stat>, 3> stats{make<InterfaceBandwidthStat>(),
-                                                     make<ApplicationBandwidthStat>(),
-                                                     make<ProtocolBandwidthStat>()};
+    QVERIFY(lay(m_countries));
+    const std::array<std::unique_ptr<Stat>, 4> stats{
+        make<InterfaceBandwidthStat>(), make<ApplicationBandwidthStat>(),
+        make<ProtocolBandwidthStat>(), make<CountryBandwidthStat>()};
     const auto cross = [&system] {
         system.interfaces = {crossed(Mac, {1, 1}, {1, 1})};
         system.counters = system.interfaces;
         system.localPorts = {{40'000, {1, 1}}};
+        system.addresses = {{IpAddress::fromIpv4(0x08080808), {1, 1}}};
         system.remotePorts = {{TrafficType::Tcp, {{443, {1, 1}}}},
                               {TrafficType::Udp, {{443, {1, 1}}}},
                               {TrafficType::Other, {{443, {1, 1}}}}};
     };
     const auto isTaken = [&system] {
         return system.interfaces.isEmpty() && system.counters.isEmpty() &&
-               system.localPorts.isEmpty() && system.remotePorts.isEmpty();
+               system.localPorts.isEmpty() && system.remotePorts.isEmpty() &&
+               system.addresses.isEmpty();
     };
-    QCOMPARE(system.networkHolders, 3);
+    QCOMPARE(system.networkHolders, 4);
     system.portOwners = {{40'000, Browser}};
     Settings::instance().setValue(SettingsKeys::StatNetProtocolRecordUnknown, true);
     for (const auto& stat : stats) {
@@ -403,7 +486,7 @@ void NetworkStatsTest::countsOnlyWhatCrossesWhileOn()
     QVERIFY(!isTaken());
     for (const char* table :
          {"0, 0, 0 FROM network_interface_bandwidth", "0, 0, 0 FROM application_bandwidth",
-          "0, 0, 0 FROM network_protocol_bandwidth"}) {
+          "0, 0, 0 FROM country_bandwidth", "0, 0, 0 FROM network_protocol_bandwidth"}) {
         QCOMPARE(today(table), QString());
     }
     QCOMPARE(m_client->totals.unzurged(), UnzurgedCounts{});

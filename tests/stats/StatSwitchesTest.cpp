@@ -120,7 +120,7 @@ void StatSwitchesTest::switchesEveryStatistic()
     QCOMPARE(running(), QStringLiteral("ApplicationsStat KeypressesStat MouseClicksStat "
                                        "BootTimeStat UptimeStat ApplicationUptimeStat "
                                        "InterfaceBandwidthStat ApplicationBandwidthStat "
-                                       "ProtocolBandwidthStat "
+                                       "ProtocolBandwidthStat CountryBandwidthStat "
                                        "MouseScrollsStat MouseDistanceStat"));
     AllStats::followSettings(collector, false);
     QCOMPARE(running(), QString());

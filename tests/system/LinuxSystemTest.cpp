@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "network/CaptureState.h"
+#include "support/LogCapture.h"
 #include "support/TestDatabase.h"
 #include "support/TestRegistry.h"
 #include "system/CommonSystem.h"
@@ -16,6 +18,8 @@ private Q_SLOTS:
     void init();
     void cleanup();
     void readsInputWhileSomeoneHoldsIt();
+    void watchesTheNetworkWhileSomeoneHoldsIt();
+    void describesPorts();
     void keepsExclusions();
     void readsExclusionsAgain();
 
@@ -65,6 +69,44 @@ void LinuxSystemTest::readsInputWhileSomeoneHoldsIt()
     QVERIFY(!probe->hasInputListeners());
     probe->releaseInputMonitor();
     QVERIFY(!probe->hasInputListeners());
+}
+
+void LinuxSystemTest::watchesTheNetworkWhileSomeoneHoldsIt()
+{
+    const LogCapture log;
+    const auto probe = system(nullptr);
+    const auto starts = [&log] { return log.count(QStringLiteral("Network capture: ")); };
+    probe->acquireNetworkTrafficMonitor();
+    probe->acquireNetworkTrafficMonitor();
+    probe->releaseNetworkTrafficMonitor();
+    probe->acquireNetworkTrafficMonitor();
+    QCOMPARE(starts(), 1);
+    QCOMPARE(probe->isNetworkTrafficMonitorSupported(),
+             probe->captureState().backEnd != CaptureState::BackEnd::Counters);
+    for (int release = 0; release < 3; ++release) { // One too many.
+        probe->releaseNetworkTrafficMonitor();
+    }
+    probe->acquireNetworkTrafficMonitor();
+    QCOMPARE(starts(), 2);
+    probe->stop();
+    probe->releaseNetworkTrafficMonitor();
+    probe->acquireNetworkTrafficMonitor();
+    QCOMPARE(starts(), 3);
+}
+
+void LinuxSystemTest::describesPorts()
+{
+    using Utils::TrafficType;
+    QVERIFY(m_root->write(QStringLiteral("network-ports-custom.csv"),
+                          QByteArrayLiteral("47123;TCP;Of my own\n")));
+    const auto probe = system(nullptr);
+    QVERIFY(!probe->isKnownNetworkPort(47'123, TrafficType::Tcp));
+    probe->initNetworkPortDescriptions();
+    QTRY_VERIFY(probe->isKnownNetworkPort(47'123, TrafficType::Tcp));
+    QVERIFY(!probe->isKnownNetworkPort(47'123, TrafficType::Udp));
+    QTRY_VERIFY(probe->isKnownNetworkPort(443, TrafficType::Tcp));
+    QCOMPARE(probe->getNetworkPortDescription(47'123, TrafficType::Tcp),
+             QStringLiteral("Of my own"));
 }
 
 void LinuxSystemTest::keepsExclusions()
