@@ -12,6 +12,7 @@
 #include "base/Log.h"
 #include "base/SnapStandardPaths.h"
 #include "base/Version.h"
+#include "network/ProxyAddress.h"
 #include "profiles/Milestones.h"
 #include "profiles/ProfileDeletion.h"
 #include "profiles/ProfileManager.h"
@@ -50,6 +51,7 @@ Application::Application()
     : m_profiles(new ProfileManager(this))
     , m_localStats(new LocalStats(this))
     , m_signals(new UnixSignals(this))
+    , m_proxyAddress(new ProxyAddress(this))
 {
     m_instance = this;
     QCoreApplication::setApplicationName(QStringLiteral("Tallyvane"));
@@ -224,6 +226,7 @@ void Application::slotStartupDelayed()
     applySettings(false);
     m_collector->start();
     Q_EMIT refreshTrayIcon();
+    m_system->initNetworkPortDescriptions();
     connect(m_milestones, &Milestones::signalNeedTrayIconMessage, this,
             &Application::slotNeedTrayIconMessage);
     m_milestones->refreshSettings(Milestones::All);
@@ -246,7 +249,9 @@ void Application::applySettings(bool changedByUser)
         .follow(settings.value(SettingsKeys::LaunchOnStart));
     Theme::apply();
     Q_EMIT refreshTrayIcon();
-    applyNetworkProxy(ProxySettings::from(settings).proxy());
+    const QNetworkProxy proxy = ProxySettings::from(settings).proxy();
+    applyNetworkProxy(proxy);
+    m_proxyAddress->follow(proxy);
     m_window->refreshInputState();
 }
 

@@ -23,6 +23,7 @@ class Milestones;
 class MousePointPruning;
 class ProfileManager;
 class ProfileWiring;
+class ProxyAddress;
 class TrayIcon;
 class UnixSignals;
 
@@ -131,6 +132,7 @@ private:
     ProfileManager* m_profiles;
     LocalStats* m_localStats;
     UnixSignals* m_signals;
+    ProxyAddress* m_proxyAddress;
     std::unique_ptr<Database> m_database;
     std::unique_ptr<CachedSystem> m_system;
     CommonSystem* m_platformSystem = nullptr; ///< Inside `m_system`.
