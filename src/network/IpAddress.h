@@ -4,6 +4,7 @@
 #include <QHashFunctions>
 
 #include <array>
+#include <bit>
 #include <compare>
 #include <cstdint>
 #include <cstring>
@@ -12,19 +13,19 @@
 /// family by the bytes as kept). Plain value; 0.0.0.0 by default.
 struct IpAddress
 {
+    using Bytes = std::array<std::uint8_t, 16>;
+
     static constexpr std::uint8_t Ipv4 = 1;
     static constexpr std::uint8_t Ipv6 = 0;
 
     std::uint8_t family = Ipv4;
     /// An IPv4 address is a number in the host's byte order in the first four, with the others
     /// zero; an IPv6 address is its sixteen bytes in network order.
-    std::array<std::uint8_t, 16> bytes{};
+    Bytes bytes{};
 
-    static IpAddress fromIpv4(std::uint32_t address) noexcept
+    static constexpr IpAddress fromIpv4(std::uint32_t address) noexcept
     {
-        IpAddress result;
-        std::memcpy(result.bytes.data(), &address, sizeof address);
-        return result;
+        return {Ipv4, std::bit_cast<Bytes>(std::array<std::uint32_t, 4>{address})};
     }
 
     /// Reads 16 bytes.
@@ -47,6 +48,12 @@ struct IpAddress
     }
 
     friend auto operator<=>(const IpAddress&, const IpAddress&) = default;
+
+    friend bool operator==(const IpAddress& one, const IpAddress& other) noexcept
+    {
+        return one.family == other.family &&
+               std::memcmp(one.bytes.data(), other.bytes.data(), one.bytes.size()) == 0;
+    }
 };
 
 /// Over the bytes that the family uses.

@@ -18,7 +18,7 @@ constexpr std::size_t Ipv4HeaderSize = 20;
 constexpr std::size_t Ipv6HeaderSize = 40;
 constexpr std::size_t PortsSize = 4; ///< With which the headers of TCP and of UDP begin.
 
-constexpr std::uint32_t IgnoredDestination = 0x0EFF'FFFF; ///< 14.255.255.255
+constexpr IpAddress IgnoredDestination = IpAddress::fromIpv4(0x0EFF'FFFF); ///< 14.255.255.255
 constexpr std::uint8_t Ipv6LocalFirstByte = 0xE0;
 
 /// What one packet says of itself.
@@ -26,15 +26,44 @@ struct Packet
 {
     IpAddress source;
     IpAddress destination;
+    std::uint8_t protocol;
     unsigned short sourcePort;
     unsigned short destinationPort;
-    Utils::TrafficType type;
 };
 
 template <typename Number>
 Number numberAt(Bytes bytes, std::size_t offset)
 {
     return qFromBigEndian<Number>(&bytes[offset]);
+}
+
+/// RFC 791, section 3.1.
+Packet decodeIpv4(Bytes captured)
+{
+    return {IpAddress::fromIpv4(numberAt<std::uint32_t>(captured, 12)),
+            IpAddress::fromIpv4(numberAt<std::uint32_t>(captured, 16)), captured[9],
+            numberAt<unsigned short>(captured, Ipv4HeaderSize),
+            numberAt<unsigned short>(captured, Ipv4HeaderSize + 2)};
+}
+
+/// RFC 8200, section 3.
+Packet decodeIpv6(Bytes captured)
+{
+    return {IpAddress::fromIpv6(&captured[8]), IpAddress::fromIpv6(&captured[24]), captured[6],
+            numberAt<unsigned short>(captured, Ipv6HeaderSize),
+            numberAt<unsigned short>(captured, Ipv6HeaderSize + 2)};
+}
+
+bool isDecodable(unsigned char version, Bytes captured)
+{
+    switch (version) {
+    case 4:
+        return captured.size() >= Ipv4HeaderSize + PortsSize;
+    case 6:
+        return captured.size() >= Ipv6HeaderSize + PortsSize;
+    default:
+        return false;
+    }
 }
 
 /// The numbers are those of IANA's "Assigned Internet Protocol Numbers".
@@ -45,50 +74,6 @@ std::optional<Utils::TrafficType> typeOfProtocol(std::uint8_t protocol)
         return Utils::TrafficType::Tcp;
     case 17:
         return Utils::TrafficType::Udp;
-    default:
-        return {};
-    }
-}
-
-/// RFC 791, section 3.1.
-std::optional<Packet> decodeIpv4(Bytes captured)
-{
-    if (captured.size() < Ipv4HeaderSize + PortsSize) {
-        return {};
-    }
-    const auto type = typeOfProtocol(captured[9]);
-    const auto destination = numberAt<std::uint32_t>(captured, 16);
-    if (!type || destination == IgnoredDestination) {
-        return {};
-    }
-    return Packet{IpAddress::fromIpv4(numberAt<std::uint32_t>(captured, 12)),
-                  IpAddress::fromIpv4(destination),
-                  numberAt<unsigned short>(captured, Ipv4HeaderSize),
-                  numberAt<unsigned short>(captured, Ipv4HeaderSize + 2), *type};
-}
-
-/// RFC 8200, section 3.
-std::optional<Packet> decodeIpv6(Bytes captured)
-{
-    if (captured.size() < Ipv6HeaderSize + PortsSize) {
-        return {};
-    }
-    const auto type = typeOfProtocol(captured[6]);
-    if (!type) {
-        return {};
-    }
-    return Packet{IpAddress::fromIpv6(&captured[8]), IpAddress::fromIpv6(&captured[24]),
-                  numberAt<unsigned short>(captured, Ipv6HeaderSize),
-                  numberAt<unsigned short>(captured, Ipv6HeaderSize + 2), *type};
-}
-
-std::optional<Packet> decode(unsigned char version, Bytes captured)
-{
-    switch (version) {
-    case 4:
-        return decodeIpv4(captured);
-    case 6:
-        return decodeIpv6(captured);
     default:
         return {};
     }
@@ -106,21 +91,25 @@ void NetworkPacketHandler::handle(unsigned char version, Bytes captured, unsigne
                                   Direction direction, const QSet<IpAddress>& localAddresses,
                                   NetworkPacketHandlerListener& listener, int interfaceIndex)
 {
-    const std::optional<Packet> packet = decode(version, captured);
-    if (!packet) {
+    if (!isDecodable(version, captured)) {
+        return;
+    }
+    const Packet packet = version == 4 ? decodeIpv4(captured) : decodeIpv6(captured);
+    const std::optional<Utils::TrafficType> type = typeOfProtocol(packet.protocol);
+    if (!type || packet.destination == IgnoredDestination) {
         return;
     }
     bool upload = direction == Direction::Outgoing;
     if (direction == Direction::Unknown) {
-        upload = localAddresses.contains(packet->source);
-        if (!upload && !localAddresses.contains(packet->destination)) {
+        upload = localAddresses.contains(packet.source);
+        if (!upload && !localAddresses.contains(packet.destination)) {
             return;
         }
     }
-    const IpAddress& remote = upload ? packet->destination : packet->source;
-    const unsigned short remotePort = upload ? packet->destinationPort : packet->sourcePort;
-    const unsigned short localPort = upload ? packet->sourcePort : packet->destinationPort;
+    const IpAddress& remote = upload ? packet.destination : packet.source;
+    const unsigned short remotePort = upload ? packet.destinationPort : packet.sourcePort;
+    const unsigned short localPort = upload ? packet.sourcePort : packet.destinationPort;
     const unsigned int internetBytes = staysLocal(remote, remotePort) ? 0U : length;
     listener.incrementTraffic(upload, remote, localPort, length, internetBytes, interfaceIndex,
-                              packet->type, remotePort);
+                              *type, remotePort);
 }

@@ -64,8 +64,10 @@ QHash<Key, Value> TrafficCounters::take(Accumulator<Key, Value>& accumulator)
 NetworkTraffic& TrafficCounters::trafficWith(const IpAddress& remote)
 {
     TrafficTable<IpAddress, NetworkTraffic>& addresses = m_addresses.filling;
-    const bool known = addresses.size() < AddressLimit || addresses.contains(remote);
-    return addresses[known ? remote : IpAddress()];
+    if (addresses.size() < AddressLimit || addresses.contains(remote)) {
+        return addresses[remote];
+    }
+    return addresses[IpAddress()];
 }
 
 TrafficCounters::Ports& TrafficCounters::remotePorts(Utils::TrafficType type)
