@@ -67,6 +67,7 @@ void PfRingNetworkTrafficMonitor::stop()
     }
     m_changes.reset();
     m_thread->stop();
+    m_emptiedBefore += m_thread->timesEmptied();
     m_dropped.add(m_thread->takeDropped());
     m_dropped.report();
     m_thread.reset();
@@ -111,11 +112,21 @@ void PfRingNetworkTrafficMonitor::updateNetworkDevices()
 
 void PfRingNetworkTrafficMonitor::readInterfaces()
 {
-    m_goneInterfaces = QSet<int>(m_interfaces.keyBegin(), m_interfaces.keyEnd());
+    QHash<int, quint64> gone;
+    for (auto it = m_interfaces.keyBegin(); it != m_interfaces.keyEnd(); ++it) {
+        gone.insert(*it, m_goneInterfaces.value(*it, timesEmptied()));
+    }
     for (const Interface& interface : networkInterfaces(m_sysClassNet)) {
         m_interfaces.insert(interface.index, interface);
-        m_goneInterfaces.remove(interface.index);
+        gone.remove(interface.index);
     }
+    m_goneInterfaces = gone;
+}
+
+/// Of all threads that this has had.
+quint64 PfRingNetworkTrafficMonitor::timesEmptied() const
+{
+    return m_emptiedBefore + (isRunning() ? m_thread->timesEmptied() : 0);
 }
 
 PortTraffic PfRingNetworkTrafficMonitor::getPortsBandwidth()
@@ -151,6 +162,7 @@ AddressTraffic PfRingNetworkTrafficMonitor::getIpBandwidth()
 QList<InterfaceBandwidth> PfRingNetworkTrafficMonitor::getInterfacesBandwidth()
 {
     countDropped();
+    const quint64 emptied = timesEmptied();
     const QHash<int, InterfaceTraffic> traffic = m_counters.takeInterfaces();
     const auto isKnown = [this](int index) { return m_interfaces.contains(index); };
     if (!std::all_of(traffic.keyBegin(), traffic.keyEnd(), isKnown)) {
@@ -164,18 +176,20 @@ QList<InterfaceBandwidth> PfRingNetworkTrafficMonitor::getInterfacesBandwidth()
             Log::debug("Traffic of an interface that came and went unseen: {}", it.key());
         }
     }
-    forgetSilent(traffic);
+    forgetGone(emptied);
     return result;
 }
 
-/// Of the interfaces that are gone, those that had no more traffic since the take before.
-void PfRingNetworkTrafficMonitor::forgetSilent(const QHash<int, InterfaceTraffic>& traffic)
+/// Those whose last bytes were counted, and are taken by now: the thread has been all around the
+/// ring since. `emptied` is how often it had emptied the ring before the take.
+void PfRingNetworkTrafficMonitor::forgetGone(quint64 emptied)
 {
-    m_goneInterfaces.removeIf([this, &traffic](int index) {
-        return !traffic.contains(index) && m_interfaces.remove(index);
+    m_goneInterfaces.removeIf([this, emptied](const auto& gone) {
+        return emptied >= gone.value() + 2 && m_interfaces.remove(gone.key());
     });
 }
 
+/// The kernel counts from zero again each time.
 void PfRingNetworkTrafficMonitor::countDropped()
 {
     if (isRunning()) {

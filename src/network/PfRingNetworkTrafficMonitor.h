@@ -8,7 +8,6 @@
 #include <QHash>
 #include <QNetworkInformation>
 #include <QObject>
-#include <QSet>
 #include <QString>
 
 #include <memory>
@@ -56,13 +55,16 @@ public Q_SLOTS:
 private:
     void watchNetwork();
     void readInterfaces();
-    void forgetSilent(const QHash<int, InterfaceTraffic>& traffic);
+    void forgetGone(quint64 emptied);
+    quint64 timesEmptied() const;
     void countDropped();
 
     QString m_sysClassNet;
     bool m_isSupported;
     QHash<int, Interface> m_interfaces; ///< By index; those that are gone as well.
-    QSet<int> m_goneInterfaces;         ///< Indexes of those that wait for their last take.
+    /// Of those that are gone: how often the thread had emptied the ring when that was noticed.
+    QHash<int, quint64> m_goneInterfaces;
+    quint64 m_emptiedBefore = 0; ///< By the threads that have ended.
     DroppedPackets m_dropped;
     TrafficCounters m_counters;                ///< Outlives the thread, which adds to it.
     std::unique_ptr<PfRingThread> m_thread;    ///< Exists while this runs.

@@ -81,6 +81,9 @@ std::size_t PfRingThread::walk()
     while (filled < PacketRing::FrameCount && m_ring.isReady(m_position)) {
         filled += walkBatch();
     }
+    if (filled < PacketRing::FrameCount) {
+        ++m_timesEmptied;
+    }
     return filled;
 }
 

@@ -36,6 +36,10 @@ public:
 
     void setLocalAddresses(const QSet<IpAddress>& addresses);
 
+    /// How often the ring was found empty. Once it has grown by two, a whole walk lies between:
+    /// what was captured before is counted.
+    quint64 timesEmptied() const { return m_timesEmptied; }
+
     /// The packets that found the ring full, since the last call.
     quint64 takeDropped() { return m_ring.takeDropped(); }
 
@@ -59,5 +63,6 @@ private:
     FileDescriptor m_wakeUp;       ///< An eventfd, readable once the thread shall end.
     PacketRing m_ring;
     std::size_t m_position = 0; ///< The frame that is filled next; of the capture thread.
+    std::atomic<quint64> m_timesEmptied = 0;
     std::atomic<bool> m_stopRequested = false;
 };
