@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "system/FileDescriptor.h"
+#include "base/FileDescriptor.h"
 
 #include <QString>
 

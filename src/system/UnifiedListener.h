@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "base/FileDescriptor.h"
+#include "base/RepeatedWarning.h"
 #include "system/DeviceNode.h"
 #include "system/EvdevDecoder.h"
-#include "system/FileDescriptor.h"
-#include "system/RepeatedWarning.h"
 
 #include <QString>
 #include <QThread>

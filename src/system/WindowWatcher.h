@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "base/RepeatedWarning.h"
 #include "system/DisplayConnection.h"
-#include "system/RepeatedWarning.h"
 
 #include <QElapsedTimer>
 #include <QString>

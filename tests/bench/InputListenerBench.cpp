@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What one record costs from the read to the queued signal, beside a loop that only reads; and what
 // a fast mouse costs.
-#include "system/FileDescriptor.h"
+#include "base/FileDescriptor.h"
 #include "system/UnifiedListener.h"
 
 #include <QCoreApplication>
