@@ -273,9 +273,9 @@ void SocketOwnersTest::finds_data()
     QTest::newRow("IPv6 where the owner in IPv4 cannot be told")
         << QStringList{QStringLiteral("tcp 80 1000 79"), QStringLiteral("tcp6 80 1000 77")} << web
         << webOn80;
-    QTest::newRow("IPv4 before IPv6")
+    QTest::newRow("IPv4 before IPv6") // though that descriptor is looked at first
         << QStringList{tcp80, QStringLiteral("tcp6 80 1000 90")}
-        << (QStringList{QStringLiteral("12 /usr/bin/other 90")} + web) << webOn80;
+        << (QStringList{QStringLiteral("12 /usr/bin/other 89 90")} + web) << webOn80;
     QTest::newRow("one socket in two processes")
         << QStringList{tcp80} << (web + QStringList{QStringLiteral("43 /usr/bin/web 77")})
         << webOn80;
