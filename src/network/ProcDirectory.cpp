@@ -14,13 +14,6 @@ ProcDirectory::ProcDirectory(int parent, const char* path) // NOLINT(*-pro-type-
 {
 }
 
-ProcDirectory::~ProcDirectory()
-{
-    if (isOpen()) {
-        ::close(m_descriptor);
-    }
-}
-
 std::optional<int> ProcDirectory::next()
 {
     while (m_at < m_filled || readMore()) {
@@ -39,7 +32,7 @@ std::optional<int> ProcDirectory::next()
 bool ProcDirectory::readMore()
 {
     const ssize_t size =
-        isOpen() ? ::getdents64(m_descriptor, m_buffer.data(), m_buffer.size()) : 0;
+        m_descriptor.isValid() ? ::getdents64(descriptor(), m_buffer.data(), m_buffer.size()) : 0;
     m_at = 0;
     m_filled = size > 0 ? static_cast<std::size_t>(size) : 0;
     return m_filled > 0;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "base/FileDescriptor.h"
+
 #include <array>
 #include <cstddef>
 #include <optional>
@@ -13,17 +15,12 @@ class ProcDirectory final
 public:
     /// Opens `path`, relative to the directory `parent` where it does not begin with "/".
     ProcDirectory(int parent, const char* path);
-    ProcDirectory(const ProcDirectory&) = delete;
-    ProcDirectory& operator=(const ProcDirectory&) = delete;
-    ~ProcDirectory();
 
-    /// False where the directory does not exist or may not be read.
-    bool isOpen() const { return m_descriptor >= 0; }
+    /// -1 where the directory does not exist or may not be read.
+    int descriptor() const { return m_descriptor.get(); }
 
-    int descriptor() const { return m_descriptor; }
-
-    /// The next number; empty after the last one, and where the directory has vanished or is not
-    /// open. Other entries are passed over.
+    /// The next number; empty after the last one, and where the directory has vanished or could not
+    /// be opened. Other entries are passed over.
     std::optional<int> next();
 
 private:
@@ -31,7 +28,7 @@ private:
 
     bool readMore();
 
-    int m_descriptor;
+    FileDescriptor m_descriptor;
     std::size_t m_at = 0;
     std::size_t m_filled = 0;
     alignas(std::max_align_t) std::array<char, BufferSize> m_buffer;

@@ -25,15 +25,8 @@ bool endsTable(std::size_t justRead, std::size_t room)
 // The buffer is left as it is until it is read into.
 ProcLines::ProcLines(const QString& path) // NOLINT(*-pro-type-member-init)
     : m_descriptor(::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC))
+    , m_isAtEnd(!m_descriptor.isValid())
 {
-    m_isAtEnd = m_descriptor < 0;
-}
-
-ProcLines::~ProcLines()
-{
-    if (m_descriptor >= 0) {
-        ::close(m_descriptor);
-    }
 }
 
 std::optional<std::string_view> ProcLines::next()
@@ -57,7 +50,7 @@ bool ProcLines::readMore()
         return false;
     }
     std::memmove(m_buffer.data(), m_rest.data(), kept);
-    const ssize_t size = ::read(m_descriptor, m_buffer.data() + kept, m_buffer.size() - kept);
+    const ssize_t size = ::read(m_descriptor.get(), m_buffer.data() + kept, m_buffer.size() - kept);
     const std::size_t added = size > 0 ? static_cast<std::size_t>(size) : 0;
     m_isAtEnd = endsTable(added, m_buffer.size() - kept);
     m_rest = std::string_view(m_buffer.data(), kept + added);

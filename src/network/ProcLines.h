@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "base/FileDescriptor.h"
+
 #include <QString>
 
 #include <array>
@@ -16,9 +18,6 @@ class ProcLines final
 public:
     /// A file that cannot be opened has no lines.
     explicit ProcLines(const QString& path);
-    ProcLines(const ProcLines&) = delete;
-    ProcLines& operator=(const ProcLines&) = delete;
-    ~ProcLines();
 
     /// The next line without its line feed, valid until the next call. What is too long for the
     /// buffer, which no line of the kernel's is, comes in pieces.
@@ -29,8 +28,8 @@ private:
 
     bool readMore();
 
-    int m_descriptor;
-    bool m_isAtEnd = false;
+    FileDescriptor m_descriptor;
+    bool m_isAtEnd;
     std::string_view m_rest; ///< Of the buffer, not yet returned.
     std::array<char, BufferSize> m_buffer;
 };

@@ -14,11 +14,14 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace {
 
 /// Beyond it, sockets not asked for just now are forgotten.
 constexpr qsizetype MostHolders = 4096;
+
+constexpr int LastStandardStream = STDERR_FILENO;
 
 /// The inode in a link such as "socket:[12345]"; empty for the link of any other descriptor.
 std::optional<std::uint64_t> inodeOf(std::string_view link)
@@ -46,6 +49,11 @@ std::optional<std::uint64_t> socketAt(const ProcDirectory& directory, const std:
                       : inodeOf(std::string_view(link.data(), static_cast<std::size_t>(length)));
 }
 
+std::string linkOf(const SocketWalk::Holder& holder)
+{
+    return fmt::format("{}/fd/{}", holder.process, holder.descriptor);
+}
+
 } // namespace
 
 SocketWalk::SocketWalk(QString proc, const Sockets& sockets, Holders& holders)
@@ -60,7 +68,8 @@ SocketWalk::SocketWalk(QString proc, const Sockets& sockets, Holders& holders)
 SocketWalk::Owners SocketWalk::run()
 {
     const QSet<int> known = askHolders();
-    for (const int process : known) {
+    std::vector<int> processes(known.cbegin(), known.cend());
+    for (const int process : processes) {
         lookInto(process);
     }
     while (!m_wanted.isEmpty()) {
@@ -69,8 +78,12 @@ SocketWalk::Owners SocketWalk::run()
             break;
         }
         if (!known.contains(*process)) {
+            processes.push_back(*process);
             lookInto(*process);
         }
+    }
+    for (const int process : processes) {
+        lookAtStandardStreams(process);
     }
     forgetOldHolders();
     return m_owners;
@@ -80,18 +93,16 @@ QSet<int> SocketWalk::askHolders()
 {
     QSet<int> processes;
     for (auto holder = m_holders.cbegin(); holder != m_holders.cend();) {
-        const auto [process, descriptor] = *holder;
         const auto socket = m_sockets.constFind(holder.key());
         const bool isAsked = socket != m_sockets.cend() && m_wanted.contains(*socket);
-        if (isAsked &&
-            socketAt(m_processes, fmt::format("{}/fd/{}", process, descriptor)) != holder.key()) {
+        if (isAsked && socketAt(m_processes, linkOf(*holder)) != holder.key()) {
             holder = m_holders.erase(holder);
             continue;
         }
         if (isAsked) {
-            attribute(process, *socket);
+            attribute(holder->process, *socket);
         }
-        processes.insert(process);
+        processes.insert(holder->process);
         ++holder;
     }
     return processes;
@@ -108,11 +119,25 @@ void SocketWalk::lookInto(int process)
         if (!descriptor) {
             return;
         }
-        const auto inode = socketAt(descriptors, std::to_string(*descriptor));
-        const auto socket = inode ? m_sockets.constFind(*inode) : m_sockets.cend();
-        if (socket != m_sockets.cend() && attribute(process, *socket)) {
-            m_holders.insert(*inode, {process, *descriptor});
+        if (*descriptor > LastStandardStream) {
+            take({process, *descriptor}, socketAt(descriptors, std::to_string(*descriptor)));
         }
+    }
+}
+
+void SocketWalk::lookAtStandardStreams(int process)
+{
+    for (int descriptor = 0; descriptor <= LastStandardStream && !m_wanted.isEmpty();
+         ++descriptor) {
+        take({process, descriptor}, socketAt(m_processes, linkOf({process, descriptor})));
+    }
+}
+
+void SocketWalk::take(const Holder& holder, std::optional<std::uint64_t> inode)
+{
+    const auto socket = inode ? m_sockets.constFind(*inode) : m_sockets.cend();
+    if (socket != m_sockets.cend() && attribute(holder.process, *socket)) {
+        m_holders.insert(*inode, holder);
     }
 }
 

@@ -8,10 +8,13 @@
 #include <QString>
 
 #include <cstdint>
+#include <optional>
 
 /// One walk over the running processes for those that hold given sockets open. Where sockets were
 /// found before is looked at first, and after that all of those processes, since a program that has
-/// sockets opens the next one too; mostly no other need be looked into. Thread: any one at a time.
+/// sockets opens the next one too; mostly no other need be looked into. Standard input, output and
+/// error come last of all, as they are sockets only where a service manager made them so. Thread:
+/// any one at a time.
 class SocketWalk final
 {
 public:
@@ -40,6 +43,8 @@ private:
 
     QSet<int> askHolders();
     void lookInto(int process);
+    void lookAtStandardStreams(int process);
+    void take(const Holder& holder, std::optional<std::uint64_t> inode);
     bool attribute(int process, unsigned short port);
     QString executable(int process);
     void forgetOldHolders();
