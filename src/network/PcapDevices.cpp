@@ -109,20 +109,25 @@ private:
     {
         Log::log(m_level, "First attempt in resolving QNetworkInterface unsuccessfull, attempting "
                           "to resolve against it's IP");
-        int index = 0;
-        for (const QString& address : addresses) {
-            index = m_indexByAddress.value(address, index);
-        }
-        if (index == 0) {
+        const auto known =
+            std::find_if(addresses.begin(), addresses.end(), [this](const QString& address) {
+                return m_indexByAddress.contains(address);
+            });
+        if (known == addresses.end()) {
             Log::log(m_level,
                      "Ignoring unsupported interface: Invalid QNetworkInterface and no index found "
                      "with ip: {}",
                      addresses.join(QStringLiteral(", ")));
             return {};
         }
+        return findByIndex(m_indexByAddress.value(*known));
+    }
+
+    std::optional<SystemInterface> findByIndex(int index) const
+    {
         Log::log(m_level, "Found interface in IP map with index: {}", index);
         const auto interface = m_byIndex.constFind(index);
-        if (interface == m_byIndex.constEnd()) {
+        if (index == 0 || interface == m_byIndex.constEnd()) {
             Log::log(m_level,
                      "Ignoring unsupported interface: Invalid QNetworkInterface even with index: "
                      "{}",
@@ -180,7 +185,8 @@ CaptureDevice recordOf(const PcapDevice& device, const SystemInterface& interfac
 std::optional<CaptureDevice> usableDevice(const PcapDevice& device, const Resolver& resolver,
                                           Log::Level level)
 {
-    Log::log(level, "Pcap found network device: {} {}", device.interface.name, device.description);
+    Log::log(level, "Pcap found network device: {}",
+             (device.interface.name + u' ' + device.description).trimmed());
     if (isUnsupported(textOf(device))) {
         Log::log(level, "Skipping unsupported interface");
         return {};

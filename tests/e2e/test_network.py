@@ -19,13 +19,14 @@ TRAFFIC = Path(__file__).with_name("traffic.py")
 # Knows 16.0.0.0/4 as US and 128.0.0.0/1 as IE.
 COUNTRIES = Path(__file__).parent.parent / "fuzz/corpus/country_database/nested-ipv4"
 UNDESCRIBED_PORT = 40001  # No service has it.
+NAMES = {TCP: "TCP", UDP: "UDP"}  # As they are filed.
 
 
 class UserClient(Client):
     """The client at one end of a wire, as a user would have it: with no rights but what its file has."""
 
     def __init__(self, desktop, wire, capability=None):
-        super().__init__(desktop, tempfile.mkdtemp(prefix="tallyvane-e2e."))
+        super().__init__(desktop)
         self.wire = wire
         self.binary = self.root / "tallyvane"
         shutil.copy(BINARY, self.binary)
@@ -162,13 +163,16 @@ class CaptureTest(NetworkTest):
             "application_bandwidth": ("path", lambda flow: (owners[flow.local_port],)),
             "country_bandwidth": ("country", lambda flow: (countries[flow.remote],)),
             "network_protocol_bandwidth": (
-                "port_number, protocol", lambda flow: (flow.remote_port, {TCP: 1, UDP: 2}[flow.protocol])
+                "port_number, protocol", lambda flow: (flow.remote_port, NAMES[flow.protocol])
                 if flow.remote_port != UNDESCRIBED_PORT else None)}
         for table, (columns, key) in expected.items():
             with self.subTest(table=table):
                 rows = client.query(f"SELECT {columns}, SUM(download), SUM(upload) FROM {table} "
                                     f"GROUP BY {columns}")
                 self.assertEqual({row[:-2]: row[-2:] for row in rows}, sniffer.sums(key))
+        internet = sniffer.sums(lambda flow: not flow.remote.startswith("192.168."))[True]
+        unzurged = dict(client.query("SELECT name, value FROM unzurged_stats"))
+        self.assertEqual((int(unzurged["download"]), int(unzurged["upload"])), internet)
 
 
 class FallbackTest(NetworkTest):

@@ -85,7 +85,8 @@ class Sniffer:
 
     def __init__(self, namespace):
         self.flows = collections.Counter()
-        self.received = self.sent = 0
+        self.received = self.sent = 0  # Bytes.
+        self.frames = self.delivered = 0  # Handled here, and handed over by the kernel.
         self.socket = self._open(namespace)
         self.thread = threading.Thread(target=self._listen)
 
@@ -114,9 +115,8 @@ class Sniffer:
         """Ends once nothing came for a while."""
         self.is_over = True
         self.thread.join()
-        _, dropped = struct.unpack("II", self.socket.getsockopt(SOL_PACKET, PACKET_STATISTICS, 8))
+        self._ask_kernel()
         self.socket.close()
-        assert dropped == 0, f"{dropped} frames of the test's own count were lost"
 
     def _listen(self):
         frame = bytearray(128)
@@ -130,6 +130,7 @@ class Sniffer:
                     return
                 continue
             self._add(frame, size, protocol, kind == PACKET_OUTGOING)
+            self.frames += 1
 
     def _add(self, frame, size, protocol, upload):
         if upload:
@@ -158,10 +159,18 @@ class Sniffer:
     def settled(self, counters):
         """What COUNTERS tells, and what was seen here, at one moment when nothing is on its way."""
         while True:
-            told, seen = counters(), (self.received, self.sent)
-            time.sleep(0.2)
-            if seen == (self.received, self.sent):
+            told = counters()
+            time.sleep(0.05)
+            self._ask_kernel()
+            frames, seen = self.frames, (self.received, self.sent)
+            if frames == self.delivered and counters() == told:
                 return told, seen
+
+    def _ask_kernel(self):
+        delivered, dropped = struct.unpack(
+            "II", self.socket.getsockopt(SOL_PACKET, PACKET_STATISTICS, 8))
+        self.delivered += delivered
+        assert dropped == 0, f"{dropped} frames of the test's own count were lost"
 
     def sums(self, key):
         """By what KEY tells of a flow: bytes received and bytes sent; flows without a key left out."""
