@@ -12,7 +12,7 @@
 #include <sched.h>
 #include <sys/socket.h>
 
-#include <cerrno>
+#include <chrono>
 #include <functional>
 #include <string>
 #include <thread>
@@ -67,8 +67,8 @@ public:
                                       "peer name %1 address %4 netns %5")
                            .arg(name, QString::number(index), mac(1), mac(2), there)) &&
                     setUp(name, prefixes, 1);
-        inNeighbour([&] { done = done && setUp(name, prefixes, 2); });
-        return done;
+        inNeighbour([&] { done = done && setUp(name, prefixes, 2) && isSending(name); });
+        return done && isSending(name);
     }
 
     static bool disconnect(const QString& name)
@@ -112,6 +112,23 @@ private:
                           .arg(prefix, QString::number(other), mac(other), name));
         }
         return done;
+    }
+
+    /// Waits until the kernel has noticed, in its own time, that the other end is up. Until then it
+    /// drops what is sent and reports no error.
+    static bool isSending(const QString& name)
+    {
+        constexpr int attempts = 1000;
+        for (int i = 0; i < attempts; ++i) {
+            QProcess process;
+            process.start(QStringLiteral("ip"),
+                          {QStringLiteral("link"), QStringLiteral("show"), name});
+            if (process.waitForFinished() && process.readAll().contains("qdisc noqueue state UP")) {
+                return true;
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        }
+        return false;
     }
 
     FileDescriptor m_before;
