@@ -151,6 +151,7 @@ void PCapInterfaceThread::close()
     closing.swap(m_handle);
 }
 
+// NOLINTNEXTLINE(readability-non-const-parameter): the type is libpcap's.
 void PCapInterfaceThread::packetCallback(unsigned char* thread, const pcap_pkthdr* header,
                                          const unsigned char* frame)
 {
