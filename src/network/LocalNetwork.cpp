@@ -35,7 +35,7 @@ constexpr std::uint32_t Ipv4Broadcast = 0xFFFF'FFFF;
 
 /// The address in the upper half and the port in the lower one, so that no reader ever sees the one
 /// of an old proxy beside the other of a new one.
-std::atomic<std::uint64_t> localProxy = 0;
+std::atomic<std::uint64_t> s_localProxy = 0;
 
 constexpr std::uint64_t endpoint(unsigned long ipnum, unsigned int port)
 {
@@ -76,7 +76,7 @@ bool isLocalOrMulticastIpv6(std::span<const std::uint8_t, 16> bytes)
 
 bool Utils::GeoIP_is_private_ipnum_v4(unsigned long ipnum, unsigned int port)
 {
-    if (endpoint(ipnum, port) == localProxy.load(std::memory_order_relaxed)) {
+    if (endpoint(ipnum, port) == s_localProxy.load(std::memory_order_relaxed)) {
         return false;
     }
     return isPrivate(static_cast<std::uint32_t>(ipnum));
@@ -84,7 +84,7 @@ bool Utils::GeoIP_is_private_ipnum_v4(unsigned long ipnum, unsigned int port)
 
 void Utils::setLocalProxy(unsigned long ipnum, unsigned int port)
 {
-    localProxy.store(endpoint(ipnum, port), std::memory_order_relaxed);
+    s_localProxy.store(endpoint(ipnum, port), std::memory_order_relaxed);
 }
 
 bool isLocalOrMulticast(const IpAddress& address)

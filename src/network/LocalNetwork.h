@@ -9,6 +9,7 @@ namespace Utils {
 /// 172.16.0.0/12, 192.168.0.0/16 (RFC 1918, RFC 3927) or 127.0.0.0/8. The proxy at `setLocalProxy`
 /// does not: what passes it goes on to the internet. `ipnum` is in the host's byte order. Any
 /// thread.
+// NOLINTNEXTLINE(readability-identifier-naming): named as GeoIP's C functions are.
 bool GeoIP_is_private_ipnum_v4(unsigned long ipnum, unsigned int port);
 
 /// The proxy in use, an IPv4 address in the host's byte order and a port; both 0 for none. Any

@@ -26,9 +26,9 @@ struct Packet
 {
     IpAddress source;
     IpAddress destination;
-    std::uint8_t protocol;
-    unsigned short sourcePort;
-    unsigned short destinationPort;
+    std::uint8_t protocol = 0;
+    unsigned short sourcePort = 0;
+    unsigned short destinationPort = 0;
 };
 
 template <typename Number>

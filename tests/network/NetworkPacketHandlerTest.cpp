@@ -109,6 +109,81 @@ QString eventOf(int version, const Frame& captured, Direction direction = Direct
     return notes.all;
 }
 
+void row(const char* name, int version, const Frame& captured, Direction direction,
+         const char* event)
+{
+    QTest::newRow(name) << version << captured << direction << QString::fromLatin1(event);
+}
+
+constexpr Direction Unknown = Direction::Unknown;
+
+void addDirections()
+{
+    const Frame toLocal = frame("8.8.8.8", "192.168.1.5", Udp);
+    const Frame fromLocal = frame("192.168.1.5", "8.8.8.8");
+    row("from here", 4, fromLocal, Unknown, "up 8.8.8.8:443 40000 tcp 1500/1500");
+    row("to here", 4, toLocal, Unknown, "down 8.8.8.8:40000 443 udp 1500/1500");
+    row("both ends here", 4, frame("192.168.1.5", "10.0.0.5"), Unknown,
+        "up 10.0.0.5:443 40000 tcp 1500/0");
+    row("foreign ends", 4, frame("192.168.1.6", "8.8.8.8"), Unknown, "");
+    row("foreign ends, outgoing", 4, frame("192.168.1.6", "8.8.8.8"), Direction::Outgoing,
+        "up 8.8.8.8:443 40000 tcp 1500/1500");
+    row("to here, outgoing", 4, toLocal, Direction::Outgoing,
+        "up 192.168.1.5:443 40000 udp 1500/0");
+    row("from here, incoming", 4, fromLocal, Direction::Incoming,
+        "down 192.168.1.5:40000 443 tcp 1500/0");
+    row("from here, another direction", 4, fromLocal, static_cast<Direction>(3),
+        "down 192.168.1.5:40000 443 tcp 1500/0");
+}
+
+void addRulesOfIpv4()
+{
+    row("ignored destination", 4, frame("192.168.1.5", "14.255.255.255"), Unknown, "");
+    row("ignored destination as source", 4, frame("14.255.255.255", "192.168.1.5"), Unknown,
+        "down 14.255.255.255:40000 443 tcp 1500/1500");
+    row("before the ignored destination", 4, frame("192.168.1.5", "14.255.255.254"), Unknown,
+        "up 14.255.255.254:443 40000 tcp 1500/1500");
+    row("multicast is internet", 4, frame("192.168.1.5", "224.0.0.251", Udp), Unknown,
+        "up 224.0.0.251:443 40000 udp 1500/1500");
+    row("ports from the options", 4, frameWithOptions(), Unknown,
+        "up 8.8.8.8:1 37892 tcp 1500/1500");
+    row("ports from a later fragment's data", 4, laterFragment(), Unknown,
+        "down 8.8.8.8:258 772 udp 1500/1500");
+}
+
+void addRulesOfIpv6()
+{
+    row("IPv6", 6, frame("2001:db8::5", "2001:db8::9"), Unknown,
+        "up 2001:db8::9:443 40000 tcp 1500/1500");
+    row("IPv6, first byte 0xE0", 6, frame("e012:3::1", "2001:db8::5"), Unknown,
+        "down e012:3::1:40000 443 tcp 1500/0");
+    row("IPv6, first byte 0xE1", 6, frame("2001:db8::5", "e1e0::1"), Unknown,
+        "up e1e0::1:443 40000 tcp 1500/1500");
+    row("IPv6, 0xE0 at this end", 6, frame("e000::1", "2001:db8::9"), Direction::Outgoing,
+        "up 2001:db8::9:443 40000 tcp 1500/1500");
+    row("IPv6 multicast is internet", 6, frame("2001:db8::5", "ff02::fb", Udp), Unknown,
+        "up ff02::fb:443 40000 udp 1500/1500");
+    row("IPv6 link-local is internet", 6, frame("fe80::1", "2001:db8::5"), Unknown,
+        "down fe80::1:40000 443 tcp 1500/1500");
+    row("IPv6 in 14.255.255.255's bytes", 6, frame("2001:db8::5", "ffff:ff0e::"), Unknown,
+        "up ffff:ff0e:::443 40000 tcp 1500/1500");
+}
+
+void addWhatIsNotCounted()
+{
+    for (const int version : {0, 1, 5, 7, 15, 0x45, 255}) {
+        QTest::addRow("version %d", version)
+            << version << frame("192.168.1.5", "8.8.8.8") << Unknown << QString();
+    }
+    for (const int protocol : {0, 1, 2, 4, 5, 7, 16, 18, 41, 47, 50, 58, 132, 136, 255}) {
+        const auto number = static_cast<std::uint8_t>(protocol);
+        QTest::addRow("protocol %d", protocol)
+            << 4 << frame("192.168.1.5", "8.8.8.8", number) << Unknown << QString();
+        QTest::addRow("IPv6, protocol %d", protocol)
+            << 6 << frame("2001:db8::5", "2001:db8::9", number) << Unknown << QString();
+    }
+}
+
 } // namespace
 
 class NetworkPacketHandlerTest : public QObject
@@ -132,64 +207,10 @@ void NetworkPacketHandlerTest::attributes_data()
     QTest::addColumn<Frame>("captured");
     QTest::addColumn<Direction>("direction");
     QTest::addColumn<QString>("event");
-    const auto row = [](const char* name, int version, const Frame& captured, Direction direction,
-                        const char* event) {
-        QTest::newRow(name) << version << captured << direction << QString::fromLatin1(event);
-    };
-    const Direction unknown = Direction::Unknown;
-    const Frame toLocal = frame("8.8.8.8", "192.168.1.5", Udp);
-    const Frame fromLocal = frame("192.168.1.5", "8.8.8.8");
-    row("from here", 4, fromLocal, unknown, "up 8.8.8.8:443 40000 tcp 1500/1500");
-    row("to here", 4, toLocal, unknown, "down 8.8.8.8:40000 443 udp 1500/1500");
-    row("both ends here", 4, frame("192.168.1.5", "10.0.0.5"), unknown,
-        "up 10.0.0.5:443 40000 tcp 1500/0");
-    row("foreign ends", 4, frame("192.168.1.6", "8.8.8.8"), unknown, "");
-    row("foreign ends, outgoing", 4, frame("192.168.1.6", "8.8.8.8"), Direction::Outgoing,
-        "up 8.8.8.8:443 40000 tcp 1500/1500");
-    row("to here, outgoing", 4, toLocal, Direction::Outgoing,
-        "up 192.168.1.5:443 40000 udp 1500/0");
-    row("from here, incoming", 4, fromLocal, Direction::Incoming,
-        "down 192.168.1.5:40000 443 tcp 1500/0");
-    row("from here, another direction", 4, fromLocal, static_cast<Direction>(3),
-        "down 192.168.1.5:40000 443 tcp 1500/0");
-
-    row("ignored destination", 4, frame("192.168.1.5", "14.255.255.255"), unknown, "");
-    row("ignored destination as source", 4, frame("14.255.255.255", "192.168.1.5"), unknown,
-        "down 14.255.255.255:40000 443 tcp 1500/1500");
-    row("before the ignored destination", 4, frame("192.168.1.5", "14.255.255.254"), unknown,
-        "up 14.255.255.254:443 40000 tcp 1500/1500");
-    row("multicast is internet", 4, frame("192.168.1.5", "224.0.0.251", Udp), unknown,
-        "up 224.0.0.251:443 40000 udp 1500/1500");
-    row("ports from the options", 4, frameWithOptions(), unknown,
-        "up 8.8.8.8:1 37892 tcp 1500/1500");
-    row("ports from a later fragment's data", 4, laterFragment(), unknown,
-        "down 8.8.8.8:258 772 udp 1500/1500");
-
-    row("IPv6", 6, frame("2001:db8::5", "2001:db8::9"), unknown,
-        "up 2001:db8::9:443 40000 tcp 1500/1500");
-    row("IPv6, first byte 0xE0", 6, frame("e012:3::1", "2001:db8::5"), unknown,
-        "down e012:3::1:40000 443 tcp 1500/0");
-    row("IPv6, first byte 0xE1", 6, frame("2001:db8::5", "e1e0::1"), unknown,
-        "up e1e0::1:443 40000 tcp 1500/1500");
-    row("IPv6, 0xE0 at this end", 6, frame("e000::1", "2001:db8::9"), Direction::Outgoing,
-        "up 2001:db8::9:443 40000 tcp 1500/1500");
-    row("IPv6 multicast is internet", 6, frame("2001:db8::5", "ff02::fb", Udp), unknown,
-        "up ff02::fb:443 40000 udp 1500/1500");
-    row("IPv6 link-local is internet", 6, frame("fe80::1", "2001:db8::5"), unknown,
-        "down fe80::1:40000 443 tcp 1500/1500");
-    row("IPv6 in 14.255.255.255's bytes", 6, frame("2001:db8::5", "ffff:ff0e::"), unknown,
-        "up ffff:ff0e:::443 40000 tcp 1500/1500");
-
-    for (const int version : {0, 1, 5, 7, 15, 0x45, 255}) {
-        QTest::addRow("version %d", version) << version << fromLocal << unknown << QString();
-    }
-    for (const int protocol : {0, 1, 2, 4, 5, 7, 16, 18, 41, 47, 50, 58, 132, 136, 255}) {
-        const auto number = static_cast<std::uint8_t>(protocol);
-        QTest::addRow("protocol %d", protocol)
-            << 4 << frame("192.168.1.5", "8.8.8.8", number) << unknown << QString();
-        QTest::addRow("IPv6, protocol %d", protocol)
-            << 6 << frame("2001:db8::5", "2001:db8::9", number) << unknown << QString();
-    }
+    addDirections();
+    addRulesOfIpv4();
+    addRulesOfIpv6();
+    addWhatIsNotCounted();
 }
 
 void NetworkPacketHandlerTest::attributes()
