@@ -27,7 +27,9 @@ NetworkPorts::NetworkPorts(QObject* parent)
     m_thread.setObjectName(QStringLiteral("tv-ports"));
     m_updater->moveToThread(&m_thread);
     connect(&m_thread, &QThread::finished, m_updater, &QObject::deleteLater);
-    connect(m_updater, &thread_networkPortsUpdater::loaded, this, &NetworkPorts::set);
+    // On the updater's thread, which ends before this object does.
+    connect(m_updater, &thread_networkPortsUpdater::loaded, this, &NetworkPorts::handOver,
+            Qt::DirectConnection);
     m_thread.start();
 }
 
@@ -45,8 +47,11 @@ void NetworkPorts::load(const QString& dataDirectory)
         Qt::QueuedConnection);
 }
 
-void NetworkPorts::set(const QHash<int, QString>& tcp, const QHash<int, QString>& udp)
+void NetworkPorts::handOver(const QHash<int, QString>& tcp, const QHash<int, QString>& udp)
 {
-    m_descriptions = {tcp, udp};
-    Q_EMIT changed();
+    const auto take = [this, descriptions = PortDescriptions{tcp, udp}] {
+        m_descriptions = descriptions;
+        Q_EMIT changed();
+    };
+    QMetaObject::invokeMethod(this, take, Qt::QueuedConnection);
 }

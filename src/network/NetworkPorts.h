@@ -40,7 +40,8 @@ Q_SIGNALS:
     void changed();
 
 private:
-    void set(const QHash<int, QString>& tcp, const QHash<int, QString>& udp);
+    /// Runs on the updater's thread.
+    void handOver(const QHash<int, QString>& tcp, const QHash<int, QString>& udp);
 
     PortDescriptions m_descriptions;
     QThread m_thread;
