@@ -12,7 +12,6 @@
 
 #include <algorithm>
 #include <array>
-#include <limits>
 #include <utility>
 
 namespace {
@@ -164,9 +163,9 @@ void PCapInterfaceThread::handlePacket(const pcap_pkthdr& header, const unsigned
     if (!packet) {
         return;
     }
-    // A packet that the network card is to cut up can be longer than any on the wire.
-    constexpr bpf_u_int32 longest = std::numeric_limits<unsigned short>::max();
-    const auto length = static_cast<unsigned short>(std::min(header.len, longest));
+    // Its lower sixteen bits, as the ring counts it: longer than any on the wire is only what the
+    // network card is yet to cut up, where that is allowed to be so long at all.
+    const auto length = static_cast<unsigned short>(header.len);
     const QMutexLocker lock(&m_counters.mutex());
     NetworkPacketHandler::handle(packet->version, packet->captured, length,
                                  NetworkPacketHandler::Direction::Unknown, m_localAddresses, *this,
