@@ -4,6 +4,7 @@
 #include "base/Utils.h"
 #include "network/IpAddress.h"
 #include "network/NetworkTraffic.h"
+#include "network/TrafficTable.h"
 
 #include <QHash>
 #include <QRecursiveMutex>
@@ -19,8 +20,8 @@ struct InterfaceTraffic
 };
 
 /// What one capture thread accumulates. The capture thread adds, the main thread takes: each take
-/// swaps one accumulator for an empty one that is already as large as the last one was, so that the
-/// lock is held for a few instructions and adding allocates nothing once the traffic is steady.
+/// swaps one table for the emptied one that the take before it left, so that the lock is held for a
+/// few instructions and adding allocates nothing once the traffic is steady.
 ///
 /// A flood of invented addresses does not fill the memory: beyond `AddressLimit` addresses between
 /// two takes, further ones are counted together under the default `IpAddress`.
@@ -44,11 +45,26 @@ public:
     QHash<int, InterfaceTraffic> takeInterfaces(); ///< By the kernel's interface index.
 
 private:
+    template <typename Key, typename Value>
+    struct Accumulator
+    {
+        TrafficTable<Key, Value> filling; ///< Guarded by the mutex.
+        TrafficTable<Key, Value> spare;   ///< Empty between two takes. Thread: main.
+    };
+
+    using Ports = Accumulator<unsigned short, NetworkTraffic>;
+
+    template <typename Key, typename Value>
+    QHash<Key, Value> take(Accumulator<Key, Value>& accumulator);
+
+    NetworkTraffic& trafficWith(const IpAddress& remote);
+    Ports& remotePorts(Utils::TrafficType type);
+
     QRecursiveMutex m_mutex;
-    PortTraffic m_ports;
-    PortTraffic m_portsTcp;
-    PortTraffic m_portsUdp;
-    PortTraffic m_portsOther;
-    AddressTraffic m_addresses;
-    QHash<int, InterfaceTraffic> m_interfaces;
+    Ports m_ports;
+    Ports m_portsTcp;
+    Ports m_portsUdp;
+    Ports m_portsOther;
+    Accumulator<IpAddress, NetworkTraffic> m_addresses;
+    Accumulator<int, InterfaceTraffic> m_interfaces;
 };

@@ -4,9 +4,10 @@
 #include <algorithm>
 #include <cmath>
 
-QuantityScale::QuantityScale(qint64 largest, Form form)
+QuantityScale::QuantityScale(qint64 largest, Form form, qint64 least)
     : m_largest(std::max<qint64>(largest, 0))
     , m_form(form)
+    , m_least(std::max<qint64>(least, 1))
 {
 }
 
@@ -20,12 +21,17 @@ double QuantityScale::share(qint64 count) const
     if (m_form == Form::Linear) {
         return value / largest;
     }
-    return m_largest == 1 ? 1 : std::log(value) / std::log(largest);
+    const auto least = static_cast<double>(m_least);
+    return m_largest <= m_least
+               ? 1
+               : std::max(0.0, std::log(value / least) / std::log(largest / least));
 }
 
 qint64 QuantityScale::countAt(double share) const
 {
     const auto largest = static_cast<double>(m_largest);
-    const double count = m_form == Form::Linear ? share * largest : std::pow(largest, share);
+    const auto least = static_cast<double>(m_least);
+    const double count =
+        m_form == Form::Linear ? share * largest : least * std::pow(largest / least, share);
     return m_largest == 0 ? 0 : std::llround(count);
 }

@@ -10,17 +10,18 @@ public:
     enum class Form
     {
         Linear,      ///< From 0; twice the count, twice the share.
-        Logarithmic, ///< From 1; tenfold counts lie equally far apart.
+        Logarithmic, ///< From the least; tenfold counts lie equally far apart.
     };
 
     QuantityScale() = default;
-    QuantityScale(qint64 largest, Form form);
+    /// `least`, 1 or more, is where a logarithmic scale begins; what is less lies there too.
+    QuantityScale(qint64 largest, Form form, qint64 least = 1);
 
     Form form() const { return m_form; }
 
     qint64 largest() const { return m_largest; }
 
-    /// The share of a count from 1 to the largest: 0 to 1.
+    /// The share of a count up to the largest: 0 to 1.
     double share(qint64 count) const;
 
     /// The count at a share, which is what a legend writes there.
@@ -31,4 +32,5 @@ public:
 private:
     qint64 m_largest = 0;
     Form m_form = Form::Linear;
+    qint64 m_least = 1;
 };

@@ -20,10 +20,18 @@ constexpr qint64 LeastParted = 4; ///< Below, the count in the middle would be o
 ScaleLegend::ScaleLegend(QString unit, QWidget* parent)
     : QWidget(parent)
     , m_unit(std::move(unit))
+    , m_textOf(&Format::shortCount)
 {
     setFont(Theme::font(Theme::TextSize::Caption));
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     setAccessibleName(tr("Colour scale"));
+}
+
+void ScaleLegend::setTextOf(QString (*textOf)(qint64 count))
+{
+    m_textOf = textOf;
+    updateGeometry();
+    update();
 }
 
 void ScaleLegend::setScale(const QuantityScale& scale)
@@ -33,7 +41,7 @@ void ScaleLegend::setScale(const QuantityScale& scale)
     }
     const bool sameForm = scale.form() == m_scale.form();
     m_scale = scale;
-    setAccessibleDescription(tr("%1, up to %2").arg(caption(), Format::count(scale.largest())));
+    setAccessibleDescription(tr("%1, up to %2").arg(caption(), m_textOf(scale.largest())));
     if (!sameForm) {
         updateGeometry();
     }
@@ -49,7 +57,8 @@ QString ScaleLegend::caption() const
 QSize ScaleLegend::sizeHint() const
 {
     // The last count stands under the end of the bar, half of it beyond.
-    const int overhang = fontMetrics().horizontalAdvance(QStringLiteral("88.8K")) / 2;
+    constexpr qint64 longest = 888'888'888;
+    const int overhang = fontMetrics().horizontalAdvance(m_textOf(longest)) / 2;
     return {fontMetrics().horizontalAdvance(caption()) + Theme::Gap + BarWidth + overhang,
             BarHeight + fontMetrics().height()};
 }
@@ -93,7 +102,6 @@ void ScaleLegend::paintEvent(QPaintEvent*)
         }
         const QRectF place(bar.left() + bar.width() * share - BarWidth / 2.0, bar.bottom(),
                            BarWidth, fontMetrics().height());
-        painter.drawText(place, Qt::AlignHCenter | Qt::AlignTop,
-                         Format::shortCount(m_scale.countAt(share)));
+        painter.drawText(place, Qt::AlignHCenter | Qt::AlignTop, m_textOf(m_scale.countAt(share)));
     }
 }

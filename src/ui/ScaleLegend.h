@@ -15,6 +15,9 @@ public:
     /// `unit` names what is counted: "Keys".
     explicit ScaleLegend(QString unit, QWidget* parent = nullptr);
 
+    /// How the counts read; shortened where nothing is said.
+    void setTextOf(QString (*textOf)(qint64 count));
+
     void setScale(const QuantityScale& scale);
 
     QSize sizeHint() const override;
@@ -29,5 +32,6 @@ private:
     void paintBar(QPainter& painter, const QRectF& bar) const;
 
     QString m_unit;
+    QString (*m_textOf)(qint64 count);
     QuantityScale m_scale;
 };
