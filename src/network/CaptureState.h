@@ -25,4 +25,6 @@ struct CaptureState
 
     /// The command that would let this program capture packets; empty where it may already.
     QString command = {};
+
+    friend bool operator==(const CaptureState&, const CaptureState&) = default;
 };

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/network/NetworkTables.h"
 
-#include "network/CountryDatabase.h"
+#include "ui/network/CountryNames.h"
 
 #include <QCoreApplication>
 #include <QLocale>
@@ -18,12 +18,12 @@ struct Text
 
 TrafficModel::Column download()
 {
-    return {.header = Text::tr("Downloaded"), .kind = Kind::Bytes};
+    return {.header = Text::tr("Download"), .kind = Kind::Bytes};
 }
 
 TrafficModel::Column upload()
 {
-    return {.header = Text::tr("Uploaded"), .kind = Kind::Bytes};
+    return {.header = Text::tr("Upload"), .kind = Kind::Bytes};
 }
 
 TrafficModel::Column share()
@@ -64,7 +64,7 @@ QList<TrafficModel::Column> NetworkTables::interfaceColumns()
     return {{.header = Text::tr("Interface")},
             {.header = Text::tr("Hardware address")},
             {.header = Text::tr("Kind")},
-            {.header = Text::tr("Addresses")},
+            {.header = Text::tr("Addresses"), .kind = Kind::LongText},
             {.header = Text::tr("Last seen"), .kind = Kind::Time},
             download(),
             upload()};
@@ -140,18 +140,6 @@ QList<TrafficModel::Row> NetworkTables::services(const QList<ServiceTraffic>& se
                      .toolTip = {}});
     }
     return rows;
-}
-
-QString NetworkTables::countryName(const QString& code)
-{
-    if (code == CountryDatabase::unknownCode()) {
-        return Text::tr("Unknown country");
-    }
-    if (code == CountryDatabase::localCode()) {
-        return Text::tr("Local network");
-    }
-    const QLocale::Territory territory = QLocale::codeToTerritory(code);
-    return territory == QLocale::AnyTerritory ? code : QLocale::territoryToString(territory);
 }
 
 QString NetworkTables::interfaceKey(const QString& macAddress)

@@ -31,9 +31,6 @@ QList<TrafficModel::Row> countries(const QList<CountryTraffic>& countries);
 QList<TrafficModel::Row> services(const QList<ServiceTraffic>& services,
                                   const PortDescription& describe);
 
-/// "Germany" for "DE"; the code where no country has it.
-QString countryName(const QString& code);
-
 /// The key that interfaces are told apart by: addresses were stored in lower case, too.
 QString interfaceKey(const QString& macAddress);
 

@@ -11,6 +11,7 @@
 #include "ui/network/LiveChart.h"
 #include "ui/network/NetworkNotice.h"
 #include "ui/network/TrafficTable.h"
+#include "ui/network/WorldMap.h"
 
 #include <QComboBox>
 #include <QDateTime>
@@ -23,6 +24,7 @@ constexpr int TileCount = 5;
 constexpr int LiveMs = 1000;
 constexpr int ChartHeight = 208;
 constexpr int TableHeight = 304;
+constexpr int MapHeight = 400;
 
 QString rateText(const std::optional<double>& rate)
 {
@@ -60,9 +62,9 @@ NetworkView::NetworkView(ViewContext context, QWidget* parent)
     addFigures();
     addLive();
     addCourse();
+    addCountries();
     addApplications();
     addServices();
-    addCountries();
     addInterfaces();
     m_liveTimer.setInterval(LiveMs);
     connect(&m_liveTimer, &QTimer::timeout, this, &NetworkView::followLive);
@@ -113,6 +115,29 @@ void NetworkView::addCourse()
     connect(m_chart, &CourseChart::daysClicked, this, &View::daysRequested);
 }
 
+void NetworkView::addCountries()
+{
+    const QString title = tr("Traffic by country");
+    m_countryLink = new QLabel;
+    m_countryLink->setObjectName(QStringLiteral("countryDatabase"));
+    m_countryLink->setTextInteractionFlags(Qt::LinksAccessibleByMouse |
+                                           Qt::LinksAccessibleByKeyboard);
+    m_countryLink->setText(
+        QStringLiteral("<a href=\"download\">%1</a>").arg(tr("Download the country database")));
+    m_countryLink->hide();
+    connect(m_countryLink, &QLabel::linkActivated, this, &NetworkView::countryDatabaseWanted);
+    m_map = new WorldMap;
+    m_map->setEmptyText(tr("The countries that you exchange data with appear here."));
+    m_mapCard = addCard(new Card(QStringLiteral("countryMap"), title, m_map, m_countries),
+                        {.row = 3, .height = MapHeight, .stretch = 2, .narrowHeight = MapHeight});
+    m_mapCard->setControl(m_countryLink);
+    const QString tableTitle = tr("Countries");
+    auto* table = new TrafficTable(*m_countries, tableTitle, NetworkTables::NamedDownload, {});
+    m_countryCard =
+        addCard(new Card(QStringLiteral("countryTraffic"), tableTitle, table, m_countries),
+                {.row = 4, .span = 3, .height = TableHeight, .narrowHeight = TableHeight});
+}
+
 void NetworkView::addApplications()
 {
     const QString title = tr("Traffic by application");
@@ -123,9 +148,9 @@ void NetworkView::addApplications()
         m_looks->want(path);
         return m_looks->icon(path);
     });
-    m_applicationCard =
-        addCard(new Card(QStringLiteral("applicationTraffic"), title, table, m_applications),
-                {.row = 4, .span = 3, .height = TableHeight, .narrowHeight = TableHeight});
+    m_applicationCard = addCard(
+        new Card(QStringLiteral("applicationTraffic"), title, table, m_applications),
+        {.row = 4, .column = 3, .span = 3, .height = TableHeight, .narrowHeight = TableHeight});
     connect(m_looks, &ApplicationLooks::found, this, &NetworkView::showApplications);
     connect(table, &TrafficTable::exclusionWanted, this, &NetworkView::confirmExclusion);
     connect(table, &TrafficTable::inclusionWanted, this, [this](const QStringList& paths) {
@@ -139,26 +164,8 @@ void NetworkView::addServices()
 {
     const QString title = tr("Traffic by port");
     auto* table = new TrafficTable(*m_services, title, NetworkTables::ServiceDownload, {});
-    m_serviceCard = addCard(
-        new Card(QStringLiteral("portTraffic"), title, table, m_services),
-        {.row = 4, .column = 3, .span = 3, .height = TableHeight, .narrowHeight = TableHeight});
-}
-
-void NetworkView::addCountries()
-{
-    const QString title = tr("Traffic by country");
-    m_countryLink = new QLabel;
-    m_countryLink->setObjectName(QStringLiteral("countryDatabase"));
-    m_countryLink->setTextInteractionFlags(Qt::LinksAccessibleByMouse |
-                                           Qt::LinksAccessibleByKeyboard);
-    m_countryLink->setText(
-        QStringLiteral("<a href=\"download\">%1</a>").arg(tr("Download the country database")));
-    m_countryLink->hide();
-    connect(m_countryLink, &QLabel::linkActivated, this, &NetworkView::countryDatabaseWanted);
-    auto* table = new TrafficTable(*m_countries, title, NetworkTables::NamedDownload, {});
-    m_countryCard = addCard(new Card(QStringLiteral("countryTraffic"), title, table, m_countries),
-                            {.row = 3, .height = TableHeight, .narrowHeight = TableHeight});
-    m_countryCard->setControl(m_countryLink);
+    m_serviceCard = addCard(new Card(QStringLiteral("portTraffic"), title, table, m_services),
+                            {.row = 5, .height = TableHeight, .narrowHeight = TableHeight});
 }
 
 void NetworkView::addInterfaces()
@@ -167,8 +174,9 @@ void NetworkView::addInterfaces()
     auto* table = new TrafficTable(
         *m_interfaces, title, NetworkTables::InterfaceDownload,
         {.exclude = tr("Do not count this interface"), .include = tr("Count again")});
-    m_interfaceCard = addCard(new Card(QStringLiteral("interfaces"), title, table, m_interfaces),
-                              {.row = 5, .height = ChartHeight, .narrowHeight = ChartHeight});
+    m_interfaceCard =
+        addCard(new Card(QStringLiteral("interfaces"), title, table, m_interfaces),
+                {.row = 6, .height = ChartHeight, .stretch = 0, .narrowHeight = ChartHeight});
     m_excludedInterfaces =
         new ExcludedButton(tr("Excluded interfaces (%1)"),
                            tr("Interfaces that are no longer counted, to count them again"),
@@ -195,6 +203,9 @@ void NetworkView::setRecent(ReadRecent read)
 
 void NetworkView::setCapture(const std::optional<CaptureState>& state)
 {
+    if (m_isCaptureKnown && state == m_capture) {
+        return;
+    }
     m_capture = state;
     m_isCaptureKnown = true;
     showExplanations();
@@ -203,6 +214,9 @@ void NetworkView::setCapture(const std::optional<CaptureState>& state)
 
 void NetworkView::setCountryLookup(CountryLookup lookup)
 {
+    if (lookup == m_lookup) {
+        return;
+    }
     m_lookup = lookup;
     showExplanations();
 }
@@ -268,8 +282,8 @@ void NetworkView::showTiles()
                                    bytesTile(tr("Downloaded"), sum.download, {}),
                                    bytesTile(tr("Uploaded"), sum.upload, {})};
     if (days > 1) {
-        tiles.append(bytesTile(tr("Per day"), sum.sum() / days,
-                               tr("Mean of %1 days, both directions").arg(Format::count(days))));
+        tiles.append(bytesTile(tr("Both, per day"), sum.sum() / days,
+                               tr("Mean of %1 days").arg(Format::count(days))));
     }
     m_tiles->setTiles(tiles);
 }
@@ -309,6 +323,13 @@ void NetworkView::showTables()
     showApplications();
     showServices();
     m_countries->setRows(NetworkTables::countries(m_figures.countries));
+    QList<CountryValue> values;
+    for (const CountryTraffic& one : std::as_const(m_figures.countries)) {
+        values.append({.code = one.country,
+                       .download = static_cast<quint64>(one.traffic.download),
+                       .upload = static_cast<quint64>(one.traffic.upload)});
+    }
+    m_map->setValues(values);
     m_interfaces->setRows(NetworkTables::interfaces(m_figures.interfaces));
 }
 
@@ -341,11 +362,11 @@ void NetworkView::showExplanations()
     m_applicationCard->setExplanation(missing);
     m_serviceCard->setExplanation(missing);
     const bool lacksDatabase = m_lookup == CountryLookup::NoDatabase;
-    m_countryCard->setExplanation(isLimited ? missing
-                                  : lacksDatabase
-                                      ? tr("Statistics per country do not work without a country "
-                                           "database")
-                                      : QString());
+    m_mapCard->setExplanation(isLimited ? missing
+                              : lacksDatabase
+                                  ? tr("Statistics per country do not work without a country "
+                                       "database")
+                                  : QString());
     const bool isServed =
         isSignalConnected(QMetaMethod::fromSignal(&NetworkView::countryDatabaseWanted));
     m_countryLink->setVisible(lacksDatabase && isServed);

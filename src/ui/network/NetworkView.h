@@ -17,6 +17,7 @@ class LiveChart;
 class QComboBox;
 class QLabel;
 class TrafficTable;
+class WorldMap;
 
 /// What crossed the network: now, over the chosen days, and by interface, application, country and
 /// service. How it is watched and what is excluded from counting it is told; it only asks for
@@ -85,9 +86,9 @@ private:
     void addFigures();
     void addLive();
     void addCourse();
+    void addCountries();
     void addApplications();
     void addServices();
-    void addCountries();
     void addInterfaces();
     bool showFigures(const NetworkFigures& figures);
     void showTiles();
@@ -128,6 +129,8 @@ private:
     TrafficModel* m_interfaces;
     Card* m_applicationCard = nullptr;
     Card* m_serviceCard = nullptr;
+    WorldMap* m_map = nullptr;
+    Card* m_mapCard = nullptr;
     Card* m_countryCard = nullptr;
     Card* m_interfaceCard = nullptr;
     QLabel* m_countryLink = nullptr;

@@ -128,6 +128,7 @@ QString TrafficModel::text(const Row& row, int column) const
     case Kind::Text:
         return column == 0 && isExcluded(row.key) ? tr("%1 (not counted)").arg(cell.toString())
                                                   : cell.toString();
+    case Kind::LongText:
     case Kind::Number:
         return cell.toString();
     case Kind::Bytes:
@@ -163,7 +164,8 @@ QVariant TrafficModel::headerData(int section, Qt::Orientation orientation, int 
         return {};
     }
     const Column& column = m_columns.at(section);
-    const bool isLeft = column.kind == Kind::Text || column.kind == Kind::Time;
+    const bool isLeft =
+        column.kind == Kind::Text || column.kind == Kind::LongText || column.kind == Kind::Time;
     switch (role) {
     case Qt::DisplayRole:
         return column.kind == Kind::Share ? tr("%1 (%)").arg(column.header) : column.header;

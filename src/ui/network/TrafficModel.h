@@ -20,6 +20,7 @@ public:
     enum class Kind
     {
         Text,
+        LongText, ///< Shares the room that is left with the first column.
         Number,
         Bytes,
         Share, ///< 0 to 1.
@@ -53,6 +54,8 @@ public:
     void setExcluded(const QSet<QString>& keys);
 
     bool isExcluded(const QString& key) const { return m_excluded.contains(key); }
+
+    Kind kind(int column) const { return m_columns.at(column).kind; }
 
     /// Finds the icon of a row by its key.
     void setIcons(std::function<QIcon(const QString& key)> icons);

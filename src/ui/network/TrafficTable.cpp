@@ -37,6 +37,11 @@ TrafficTable::TrafficTable(TrafficModel& model, const QString& title, int sortCo
     , m_words(std::move(words))
 {
     view()->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    for (int column = 1; column < model.columnCount(); ++column) {
+        if (model.kind(column) == TrafficModel::Kind::LongText) {
+            view()->horizontalHeader()->setSectionResizeMode(column, QHeaderView::Stretch);
+        }
+    }
 }
 
 QStringList TrafficTable::selectedKeys() const
