@@ -223,6 +223,7 @@ void NetworkViewTest::followsTheLastMinuteWhileItIsSeen()
     QCOMPARE(download(), 15);
     choice->setCurrentIndex(1);
     QCOMPARE(download(), 10);
+    QCOMPARE(reads, 101);
     m_view->hide();
     const int seen = reads;
     QTest::qWait(1'100);
