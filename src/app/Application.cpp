@@ -18,6 +18,7 @@
 #include "profiles/ProfileManager.h"
 #include "stats/AllStats.h"
 #include "stats/Collector.h"
+#include "stats/CountryBandwidthStat.h"
 #include "storage/Database.h"
 #include "storage/MousePointPruning.h"
 #include "storage/Settings.h"
@@ -439,6 +440,14 @@ void Application::openMainWindow()
     m_window->open();
 }
 
+/// One that is switched off has nothing to file, and lacks nothing.
+bool Application::mayFileCountries() const
+{
+    const auto* countries =
+        m_collector->getStat<CountryBandwidthStat>(QStringLiteral("CountryBandwidthStat"));
+    return !countries->isEnabled() || countries->hasDatabase();
+}
+
 void Application::prepareWindow()
 {
     m_milestones = new Milestones(this);
@@ -452,7 +461,7 @@ void Application::prepareWindow()
     m_window = std::make_unique<MainWindowHost>(
         m_database->getDatabaseFileName(), context, *m_counting,
         ViewWiring::Parts{*m_platformSystem, *m_profiles, m_profileWiring->deletion(),
-                          *m_milestones, m_liveRates});
+                          *m_milestones, m_liveRates, [this] { return mayFileCountries(); }});
     connect(m_window.get(), &MainWindowHost::closed, m_tray, &TrayIcon::explainClosedWindow);
     connect(m_window.get(), &MainWindowHost::keyboardCountingRequested, this, [this] {
         m_counting->storeKeyboardOn();

@@ -109,6 +109,7 @@ private:
     void watchForTheEnd();
     void watchForSleep();
     void prepareWindow();
+    bool mayFileCountries() const;
     void resetProfile(const char* reason); ///< To the default one, where the setting wants it.
 
     void stopCollecting();

@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/ViewWiring.h"
 
+#include "network/CaptureState.h"
 #include "profiles/MilestoneTotals.h"
 #include "profiles/Milestones.h"
 #include "profiles/ProfileDeletion.h"
 #include "profiles/ProfileManager.h"
 #include "stats/LiveRates.h"
 #include "storage/Database.h"
+#include "storage/Settings.h"
+#include "storage/SettingsKeys.h"
 #include "system/CommonSystem.h"
 #include "ui/MainWindow.h"
 #include "ui/applications/ApplicationsView.h"
@@ -114,13 +117,10 @@ void ViewWiring::followNetwork(NetworkView* view)
 void ViewWiring::tellNetwork(NetworkView& view) const
 {
     view.setRates(m_parts.rates.downloadPerSecond(), m_parts.rates.uploadPerSecond());
-    if (m_parts.capture) {
-        view.setCapture(m_parts.capture());
-    }
-    if (m_parts.hasCountries) {
-        view.setCountryLookup(m_parts.hasCountries() ? NetworkView::CountryLookup::Possible
-                                                     : NetworkView::CountryLookup::NoDatabase);
-    }
+    const bool isWatched = Settings::instance().value(SettingsKeys::StatsNetEnable);
+    view.setCapture(isWatched ? std::optional(m_parts.system.captureState()) : std::nullopt);
+    view.setCountryLookup(m_parts.hasCountries() ? NetworkView::CountryLookup::Possible
+                                                 : NetworkView::CountryLookup::NoDatabase);
 }
 
 void ViewWiring::followOverview(OverviewView* view)

@@ -1,13 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "network/CaptureState.h"
-
 #include <QObject>
 #include <QTimer>
 
 #include <functional>
-#include <optional>
 
 class ApplicationsView;
 class CommonSystem;
@@ -37,12 +34,8 @@ public:
         Milestones& milestones;
         LiveRates& rates;
 
-        /// How traffic is watched now; nothing where it is not, by the user's wish. Null where
-        /// that is not known.
-        std::function<std::optional<CaptureState>()> capture = {};
-
-        /// Whether a country database is open. Null where that is not known.
-        std::function<bool()> hasCountries = {};
+        /// Whether traffic can be filed by country, as far as that is asked for.
+        std::function<bool()> hasCountries;
     };
 
     ViewWiring(MainWindow& window, const Parts& parts);

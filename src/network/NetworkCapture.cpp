@@ -4,6 +4,7 @@
 #include "base/FileDescriptor.h"
 #include "base/Log.h"
 #include "network/NetworkChanges.h"
+#include "network/PcapLibrary.h"
 #include "network/PcapNetworkTrafficMonitor.h"
 #include "network/PfRingNetworkTrafficMonitor.h"
 #include "network/ProcNetworkTrafficMonitor.h"
@@ -47,6 +48,7 @@ NetworkCapture::BackEnds systemBackEnds(const QString& root)
         .packetRing = [root] { return std::make_unique<PfRingNetworkTrafficMonitor>(root); },
         .pcap = [] { return std::make_unique<PcapNetworkTrafficMonitor>(); },
         .counters = [root] { return std::make_unique<ProcNetworkTrafficMonitor>(root); },
+        .isPcapMissing = [] { return w_pcap_create == nullptr; },
         .command = capabilityCommand(),
     };
 }
@@ -142,6 +144,7 @@ CaptureState NetworkCapture::state() const
     return {
         .backEnd = captures ? CaptureState::BackEnd::Pcap : CaptureState::BackEnd::Counters,
         .reason = reason(),
+        .pcapMissing = m_kind == Packets::Pcap && m_backEnds.isPcapMissing(),
         .command = m_kind == Packets::Pcap ? m_backEnds.command : QString(),
     };
 }

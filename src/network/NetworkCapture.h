@@ -24,6 +24,7 @@ public:
         MakeMonitor packetRing;
         MakeMonitor pcap;
         MakeMonitor counters;
+        std::function<bool()> isPcapMissing; ///< Asked once libpcap was looked for.
         QString command; ///< Would give the right to open the ring; empty where none would.
     };
 

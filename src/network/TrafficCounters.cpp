@@ -61,7 +61,7 @@ QHash<Key, Value> TrafficCounters::take(Accumulator<Key, Value>& accumulator)
 
 NetworkTraffic& TrafficCounters::trafficWith(const IpAddress& remote)
 {
-    TrafficTable<IpAddress, NetworkTraffic>& addresses = m_addresses.filling;
+    CountingTable<IpAddress, NetworkTraffic>& addresses = m_addresses.filling;
     if (addresses.size() < AddressLimit || addresses.contains(remote)) {
         return addresses[remote];
     }

@@ -4,7 +4,7 @@
 #include "base/Utils.h"
 #include "network/IpAddress.h"
 #include "network/NetworkTraffic.h"
-#include "network/TrafficTable.h"
+#include "network/CountingTable.h"
 
 #include <QHash>
 
@@ -49,8 +49,8 @@ private:
     template <typename Key, typename Value>
     struct Accumulator
     {
-        TrafficTable<Key, Value> filling; ///< Guarded by the mutex.
-        TrafficTable<Key, Value> spare;   ///< Empty between two takes. Thread: main.
+        CountingTable<Key, Value> filling; ///< Guarded by the mutex.
+        CountingTable<Key, Value> spare;   ///< Empty between two takes. Thread: main.
     };
 
     using Ports = Accumulator<unsigned short, NetworkTraffic>;

@@ -25,6 +25,8 @@ public:
     /// installed one. While none is open, nothing is filed.
     void reloadGeoDB();
 
+    bool hasDatabase() const { return m_countries.isOpen(); }
+
 private:
     void discardGathered() override;
     bool openGeoDB(const QString& path);

@@ -15,7 +15,7 @@
 /// are probed one after the other and point to them. The hash carries Qt's seed of this process, so
 /// that whoever chooses the keys cannot choose their slots.
 template <typename Key, typename Value>
-class TrafficTable final
+class CountingTable final
 {
 public:
     qsizetype size() const { return static_cast<qsizetype>(m_entries.size()); }
