@@ -120,8 +120,9 @@ void PcapNetworkTrafficMonitor::refresh()
     }
 }
 
-/// A thread on an interface that is switched off would look a thousand times a second whether it is
-/// back; and one whose interface was replaced by another of that name would wait for ever.
+/// On an interface that is switched off, libpcap would look a thousand times a second whether it is
+/// back. One that another of its name has replaced is told by its index, since its thread may not
+/// have noticed yet.
 void PcapNetworkTrafficMonitor::follow(const CaptureDevice& device, Sighting sighting,
                                        const QSet<IpAddress>& localAddresses)
 {

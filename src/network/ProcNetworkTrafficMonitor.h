@@ -4,6 +4,7 @@
 #include "network/InterfaceCounters.h"
 #include "network/NetworkTrafficMonitor.h"
 
+#include <QElapsedTimer>
 #include <QHash>
 #include <QObject>
 #include <QSet>
@@ -28,7 +29,7 @@ public:
 
     bool isSupported() const override { return m_isSupported; }
 
-    void updateNetworkDevices() override {}
+    void updateNetworkDevices() override { m_recordsAge.invalidate(); }
 
     int countThreads() const override { return 0; }
 
@@ -53,16 +54,19 @@ private:
     struct LastSeen
     {
         InterfaceCounters counters;
-        int index = 0; ///< Changes where another interface takes over the name.
+        int index = 0; ///< Another one where the interface was removed and made again.
     };
 
     QString pathOf(const QString& path) const;
     QHash<QString, Interface> existingInterfaces() const;
-    Interface recordOf(const QString& name, const Interface& existing);
+    void renewRecords(const QList<InterfaceCounters>& all);
+    Interface recordOf(const QString& name, const QStringList& addresses);
     QByteArray read(const QString& path);
 
     QString m_root;
     bool m_isSupported;
     QHash<QString, LastSeen> m_lastSeen;
-    QSet<QString> m_unreadable; ///< Paths that the log has told of.
+    QHash<QString, Interface> m_records; ///< By name.
+    QElapsedTimer m_recordsAge;          ///< Invalid until they were first made.
+    QSet<QString> m_unreadable;          ///< Paths that the log has told of.
 };

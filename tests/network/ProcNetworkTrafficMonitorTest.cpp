@@ -163,12 +163,15 @@ void ProcNetworkTrafficMonitorTest::saysOnceWhatItCannotRead()
 {
     const LogCapture log;
     take(line("eth0", 1, 2));
+    m_monitor->updateNetworkDevices();
     take(line("eth0", 3, 4));
     const QString path = m_root->filePath(QStringLiteral("sys/class/net/eth0/address"));
     QCOMPARE(log.count(QStringLiteral("Failed to open: ") + path), 1);
     addAddress(QStringLiteral("eth0"), "02:00:00:aa:bb:cc\n");
+    m_monitor->updateNetworkDevices();
     take(line("eth0", 5, 6));
     QVERIFY(QFile::remove(path));
+    m_monitor->updateNetworkDevices();
     take(line("eth0", 7, 8));
     QCOMPARE(log.count(QStringLiteral("Failed to open: ") + path), 2);
 }
