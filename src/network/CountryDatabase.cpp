@@ -20,8 +20,10 @@ namespace {
 constexpr std::array<std::array<const char*, 3>, 2> CodePaths{
     {{"country", "iso_code", nullptr}, {"country_code", nullptr, nullptr}}};
 
+constexpr qint64 MiB = 1 << 20;
+
 /// The largest file that is taken into memory.
-constexpr qint64 MostBytes = 256 * 1024 * 1024;
+constexpr qint64 MostBytes = 256 * MiB;
 
 /// Records looked at before a file is said to hold no countries.
 constexpr int MostProbes = 256;
@@ -66,8 +68,7 @@ void copyToMemory(const QString& path, QFile& copy)
                                      QFileDevice::AutoCloseHandle)) {
         return;
     }
-    constexpr qint64 step = 1024 * 1024;
-    for (QByteArray bytes = file.read(step); !bytes.isEmpty(); bytes = file.read(step)) {
+    for (QByteArray bytes = file.read(MiB); !bytes.isEmpty(); bytes = file.read(MiB)) {
         if (copy.pos() + bytes.size() > MostBytes || copy.write(bytes) != bytes.size()) {
             copy.close();
             return;
@@ -105,8 +106,7 @@ public:
         return status;
     }
 
-    /// Whether one of the first records names a country; the reader's status where one cannot be
-    /// reached.
+    /// Whether one of the first records names a country.
     bool holdsCountries() const
     {
         int probes = 0;

@@ -8,6 +8,8 @@
 #include <QEvent>
 #include <QPainter>
 
+#include <algorithm>
+
 namespace {
 
 constexpr int BarWidth = 160;
@@ -39,10 +41,10 @@ void ScaleLegend::setScale(const QuantityScale& scale)
     if (scale == m_scale) {
         return;
     }
-    const bool sameForm = scale.form() == m_scale.form();
+    const QSize size = sizeHint();
     m_scale = scale;
     setAccessibleDescription(tr("%1, up to %2").arg(caption(), m_textOf(scale.largest())));
-    if (!sameForm) {
+    if (sizeHint() != size) {
         updateGeometry();
     }
     update();
@@ -57,10 +59,18 @@ QString ScaleLegend::caption() const
 QSize ScaleLegend::sizeHint() const
 {
     // The last count stands under the end of the bar, half of it beyond.
-    constexpr qint64 longest = 888'888'888;
-    const int overhang = fontMetrics().horizontalAdvance(m_textOf(longest)) / 2;
-    return {fontMetrics().horizontalAdvance(caption()) + Theme::Gap + BarWidth + overhang,
-            BarHeight + fontMetrics().height()};
+    const int overhang = std::max(fontMetrics().horizontalAdvance(QStringLiteral("88.8K")),
+                                  fontMetrics().horizontalAdvance(m_textOf(m_scale.largest()))) /
+                         2;
+    return {barLeft() + BarWidth + overhang, BarHeight + fontMetrics().height()};
+}
+
+int ScaleLegend::barLeft() const
+{
+    // Half of the first count stands left of the bar, and none of it under the caption.
+    const int half = fontMetrics().horizontalAdvance(m_textOf(m_scale.countAt(0))) / 2;
+    return fontMetrics().horizontalAdvance(caption()) +
+           std::max(static_cast<int>(Theme::Gap), half + Theme::Rhythm);
 }
 
 QSize ScaleLegend::minimumSizeHint() const
@@ -91,8 +101,8 @@ void ScaleLegend::paintEvent(QPaintEvent*)
     QPainter painter(this);
     painter.setPen(Theme::colours(palette()).mutedText);
     painter.drawText(rect(), Qt::AlignLeft | Qt::AlignTop, caption());
-    const int left = fontMetrics().horizontalAdvance(caption()) + Theme::Gap;
-    const QRectF bar(left, (fontMetrics().height() - BarHeight) / 2.0 - 2, BarWidth, BarHeight);
+    const QRectF bar(barLeft(), (fontMetrics().height() - BarHeight) / 2.0 - 2, BarWidth,
+                     BarHeight);
     paintBar(painter, bar);
     for (const double share : {0.0, 0.5, 1.0}) {
         const bool isMiddle = share > 0 && share < 1;

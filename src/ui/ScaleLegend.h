@@ -29,6 +29,7 @@ protected:
 
 private:
     QString caption() const;
+    int barLeft() const;
     void paintBar(QPainter& painter, const QRectF& bar) const;
 
     QString m_unit;

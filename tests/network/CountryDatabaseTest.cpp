@@ -19,12 +19,13 @@ IpAddress address(const QString& text)
                : IpAddress::fromIpv6(parsed.toIPv6Address().c);
 }
 
-/// 8.0.0.0/6 is American and, in a file of IPv6, 2000::/4 is Irish; 200.0.0.0/8 holds no code.
+/// 8.0.0.0/6 is American, 0.0.0.0/8 nobody's and, in a file of IPv6, 2000::/4 is Irish; 200.0.0.0/8
+/// holds no code.
 CountryFile sample(int ipVersion, CountryFile::Layout layout)
 {
     const std::string ipv4(ipVersion == 6 ? 96 : 0, '0');
     CountryFile file(ipVersion, layout);
-    file.add(ipv4 + "000010", "US").add(ipv4 + "11001000", "x?");
+    file.add(ipv4 + "000010", "US").add(ipv4 + "00000000", "ZZ").add(ipv4 + "11001000", "x?");
     if (ipVersion == 6) {
         file.add("0010", "IE");
     }

@@ -21,8 +21,9 @@ namespace {
 constexpr int LeastWidth = 320;
 constexpr double DotSize = 7;  ///< Pixels; a country that is smaller both ways is drawn as a dot.
 constexpr double DotReach = 6; ///< From its middle, for the mouse.
-constexpr double Border = 0.6; ///< Pixels.
-constexpr quint64 Span = 100'000; ///< The most traffic over what is still told from less.
+constexpr quint64 LeastSpan = 10; ///< The most traffic over where the scale begins.
+constexpr quint64 LargestSpan = 1'000'000;
+constexpr double LeastRinged = 8; ///< Pixels; around smaller islands a ring would be a blot.
 
 const WorldShapes::Country& country(qsizetype shape)
 {
@@ -34,12 +35,23 @@ QString bytesText(qint64 bytes)
     return Format::bytes(static_cast<quint64>(bytes));
 }
 
-/// From the least traffic to the most; whatever is a hundred thousandth of the most or less looks
-/// the same.
+/// Up to the most traffic, from a tenth of the least: were it from the least itself, that would be
+/// hard to tell from none.
 QuantityScale scaleOf(quint64 least, quint64 most)
 {
-    return {static_cast<qint64>(most), QuantityScale::Form::Logarithmic,
-            static_cast<qint64>(std::max(least, most / Span))};
+    const quint64 from = std::clamp(least / LeastSpan, most / LargestSpan, most / LeastSpan);
+    return {static_cast<qint64>(most), QuantityScale::Form::Logarithmic, static_cast<qint64>(from)};
+}
+
+double extent(const QPolygonF& piece)
+{
+    const QRectF bounds = piece.boundingRect();
+    return std::max(bounds.width(), bounds.height());
+}
+
+bool isNarrower(const QPolygonF& piece, const QPolygonF& other)
+{
+    return extent(piece) < extent(other);
 }
 
 } // namespace
@@ -328,10 +340,9 @@ void WorldMap::leaveEvent(QEvent* event)
     QWidget::leaveEvent(event);
 }
 
-void WorldMap::paintCountry(QPainter& painter, qsizetype shape, const QColor& fill) const
+QColor WorldMap::colourOf(const Placed& placed) const
 {
-    painter.setBrush(fill);
-    painter.drawPath(country(shape).outline);
+    return Ramp::quantity(m_scale.share(static_cast<qint64>(placed.value.total())), palette());
 }
 
 void WorldMap::paintDots(QPainter& painter) const
@@ -339,8 +350,7 @@ void WorldMap::paintDots(QPainter& painter) const
     painter.setPen(QPen(Theme::colours(palette()).card, 1));
     for (auto placed = m_placed.rbegin(); placed != m_placed.rend(); ++placed) {
         if (isDot(placed->shape)) {
-            painter.setBrush(Ramp::quantity(
-                m_scale.share(static_cast<qint64>(placed->value.total())), palette()));
+            painter.setBrush(colourOf(*placed));
             painter.drawEllipse(middleOf(placed->shape), DotSize / 2, DotSize / 2);
         }
     }
@@ -355,16 +365,15 @@ QPixmap WorldMap::picture() const
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setTransform(m_toWidget, true);
     const Theme::Colours colours = Theme::colours(palette());
-    QPen border(colours.card, Border);
-    border.setCosmetic(true);
-    painter.setPen(border);
-    for (qsizetype shape = 0; shape < WorldShapes::instance().countries().size(); ++shape) {
-        paintCountry(painter, shape, colours.track);
-    }
+    // One pixel of the device whatever the scale; a broader line takes four times as long.
+    painter.setPen(QPen(colours.card, 0));
+    QList<QColor> fills(WorldShapes::instance().countries().size(), colours.track);
     for (const Placed& placed : m_placed) {
-        paintCountry(
-            painter, placed.shape,
-            Ramp::quantity(m_scale.share(static_cast<qint64>(placed.value.total())), palette()));
+        fills[placed.shape] = colourOf(placed);
+    }
+    for (qsizetype shape = 0; shape < fills.size(); ++shape) {
+        painter.setBrush(fills.at(shape));
+        painter.drawPath(country(shape).outline);
     }
     painter.resetTransform();
     paintDots(painter);
@@ -382,8 +391,14 @@ void WorldMap::paintRing(QPainter& painter, const QString& code, const QColor& c
     painter.setPen(QPen(colour, width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     if (isDot(shape)) {
         painter.drawEllipse(middleOf(shape), DotReach, DotReach);
-    } else {
-        painter.drawPath(m_toWidget.map(country(shape).outline));
+        return;
+    }
+    const QList<QPolygonF> pieces = country(shape).outline.toSubpathPolygons(m_toWidget);
+    const auto largest = std::max_element(pieces.begin(), pieces.end(), isNarrower);
+    for (const QPolygonF& piece : pieces) {
+        if (&piece == &*largest || extent(piece) >= LeastRinged) {
+            painter.drawPolygon(piece);
+        }
     }
 }
 
@@ -415,6 +430,6 @@ void WorldMap::paintEvent(QPaintEvent*)
     }
     paintRing(painter, m_hovered, colours.text, 1);
     if (hasFocus()) {
-        paintRing(painter, m_focused, colours.text, 2);
+        paintRing(painter, m_focused, colours.text, 1.5);
     }
 }

@@ -81,7 +81,7 @@ private:
     bool isDot(qsizetype shape) const;
     QPointF middleOf(qsizetype shape) const;
     QPixmap picture() const;
-    void paintCountry(QPainter& painter, qsizetype shape, const QColor& fill) const;
+    QColor colourOf(const Placed& placed) const;
     void paintDots(QPainter& painter) const;
     void paintRing(QPainter& painter, const QString& code, const QColor& colour,
                    double width) const;
