@@ -10,6 +10,8 @@
 #include "system/CommonSystem.h"
 #include "ui/MainWindow.h"
 #include "ui/applications/ApplicationsView.h"
+#include "ui/network/NetworkView.h"
+#include "ui/network/RecentTraffic.h"
 #include "ui/overview/OverviewView.h"
 #include "ui/profiles/ProfilesView.h"
 
@@ -50,6 +52,8 @@ void ViewWiring::follow(View* view)
 {
     if (auto* applications = qobject_cast<ApplicationsView*>(view)) {
         followApplications(applications);
+    } else if (auto* network = qobject_cast<NetworkView*>(view)) {
+        followNetwork(network);
     } else if (auto* overview = qobject_cast<OverviewView*>(view)) {
         followOverview(overview);
     } else if (auto* profiles = qobject_cast<ProfilesView*>(view)) {
@@ -57,18 +61,66 @@ void ViewWiring::follow(View* view)
     }
 }
 
+void ViewWiring::exclude(const QString& path, bool excluded)
+{
+    if (excluded) {
+        m_parts.system.addExcludedApplicationForStats(path);
+    } else {
+        m_parts.system.deleteExcludedApplicationForStats(path);
+    }
+    Q_EMIT exclusionsChanged();
+}
+
+void ViewWiring::excludeInterface(const QString& macAddress, bool excluded)
+{
+    if (excluded) {
+        m_parts.system.addExcludedNICForStats(macAddress);
+    } else {
+        m_parts.system.deleteExcludedNICForStats(macAddress);
+    }
+    Q_EMIT exclusionsChanged();
+}
+
 void ViewWiring::followApplications(ApplicationsView* view)
 {
-    view->setExcluded(m_parts.system.excludedApplications());
-    connect(view, &ApplicationsView::exclusionRequested, this,
-            [this, view](const QString& path, bool excluded) {
-                if (excluded) {
-                    m_parts.system.addExcludedApplicationForStats(path);
-                } else {
-                    m_parts.system.deleteExcludedApplicationForStats(path);
-                }
-                view->setExcluded(m_parts.system.excludedApplications());
-            });
+    const auto show = [this, view] { view->setExcluded(m_parts.system.excludedApplications()); };
+    connect(view, &ApplicationsView::exclusionRequested, this, &ViewWiring::exclude);
+    connect(this, &ViewWiring::exclusionsChanged, view, show);
+    show();
+}
+
+void ViewWiring::followNetwork(NetworkView* view)
+{
+    CommonSystem& system = m_parts.system;
+    const auto show = [&system, view] {
+        view->setExcludedInterfaces(system.excludedInterfaces());
+        view->setExcludedApplications(system.excludedApplications());
+    };
+    connect(view, &NetworkView::applicationExclusionRequested, this, &ViewWiring::exclude);
+    connect(view, &NetworkView::interfaceExclusionRequested, this, &ViewWiring::excludeInterface);
+    connect(this, &ViewWiring::exclusionsChanged, view, show);
+    show();
+    view->setRecent([](std::optional<qint64> since) {
+        return RecentTraffic::read(Database::instance()->connection(), since);
+    });
+    view->setPortDescription([&system](int port, Utils::TrafficType type) {
+        return system.getNetworkPortDescription(port, type);
+    });
+    tellNetwork(*view);
+    connect(&m_ratesTimer, &QTimer::timeout, view, [this, view] { tellNetwork(*view); });
+    m_ratesTimer.start(RatesMs);
+}
+
+void ViewWiring::tellNetwork(NetworkView& view) const
+{
+    view.setRates(m_parts.rates.downloadPerSecond(), m_parts.rates.uploadPerSecond());
+    if (m_parts.capture) {
+        view.setCapture(m_parts.capture());
+    }
+    if (m_parts.hasCountries) {
+        view.setCountryLookup(m_parts.hasCountries() ? NetworkView::CountryLookup::Possible
+                                                     : NetworkView::CountryLookup::NoDatabase);
+    }
 }
 
 void ViewWiring::followOverview(OverviewView* view)

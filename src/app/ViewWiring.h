@@ -1,14 +1,20 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "network/CaptureState.h"
+
 #include <QObject>
 #include <QTimer>
+
+#include <functional>
+#include <optional>
 
 class ApplicationsView;
 class CommonSystem;
 class LiveRates;
 class MainWindow;
 class Milestones;
+class NetworkView;
 class OverviewView;
 class ProfileDeletion;
 class ProfileManager;
@@ -30,13 +36,28 @@ public:
         ProfileDeletion& deletion;
         Milestones& milestones;
         LiveRates& rates;
+
+        /// How traffic is watched now; nothing where it is not, by the user's wish. Null where
+        /// that is not known.
+        std::function<std::optional<CaptureState>()> capture = {};
+
+        /// Whether a country database is open. Null where that is not known.
+        std::function<bool()> hasCountries = {};
     };
 
     ViewWiring(MainWindow& window, const Parts& parts);
 
+Q_SIGNALS:
+    /// What is excluded from counting has changed.
+    void exclusionsChanged();
+
 private:
+    void exclude(const QString& path, bool excluded);
+    void excludeInterface(const QString& macAddress, bool excluded);
     void follow(View* view);
     void followApplications(ApplicationsView* view);
+    void followNetwork(NetworkView* view);
+    void tellNetwork(NetworkView& view) const;
     void followOverview(OverviewView* view);
     void followProfiles(ProfilesView* view);
     void followMilestones(ProfilesView* view);
@@ -49,5 +70,5 @@ private:
 
     MainWindow& m_window;
     Parts m_parts;
-    QTimer m_ratesTimer; ///< Runs once the overview was made.
+    QTimer m_ratesTimer; ///< Runs once a view was made that shows rates.
 };

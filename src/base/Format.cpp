@@ -77,17 +77,24 @@ QString Format::shortCount(qint64 number)
            QLatin1Char(unit->letter);
 }
 
-QString Format::bytes(quint64 number)
+Format::ByteUnit Format::byteUnit(double number)
 {
-    constexpr std::array<const char*, 7> units{"B", "KiB", "MiB", "GiB", "TiB", "PiB", "EiB"};
+    constexpr std::array<const char*, 7> names{"B", "KiB", "MiB", "GiB", "TiB", "PiB", "EiB"};
     constexpr double step = 1024;
-    auto value = static_cast<double>(number);
+    double size = 1;
     size_t unit = 0;
-    while (value >= step && unit + 1 < units.size()) {
-        value /= step;
+    while (number >= size * step && unit + 1 < names.size()) {
+        size *= step;
         ++unit;
     }
-    return threeDigits(value) + QLatin1Char(' ') + QLatin1String(units.at(unit));
+    return {size, QLatin1String(names.at(unit))};
+}
+
+QString Format::bytes(quint64 number)
+{
+    const auto value = static_cast<double>(number);
+    const ByteUnit unit = byteUnit(value);
+    return threeDigits(value / unit.bytes) + QLatin1Char(' ') + unit.name;
 }
 
 Format::Lengths Format::lengths(const QString& system)

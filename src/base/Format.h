@@ -18,6 +18,16 @@ QString shortCount(qint64 number);
 /// Bytes in binary units: "0 B", "1.5 KiB", "3.2 GiB".
 QString bytes(quint64 number);
 
+/// A unit of bytes. Plain value.
+struct ByteUnit
+{
+    double bytes = 1; ///< One unit in bytes.
+    QLatin1String name;
+};
+
+/// The unit that `bytes` gives `number` in.
+ByteUnit byteUnit(double number);
+
 /// Units of lengths, as the setting `mouse_distance_system` names them.
 enum class Lengths
 {

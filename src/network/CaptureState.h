@@ -19,6 +19,12 @@ struct CaptureState
     /// packet ring.
     QString reason = {};
 
+    /// Whether libpcap is not installed, or not where it is looked for; without, only the packet
+    /// ring captures.
+    bool pcapMissing = false;
+
     /// The command that would let this program capture packets; empty where it may already.
     QString command = {};
+
+    friend bool operator==(const CaptureState&, const CaptureState&) = default;
 };

@@ -111,6 +111,11 @@ QStringList CommonSystem::excludedApplications() const
     return m_excludedApplications.items();
 }
 
+QStringList CommonSystem::excludedInterfaces() const
+{
+    return m_excludedInterfaces.items();
+}
+
 bool CommonSystem::shouldExcludeApplicationForStats(QString path)
 {
     return m_excludedApplications.contains(path);

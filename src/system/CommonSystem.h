@@ -42,6 +42,9 @@ public:
     /// The executable paths that are excluded from counting per application, in no order.
     QStringList excludedApplications() const;
 
+    /// The hardware addresses of the network interfaces that are excluded from counting.
+    QStringList excludedInterfaces() const;
+
     QList<KnownApplication> getApplicationDatabase() override;
     void stop() override;
     void acquireNetworkTrafficMonitor() override;

@@ -44,6 +44,12 @@ FiguresModel::Column FiguresModel::durationColumn(const QString& header)
             .text = [](const QVariant& raw) { return Format::duration(raw.toLongLong()); }};
 }
 
+FiguresModel::Column FiguresModel::bytesColumn(const QString& header)
+{
+    return {.header = header,
+            .text = [](const QVariant& raw) { return Format::bytes(raw.toULongLong()); }};
+}
+
 FiguresModel::Column FiguresModel::dayColumn(const QString& header)
 {
     return {.header = header,

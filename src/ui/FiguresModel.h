@@ -26,10 +26,12 @@ public:
 
     explicit FiguresModel(const QList<Column>& columns, QObject* parent = nullptr);
 
-    /// A column of text, left-aligned; one of numbers; one of durations in seconds; one of days.
+    /// A column of text, left-aligned; one of numbers; one of durations in seconds; one of bytes;
+    /// one of days.
     static Column textColumn(const QString& header);
     static Column countColumn(const QString& header);
     static Column durationColumn(const QString& header);
+    static Column bytesColumn(const QString& header);
     static Column dayColumn(const QString& header);
 
     /// Of a course: days, or the hours of one day as numbers, or names as they are.

@@ -11,6 +11,7 @@
 #include "ui/applications/ApplicationsView.h"
 #include "ui/keyboard/KeyboardView.h"
 #include "ui/mouse/MouseView.h"
+#include "ui/network/NetworkView.h"
 #include "ui/overview/OverviewView.h"
 #include "ui/profiles/ProfilesView.h"
 #include "ui/uptime/UptimeView.h"
@@ -90,6 +91,8 @@ void MainWindow::addPages()
             [this] { return new MouseView(m_context); });
     addPage(QStringLiteral("viewApplications"), QStringLiteral("applications"), tr("Applications"),
             [this] { return new ApplicationsView(m_context); });
+    addPage(QStringLiteral("viewNetwork"), QStringLiteral("network"), tr("Network"),
+            [this] { return new NetworkView(m_context); });
     addPage(QStringLiteral("viewUptime"), QStringLiteral("uptime"), tr("Uptime"),
             [this] { return new UptimeView(m_context); });
     addPage(QStringLiteral("viewProfiles"), QStringLiteral("profiles"), tr("Profiles"),

@@ -10,6 +10,7 @@
 
 namespace {
 
+constexpr QLatin1String PerSecond("/s");
 constexpr double Minute = 60;
 constexpr double Hour = 3600;
 
@@ -59,6 +60,10 @@ QString Quantity::text(double value) const
         return Format::duration(std::llround(value));
     case Kind::Length:
         return Format::length(value, lengths);
+    case Kind::Bytes:
+        return Format::bytes(static_cast<quint64>(std::llround(value)));
+    case Kind::BytesPerSecond:
+        return Format::bytes(static_cast<quint64>(std::llround(value))) + PerSecond;
     case Kind::Count:
         break;
     }
@@ -104,6 +109,15 @@ AxisSteps axisSteps(const Quantity& quantity, double largest, int mostSteps)
         steps.perUnit = unit.inches;
         steps.unit = unit.name;
         steps.step = largest > 0 ? roundUp(least / unit.inches) * unit.inches : unit.inches;
+        break;
+    }
+    case Quantity::Kind::Bytes:
+    case Quantity::Kind::BytesPerSecond: {
+        const Format::ByteUnit unit = Format::byteUnit(largest);
+        steps.perUnit = unit.bytes;
+        steps.unit =
+            unit.name + (quantity.kind == Quantity::Kind::Bytes ? QLatin1String() : PerSecond);
+        steps.step = std::max(1.0, roundUp(least / unit.bytes) * unit.bytes);
         break;
     }
     }

@@ -13,6 +13,8 @@ struct Quantity
         Count,
         Duration, ///< In seconds.
         Length,   ///< In inches.
+        Bytes,
+        BytesPerSecond,
     };
 
     QString name; ///< As a heading, "Keys".

@@ -184,6 +184,11 @@ Notice::Content View::emptyNotice() const
             .button = {}};
 }
 
+std::optional<Notice::Content> View::countingNotice() const
+{
+    return CountingNotice::forState(m_state);
+}
+
 bool View::keepsCards() const
 {
     return false;
@@ -195,7 +200,7 @@ void View::showNotice()
         return;
     }
     std::optional<Notice::Content> content =
-        m_isReadable ? CountingNotice::forState(m_state) : CountingNotice::unreadable();
+        m_isReadable ? countingNotice() : CountingNotice::unreadable();
     if (!content && !m_hasFigures) {
         content = emptyNotice();
     }

@@ -81,6 +81,12 @@ protected:
     /// What the page says where nothing was counted.
     virtual Notice::Content emptyNotice() const;
 
+    /// What the page says of the counting beside its figures; nothing where all is well.
+    virtual std::optional<Notice::Content> countingNotice() const;
+
+    /// Says anew what the page says of the counting.
+    void showNotice();
+
     /// Whether the cards still tell something where nothing was counted.
     virtual bool keepsCards() const;
 
@@ -122,7 +128,6 @@ private:
     void askIfDue();
     void take(std::optional<qint64> version, double preparedShare);
     void setContent(bool hasFigures);
-    void showNotice();
 
     ViewContext m_context;
     HistoryScope m_scope;

@@ -9,6 +9,7 @@
 #include "storage/DatabaseFiles.h"
 #include "ui/history/History.h"
 #include "ui/history/RollUp.h"
+#include "ui/network/NetworkFigures.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -73,6 +74,10 @@ std::vector<Question> questions(const QStringList& paths)
          [paths](History& history, const HistoryScope& scope) {
              history.applicationDays(scope, paths);
          }},
+        {"trafficDays",
+         [](History& history, const HistoryScope& scope) { history.trafficDays(scope); }},
+        {"network page",
+         [](History& history, const HistoryScope& scope) { NetworkFigures::read(history, scope); }},
         {"boots", [](History& history, const HistoryScope& scope) { history.boots(scope); }},
     };
 }

@@ -13,7 +13,7 @@ class Profiles(DesktopTest):
         self.process = self.client.start_fully()
         self.window = wait_for(lambda: self.desktop.windows("Tallyvane"), "the main window")[0]
         self.client.wait_for_log("Creating device listener for /dev/input/event0")
-        self.desktop.press("ctrl+6")
+        self.desktop.press("ctrl+7")
         time.sleep(0.5)
 
     def press_in_table(self, *keys):

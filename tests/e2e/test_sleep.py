@@ -80,7 +80,7 @@ class Sleep(DesktopTest):
         """Adds a profile by the window's table and counts under it; returns its id."""
         window = wait_for(lambda: self.desktop.windows("Tallyvane"), "the main window")[0]
         self.desktop.run("xdotool", "windowactivate", "--sync", window)
-        self.desktop.press("ctrl+6")
+        self.desktop.press("ctrl+7")
         time.sleep(1)
         self.press_in_table(window, "Menu", "Down", "Return")
         wait_for(lambda: self.desktop.windows("^Add profile$"), "the dialog for the name")

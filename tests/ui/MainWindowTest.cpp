@@ -102,7 +102,8 @@ void MainWindowTest::leadsThroughTheViews()
     open();
     const QStringList titles{QStringLiteral("Overview"), QStringLiteral("Keyboard"),
                              QStringLiteral("Mouse"),    QStringLiteral("Applications"),
-                             QStringLiteral("Uptime"),   QStringLiteral("Profiles")};
+                             QStringLiteral("Network"),  QStringLiteral("Uptime"),
+                             QStringLiteral("Profiles")};
     const QSignalSpy made(m_window.get(), &MainWindow::viewMade);
     for (int view = static_cast<int>(titles.size()) - 1; view >= 0; --view) {
         QTest::keyClick(m_window.get(), static_cast<Qt::Key>(Qt::Key_1 + view),

@@ -6,10 +6,12 @@
 #include "ui/MainWindow.h"
 #include "ui/RangeControl.h"
 #include "ui/Theme.h"
+#include "ui/network/NetworkView.h"
 #include "ui/profiles/ProfilesView.h"
 
 #include <QDir>
 #include <QFileInfo>
+#include <QRandomGenerator>
 #include <QStackedWidget>
 #include <QTest>
 
@@ -36,6 +38,7 @@ private:
 
     static QString databaseWith(Content content, UiDatabase& database);
     static void fillProfiles(ProfilesView& view);
+    static void fillNetwork(NetworkView& view, Content content);
     static void save(const QPixmap& picture);
 };
 
@@ -47,8 +50,8 @@ void ScreenshotsTest::views_data()
     QTest::addColumn<InputState>("state");
     QTest::addColumn<Content>("content");
     QTest::addColumn<DateRange::Preset>("range");
-    constexpr std::array<const char*, 6> views{"overview",     "keyboard", "mouse",
-                                               "applications", "uptime",   "profiles"};
+    constexpr std::array<const char*, 7> views{"overview", "keyboard", "mouse",   "applications",
+                                               "network",  "uptime",   "profiles"};
     for (const char* theme : {"light", "dark"}) {
         for (int view = 0; view < static_cast<int>(views.size()); ++view) {
             const auto row = [&](const char* name, const QSize& size, InputState state,
@@ -68,6 +71,10 @@ void ScreenshotsTest::views_data()
             row("90-days", least, InputState::Reading, History, Range::Days90);
             row("all-time", first, InputState::Reading, History, Range::AllTime);
             row("all-time", large, InputState::Reading, History, Range::AllTime);
+            if (QLatin1String(views.at(static_cast<size_t>(view))) == QLatin1String("network")) {
+                row("whole", QSize(1100, 1900), InputState::Reading, History, Range::AllTime);
+                row("whole", QSize(900, 2900), InputState::Reading, History, Range::Days90);
+            }
             if (view == 0) {
                 row("no-permission", first, InputState::NoPermission, Empty, Range::Today);
                 row("paused", first, InputState::Paused, History, Range::Days7);
@@ -80,6 +87,7 @@ QString ScreenshotsTest::databaseWith(Content content, UiDatabase& database)
 {
     if (content == Content::OneDay) {
         database.addBusyDay(QDate::currentDate());
+        database.addTraffic(QDate::currentDate());
     }
     const QString made = qEnvironmentVariable("TALLYVANE_HISTORY");
     return content == Content::History && !made.isEmpty() ? made + QStringLiteral("/tallyvane.db")
@@ -104,9 +112,11 @@ void ScreenshotsTest::views()
     ViewContext context;
     context.applicationName = [](const QString& path) { return QFileInfo(path).baseName(); };
     MainWindow window(file, context);
-    connect(&window, &MainWindow::viewMade, this, [](View* made) {
+    connect(&window, &MainWindow::viewMade, this, [content](View* made) {
         if (auto* profiles = qobject_cast<ProfilesView*>(made)) {
             fillProfiles(*profiles);
+        } else if (auto* network = qobject_cast<NetworkView*>(made); network != nullptr) {
+            fillNetwork(*network, content);
         }
     });
     window.setProfiles({{0, QStringLiteral("General")}, {1, QStringLiteral("Work")}});
@@ -152,6 +162,36 @@ void ScreenshotsTest::fillProfiles(ProfilesView& view)
                                          .type = keys.type,
                                          .amount = keys.amount,
                                          .total = keys.base}});
+}
+
+void ScreenshotsTest::fillNetwork(NetworkView& view, Content content)
+{
+    view.setPortDescription([](int port, Utils::TrafficType) {
+        return port == 443  ? QStringLiteral("http protocol over TLS/SSL")
+               : port == 53 ? QStringLiteral("Domain Name Server")
+               : port == 22 ? QStringLiteral("The Secure Shell (SSH) Protocol")
+                            : QString();
+    });
+    if (content == Content::Empty) {
+        view.setCapture(CaptureState{
+            .reason = QStringLiteral("Packets may not be captured by this program."),
+            .command = QStringLiteral("sudo setcap cap_net_raw+ep /usr/bin/tallyvane")});
+        return;
+    }
+    view.setRates(1'234'567, 45'678);
+    view.setRecent([](std::optional<qint64>) {
+        const qint64 now = QDateTime::currentSecsSinceEpoch();
+        constexpr int seconds = 40 * 60;
+        QList<SecondTraffic> traffic;
+        QRandomGenerator random(1);
+        for (qint64 second = now - seconds; second < now; ++second) {
+            const qint64 wave = 400'000 + 390'000 * (second / 9 % 5 - 2) / 2;
+            traffic.append({.second = second,
+                            .macAddress = QStringLiteral("02:4F:1C:A0:5E:11"),
+                            .traffic = {wave + random.bounded(100'000), random.bounded(90'000)}});
+        }
+        return std::optional(traffic);
+    });
 }
 
 void ScreenshotsTest::hoursOfShiftedDays_data()

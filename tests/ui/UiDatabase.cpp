@@ -103,3 +103,50 @@ void UiDatabase::addBusyDay(const QDate& day)
     }
     connection().commit();
 }
+
+void UiDatabase::addTraffic(const QDate& day)
+{
+    constexpr qint64 bytesPerKey = 20'000;
+    constexpr int percent = 100;
+    const auto add = [this, &day](const char* table, const QString& columns, int hour, qint64 bytes,
+                                  const QVariantList& thing) {
+        insert(
+            QStringLiteral("INSERT INTO %1 (\"day\", \"hour\", \"download\", \"upload\", %2) "
+                           "VALUES (?, ?, ?, ?%3)")
+                .arg(QLatin1String(table), columns, QStringLiteral(", ?").repeated(thing.size())),
+            QVariantList{Format::isoDay(day), hour, bytes, bytes / 10} + thing);
+    };
+    const QString mac = QStringLiteral("\"mac_address\"");
+    const QString path = QStringLiteral("\"path\"");
+    const QString country = QStringLiteral("\"country\"");
+    const QString port = QStringLiteral("\"port_number\", \"protocol\"");
+    const QString wired = QStringLiteral("02:4F:1C:A0:5E:11");
+    const QString wireless = QStringLiteral("02:4F:1C:A0:5E:12");
+    insert(QStringLiteral("REPLACE INTO network_interfaces VALUES (?, 'enp3s0', 0, '192.168.1.23', "
+                          "'2026-03-10 08:00:00'), (?, 'wlp2s0', 1, '192.168.1.24', "
+                          "'2026-03-09 08:00:00')"),
+           {wired, wireless});
+    for (int hour = 0; hour < static_cast<int>(KeysPerHour.size()); ++hour) {
+        const qint64 bytes = KeysPerHour.at(static_cast<size_t>(hour)) * bytesPerKey;
+        if (bytes == 0) {
+            continue;
+        }
+        add("network_interface_bandwidth", mac, hour, bytes, {wired});
+        add("network_interface_bandwidth", mac, hour, bytes / 3, {wireless});
+        for (size_t i = 1; i < 4; ++i) {
+            const Share& share = Applications.at(i);
+            add("application_bandwidth", path, hour, bytes * share.percent / percent,
+                {QString::fromLatin1(share.path)});
+        }
+        int part = 50;
+        for (const char* code : {"US", "DE", "JP", "LAN", "??"}) {
+            add("country_bandwidth", country, hour, bytes * part / percent,
+                {QString::fromLatin1(code)});
+            part /= 2;
+        }
+        add("network_protocol_bandwidth", port, hour, bytes, {443, QStringLiteral("TCP")});
+        add("network_protocol_bandwidth", port, hour, bytes / 2, {443, QStringLiteral("UDP")});
+        add("network_protocol_bandwidth", port, hour, bytes / 9, {22, QStringLiteral("TCP")});
+        add("network_protocol_bandwidth", port, hour, bytes / 99, {53, QStringLiteral("UDP")});
+    }
+}

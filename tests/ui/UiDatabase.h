@@ -21,6 +21,10 @@ public:
     /// A working day of about 22,000 keys from 8 to 23 o'clock in two profiles.
     void addBusyDay(const QDate& day);
 
+    /// Traffic of two interfaces, three applications, five countries and four services, of a size
+    /// that depends on the hour.
+    void addTraffic(const QDate& day);
+
 private:
     void insert(const QString& statement, const QVariantList& values) const;
 };

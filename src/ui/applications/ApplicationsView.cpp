@@ -10,10 +10,9 @@
 #include "ui/applications/ApplicationsModel.h"
 #include "ui/applications/ApplicationsTable.h"
 #include "ui/applications/ExcludedButton.h"
+#include "ui/applications/ExclusionQuestion.h"
 
 #include <QComboBox>
-#include <QMessageBox>
-#include <QPushButton>
 
 #include <utility>
 
@@ -69,7 +68,10 @@ void ApplicationsView::buildTable()
 {
     auto* card =
         new Card(QStringLiteral("applicationList"), tr("All applications"), m_table, m_model);
-    m_excluded = new ExcludedButton([this](const QString& path) { return nameOf(path); });
+    m_excluded =
+        new ExcludedButton(tr("Excluded applications (%1)"),
+                           tr("Applications that are no longer counted, to count them again"),
+                           [this](const QString& path) { return nameOf(path); });
     card->setControl(m_excluded);
     connect(m_excluded, &ExcludedButton::inclusionWanted, this,
             [this](const QString& path) { includeAgain({path}); });
@@ -234,26 +236,11 @@ QString ApplicationsView::nameOf(const QString& path) const
 
 void ApplicationsView::confirmExclusion(const QStringList& paths)
 {
-    const QString question =
-        paths.size() == 1
-            ? tr("Exclude %1 from counting?").arg(nameOf(paths.constFirst()))
-            : tr("Exclude %1 applications from counting?").arg(Format::count(paths.size()));
-    auto* box = new QMessageBox(QMessageBox::Question, tr("Exclude from counting"), question,
-                                QMessageBox::Cancel, this);
-    box->setObjectName(QStringLiteral("confirmExclusion"));
-    box->setAttribute(Qt::WA_DeleteOnClose);
-    box->setTextFormat(Qt::PlainText);
-    box->setInformativeText(tr("From now on, what you do there is not counted per application. "
-                               "Keys, clicks and travel still count in the totals, and what was "
-                               "counted before stays. This can be undone at any time."));
-    const QPushButton* exclude =
-        box->addButton(tr("Exclude from counting"), QMessageBox::AcceptRole);
-    connect(exclude, &QPushButton::clicked, this, [this, paths] {
+    ExclusionQuestion::ask(this, paths.size(), nameOf(paths.constFirst()), [this, paths] {
         for (const QString& path : paths) {
             Q_EMIT exclusionRequested(path, true);
         }
     });
-    box->open();
 }
 
 void ApplicationsView::includeAgain(const QStringList& paths)

@@ -5,8 +5,10 @@
 
 #include <utility>
 
-ExcludedButton::ExcludedButton(std::function<QString(const QString& path)> name, QWidget* parent)
+ExcludedButton::ExcludedButton(QString text, const QString& toolTip,
+                               std::function<QString(const QString& key)> name, QWidget* parent)
     : QToolButton(parent)
+    , m_text(std::move(text))
     , m_name(std::move(name))
 {
     setObjectName(QStringLiteral("excluded"));
@@ -15,7 +17,7 @@ ExcludedButton::ExcludedButton(std::function<QString(const QString& path)> name,
     setPopupMode(QToolButton::InstantPopup);
     // Its arrow would lie on the text.
     setStyleSheet(QStringLiteral("QToolButton::menu-indicator { image: none; }"));
-    setToolTip(tr("Applications that are no longer counted, to count them again"));
+    setToolTip(toolTip);
     auto* menu = new QMenu(this);
     menu->setToolTipsVisible(true);
     connect(menu, &QMenu::aboutToShow, this, &ExcludedButton::fillMenu);
@@ -23,23 +25,23 @@ ExcludedButton::ExcludedButton(std::function<QString(const QString& path)> name,
     hide();
 }
 
-void ExcludedButton::setExcluded(const QStringList& paths)
+void ExcludedButton::setExcluded(const QStringList& keys)
 {
-    m_paths = paths;
-    m_paths.sort();
-    setText(tr("Excluded applications (%1)").arg(m_paths.size()));
-    setVisible(!m_paths.isEmpty());
+    m_keys = keys;
+    m_keys.sort();
+    setText(m_text.arg(m_keys.size()));
+    setVisible(!m_keys.isEmpty());
 }
 
 void ExcludedButton::fillMenu()
 {
     menu()->clear();
-    for (const QString& path : std::as_const(m_paths)) {
-        QString name = m_name(path);
+    for (const QString& key : std::as_const(m_keys)) {
+        QString name = m_name(key);
         name.replace(QLatin1Char('&'), QLatin1String("&&")); // Not a mnemonic.
         QAction* action = menu()->addAction(tr("Count %1 again").arg(name));
-        action->setObjectName(path);
-        action->setToolTip(path);
-        connect(action, &QAction::triggered, this, [this, path] { Q_EMIT inclusionWanted(path); });
+        action->setObjectName(key);
+        action->setToolTip(key);
+        connect(action, &QAction::triggered, this, [this, key] { Q_EMIT inclusionWanted(key); });
     }
 }

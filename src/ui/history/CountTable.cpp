@@ -90,13 +90,68 @@ CountTableText applicationText()
             .hourly = applications()};
 }
 
+/// The traffic of `table` by its columns `things`.
+QString trafficBy(const QString& things, const QString& table)
+{
+    return RowReader::scoped(
+        QStringLiteral("SELECT \"day\", \"profile_id\", %1, SUM(\"download\"), SUM(\"upload\") "
+                       "FROM %2")
+            .arg(things, table),
+        QStringLiteral("GROUP BY \"day\", \"profile_id\", %1 "
+                       "HAVING SUM(\"download\")+SUM(\"upload\")<>0")
+            .arg(things));
+}
+
+QStringList trafficTypes()
+{
+    return {QStringLiteral("download INTEGER"), QStringLiteral("upload INTEGER")};
+}
+
+CountTableText interfaceText()
+{
+    return {.name = QStringLiteral("interface"),
+            .things = {QStringLiteral("mac_address TEXT")},
+            .values = trafficTypes(),
+            .hourly = trafficBy(QStringLiteral("\"mac_address\""),
+                                QStringLiteral("(SELECT *, 0 AS \"profile_id\" "
+                                               "FROM network_interface_bandwidth)"))};
+}
+
+CountTableText applicationTrafficText()
+{
+    return {.name = QStringLiteral("application_traffic"),
+            .things = {QStringLiteral("path TEXT")},
+            .values = trafficTypes(),
+            .hourly =
+                trafficBy(QStringLiteral("\"path\""), QStringLiteral("application_bandwidth"))};
+}
+
+CountTableText countryText()
+{
+    return {.name = QStringLiteral("country"),
+            .things = {QStringLiteral("country TEXT")},
+            .values = trafficTypes(),
+            .hourly =
+                trafficBy(QStringLiteral("\"country\""), QStringLiteral("country_bandwidth"))};
+}
+
+CountTableText serviceText()
+{
+    return {.name = QStringLiteral("service"),
+            .things = {QStringLiteral("port INTEGER"), QStringLiteral("transport TEXT")},
+            .values = trafficTypes(),
+            .hourly = trafficBy(QStringLiteral("\"port_number\", \"protocol\""),
+                                QStringLiteral("network_protocol_bandwidth"))};
+}
+
 } // namespace
 
 const CountTableText& CountTableTexts::of(CountTable table)
 {
     // In the order of `CountTable`.
-    static const std::array texts{keyText(), combinationText(), scrollText(), cellText(),
-                                  applicationText()};
+    static const std::array texts{
+        keyText(),       combinationText(),        scrollText(),  cellText(),   applicationText(),
+        interfaceText(), applicationTrafficText(), countryText(), serviceText()};
     return texts.at(static_cast<size_t>(table));
 }
 

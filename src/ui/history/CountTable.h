@@ -14,11 +14,21 @@ enum class CountTable
     Scrolls,
     ClickCells,
     Applications,
+    Interfaces, ///< All of profile 0.
+    ApplicationTraffic,
+    Countries,
+    Services,
 };
 
-inline constexpr std::array CountTables{CountTable::Keys, CountTable::Combinations,
-                                        CountTable::Scrolls, CountTable::ClickCells,
-                                        CountTable::Applications};
+inline constexpr std::array CountTables{CountTable::Keys,
+                                        CountTable::Combinations,
+                                        CountTable::Scrolls,
+                                        CountTable::ClickCells,
+                                        CountTable::Applications,
+                                        CountTable::Interfaces,
+                                        CountTable::ApplicationTraffic,
+                                        CountTable::Countries,
+                                        CountTable::Services};
 
 /// The columns and statements that belong to one of them. Plain value.
 struct CountTableText

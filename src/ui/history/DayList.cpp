@@ -22,6 +22,10 @@ const QStringList& tables()
         QStringLiteral("uptime_hour"),
         QStringLiteral("input_per_application"),
         QStringLiteral("application_active_hour"),
+        QStringLiteral("network_interface_bandwidth"),
+        QStringLiteral("application_bandwidth"),
+        QStringLiteral("country_bandwidth"),
+        QStringLiteral("network_protocol_bandwidth"),
     };
     return names;
 }

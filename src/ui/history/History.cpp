@@ -9,6 +9,7 @@
 #include "ui/history/RawHistory.h"
 #include "ui/history/RollUp.h"
 #include "ui/history/RollUpSource.h"
+#include "ui/history/TrafficLists.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -52,6 +53,22 @@ void addCell(CellSums& sums, const QSqlQuery& row, int at)
 void addApplication(ApplicationSums& sums, const QSqlQuery& row, int at)
 {
     sums[row.value(at).toString()] += ApplicationCounts::fromRow(row, at + 1);
+}
+
+void addTraffic(TrafficSums& sums, const QSqlQuery& row, int at)
+{
+    sums[row.value(at).toString()] += trafficFromRow(row, at + 1);
+}
+
+void addService(ServiceSums& sums, const QSqlQuery& row, int at)
+{
+    sums[{row.value(at).toInt(), row.value(at + 1).toString()}] += trafficFromRow(row, at + 2);
+}
+
+/// Interfaces are counted for all profiles together.
+HistoryScope ofAllProfiles(const HistoryScope& scope)
+{
+    return {.first = scope.first, .last = scope.last, .profileId = {}};
 }
 
 } // namespace
@@ -254,6 +271,55 @@ std::optional<QList<ApplicationDay>> History::applicationDays(const HistoryScope
             return source.addApplicationDays(part, distinct, days);
         });
     return sums ? std::optional(HistoryLists::applicationDays(*sums)) : std::nullopt;
+}
+
+std::optional<QList<TrafficDay>> History::trafficDays(const HistoryScope& scope)
+{
+    const auto sums = gather<TrafficGroupSums>(
+        scope, [](HistorySource& source, const HistoryScope& part, TrafficGroupSums& days) {
+            return source.addTrafficDays(part, days);
+        });
+    return sums ? std::optional(TrafficLists::days(*sums)) : std::nullopt;
+}
+
+std::optional<QList<TrafficHour>> History::trafficHours(const HistoryScope& scope)
+{
+    connection();
+    TrafficGroupSums sums;
+    const bool isRead = m_raw->addTrafficHours(scope, sums);
+    return isRead ? std::optional(TrafficLists::hours(sums)) : std::nullopt;
+}
+
+std::optional<QList<InterfaceTotals>> History::interfaces(const HistoryScope& scope)
+{
+    const auto sums =
+        gatherCounts<TrafficSums>(CountTable::Interfaces, ofAllProfiles(scope), addTraffic);
+    const auto known = KnownInterfaces::read(connection());
+    return sums && known ? std::optional(TrafficLists::interfaces(*sums, *known)) : std::nullopt;
+}
+
+std::optional<QHash<QString, InterfaceFacts>> History::knownInterfaces()
+{
+    return KnownInterfaces::read(connection());
+}
+
+std::optional<QList<ApplicationTraffic>> History::applicationTraffic(const HistoryScope& scope)
+{
+    const auto sums = gatherCounts<TrafficSums>(CountTable::ApplicationTraffic, scope, addTraffic);
+    const auto names = KnownApplications::names(connection());
+    return sums && names ? std::optional(TrafficLists::applications(*sums, *names)) : std::nullopt;
+}
+
+std::optional<QList<CountryTraffic>> History::countries(const HistoryScope& scope)
+{
+    const auto sums = gatherCounts<TrafficSums>(CountTable::Countries, scope, addTraffic);
+    return sums ? std::optional(TrafficLists::countries(*sums)) : std::nullopt;
+}
+
+std::optional<QList<ServiceTraffic>> History::services(const HistoryScope& scope)
+{
+    const auto sums = gatherCounts<ServiceSums>(CountTable::Services, scope, addService);
+    return sums ? std::optional(TrafficLists::services(*sums)) : std::nullopt;
 }
 
 std::optional<QList<BootSession>> History::boots(const HistoryScope& scope)

@@ -5,6 +5,8 @@
 #include "ui/history/HistoryScope.h"
 #include "ui/history/HistorySums.h"
 #include "ui/history/HistoryTypes.h"
+#include "ui/history/KnownInterfaces.h"
+#include "ui/history/TrafficTypes.h"
 
 #include <QSqlDatabase>
 #include <QString>
@@ -75,6 +77,20 @@ public:
     /// In the order of days; only `paths`.
     std::optional<QList<ApplicationDay>> applicationDays(const HistoryScope& scope,
                                                          const QStringList& paths);
+
+    /// What crossed all interfaces, in the order of days or hours. Interfaces are counted for all
+    /// profiles together, so that of `scope` is not looked at; hours are of one day.
+    std::optional<QList<TrafficDay>> trafficDays(const HistoryScope& scope);
+    std::optional<QList<TrafficHour>> trafficHours(const HistoryScope& scope);
+    std::optional<QList<InterfaceTotals>> interfaces(const HistoryScope& scope);
+
+    /// By MAC address; also those that nothing crossed.
+    std::optional<QHash<QString, InterfaceFacts>> knownInterfaces();
+
+    // Most bytes first.
+    std::optional<QList<ApplicationTraffic>> applicationTraffic(const HistoryScope& scope);
+    std::optional<QList<CountryTraffic>> countries(const HistoryScope& scope);
+    std::optional<QList<ServiceTraffic>> services(const HistoryScope& scope);
 
     /// How much of the days asked for is in the answers since `version` was last asked for, 0 to 1;
     /// of several answers, in the one that lacks most. While days are still being summed, answers

@@ -108,14 +108,14 @@ QList<ClickCell> HistoryLists::clickCells(const CellSums& sums)
 }
 
 QList<ApplicationTotals> HistoryLists::applications(const ApplicationSums& sums,
-                                                    const QHash<QString, KnownApplication>& known)
+                                                    const QHash<QString, ApplicationFacts>& known)
 {
     QList<ApplicationTotals> list;
     for (auto it = sums.cbegin(); it != sums.cend(); ++it) {
         if (it.value() == ApplicationCounts{}) {
             continue;
         }
-        const KnownApplication application = known.value(it.key());
+        const ApplicationFacts application = known.value(it.key());
         list.append({.path = it.key(),
                      .name = application.name,
                      .keys = it->keys,

@@ -18,7 +18,7 @@ QList<ButtonCount> buttons(const NumberSums& sums);
 QList<ScrollCount> scrolls(const NumberSums& sums);
 QList<ClickCell> clickCells(const CellSums& sums);
 QList<ApplicationTotals> applications(const ApplicationSums& sums,
-                                      const QHash<QString, KnownApplication>& known);
+                                      const QHash<QString, ApplicationFacts>& known);
 QList<ApplicationDay> applicationDays(const ApplicationDaySums& sums);
 
 } // namespace HistoryLists

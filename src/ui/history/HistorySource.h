@@ -36,4 +36,8 @@ public:
 
     virtual bool addApplicationDays(const HistoryScope& scope, const QStringList& paths,
                                     ApplicationDaySums& sums) = 0;
+
+    /// What crossed all interfaces, by Julian day. It is of no profile, so that of `scope` is not
+    /// looked at.
+    virtual bool addTrafficDays(const HistoryScope& scope, TrafficGroupSums& sums) = 0;
 };

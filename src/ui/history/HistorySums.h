@@ -2,6 +2,7 @@
 #pragma once
 
 #include "ui/history/HistoryTypes.h"
+#include "ui/history/TrafficTypes.h"
 
 #include <QDate>
 #include <QHash>
@@ -81,6 +82,16 @@ struct ApplicationCounts
 
     friend bool operator==(const ApplicationCounts&, const ApplicationCounts&) = default;
 };
+
+using TrafficSums = QHash<QString, TrafficTotals>;
+using ServiceSums = QHash<std::pair<int, QString>, TrafficTotals>; ///< By port and transport.
+using TrafficGroupSums = std::map<qint64, TrafficTotals>;          ///< By Julian day, or by hour.
+
+/// The two columns from `at` on.
+inline TrafficTotals trafficFromRow(const QSqlQuery& row, int at)
+{
+    return {.download = row.value(at).toLongLong(), .upload = row.value(at + 1).toLongLong()};
+}
 
 using ApplicationSums = QHash<QString, ApplicationCounts>; ///< By path.
 using ApplicationDaySums = std::map<std::pair<QDate, QString>, ApplicationCounts>;

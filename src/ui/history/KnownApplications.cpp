@@ -5,16 +5,7 @@
 
 namespace {
 
-using Known = QHash<QString, KnownApplication>;
-
-bool readNames(const QSqlDatabase& connection, Known& known)
-{
-    return RowReader::forEachRow(connection,
-                                 QStringLiteral("SELECT \"path\", \"name\" FROM applications"),
-                                 RowReader::bindNothing, [&known](const QSqlQuery& row) {
-                                     known[row.value(0).toString()].name = row.value(1).toString();
-                                 });
-}
+using Known = QHash<QString, ApplicationFacts>;
 
 /// Rows from before `last_used` was kept know only when the application ran.
 const QString& runningTimes()
@@ -32,7 +23,7 @@ bool readRunningTimes(const QSqlDatabase& connection, std::optional<int> profile
         connection, runningTimes(),
         [profileId](QSqlQuery& query) { RowReader::bindProfile(query, profileId); },
         [&known](const QSqlQuery& row) {
-            KnownApplication& application = known[row.value(0).toString()];
+            ApplicationFacts& application = known[row.value(0).toString()];
             const QString lastUsed = row.value(2).toString() + QLatin1Char('Z');
             application.runningSeconds = row.value(1).toLongLong();
             application.lastUsed = QDateTime::fromString(lastUsed, Qt::ISODate).toLocalTime();
@@ -41,12 +32,27 @@ bool readRunningTimes(const QSqlDatabase& connection, std::optional<int> profile
 
 } // namespace
 
-std::optional<QHash<QString, KnownApplication>>
+std::optional<QHash<QString, ApplicationFacts>>
 KnownApplications::read(const QSqlDatabase& connection, std::optional<int> profileId)
 {
+    const std::optional<QHash<QString, QString>> named = names(connection);
     Known known;
-    if (!readNames(connection, known) || !readRunningTimes(connection, profileId, known)) {
+    if (!named || !readRunningTimes(connection, profileId, known)) {
         return std::nullopt;
     }
+    for (auto it = named->cbegin(); it != named->cend(); ++it) {
+        known[it.key()].name = it.value();
+    }
     return known;
+}
+
+std::optional<QHash<QString, QString>> KnownApplications::names(const QSqlDatabase& connection)
+{
+    QHash<QString, QString> names;
+    const bool isRead = RowReader::forEachRow(
+        connection, QStringLiteral("SELECT \"path\", \"name\" FROM applications"),
+        RowReader::bindNothing, [&names](const QSqlQuery& row) {
+            names.insert(row.value(0).toString(), row.value(1).toString());
+        });
+    return isRead ? std::optional(names) : std::nullopt;
 }

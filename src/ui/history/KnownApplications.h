@@ -9,7 +9,7 @@
 #include <optional>
 
 /// What is known of an application besides its counts of days. Plain value.
-struct KnownApplication
+struct ApplicationFacts
 {
     QString name; ///< Empty where it is not known.
     qint64 runningSeconds = 0;
@@ -20,7 +20,10 @@ struct KnownApplication
 namespace KnownApplications {
 
 /// By path, of one profile or of all; nothing where a statement failed (which is in the log).
-std::optional<QHash<QString, KnownApplication>> read(const QSqlDatabase& connection,
+std::optional<QHash<QString, ApplicationFacts>> read(const QSqlDatabase& connection,
                                                      std::optional<int> profileId);
+
+/// Their names by path; nothing where the statement failed (which is in the log).
+std::optional<QHash<QString, QString>> names(const QSqlDatabase& connection);
 
 } // namespace KnownApplications

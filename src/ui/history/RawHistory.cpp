@@ -36,6 +36,15 @@ const QString& frontOfApplication()
     return text;
 }
 
+/// By `group`, which belongs to the day or the hour.
+QString trafficBy(const QString& group)
+{
+    return QStringLiteral("SELECT %1, SUM(\"download\"), SUM(\"upload\") "
+                          "FROM network_interface_bandwidth "
+                          "WHERE \"day\" BETWEEN :first AND :last GROUP BY %1")
+        .arg(group);
+}
+
 } // namespace
 
 RawHistory::RawHistory(const QSqlDatabase& connection)
@@ -83,4 +92,25 @@ bool RawHistory::addApplicationDays(const HistoryScope& scope, const QStringList
         return RowReader::forEachRow(m_connection, inputOfApplication(), bind, add) &&
                RowReader::forEachRow(m_connection, frontOfApplication(), bind, add);
     });
+}
+
+bool RawHistory::addTrafficDays(const HistoryScope& scope, TrafficGroupSums& sums)
+{
+    return RowReader::forEachRow(
+        m_connection, trafficBy(QStringLiteral("\"day\"")),
+        [&scope](QSqlQuery& query) { RowReader::bindDays(query, scope); },
+        [&sums](const QSqlQuery& row) {
+            const QDate day = QDate::fromString(row.value(0).toString(), Qt::ISODate);
+            sums[day.toJulianDay()] += trafficFromRow(row, 1);
+        });
+}
+
+bool RawHistory::addTrafficHours(const HistoryScope& scope, TrafficGroupSums& sums)
+{
+    return RowReader::forEachRow(
+        m_connection, trafficBy(QStringLiteral("\"hour\"")),
+        [&scope](QSqlQuery& query) { RowReader::bindDays(query, scope); },
+        [&sums](const QSqlQuery& row) {
+            sums[row.value(0).toLongLong()] += trafficFromRow(row, 1);
+        });
 }

@@ -18,6 +18,10 @@ public:
     bool eachCount(CountTable table, const HistoryScope& scope, const TakeRow& take) override;
     bool addApplicationDays(const HistoryScope& scope, const QStringList& paths,
                             ApplicationDaySums& sums) override;
+    bool addTrafficDays(const HistoryScope& scope, TrafficGroupSums& sums) override;
+
+    /// By hour; of a few days at most, and of no profile either.
+    bool addTrafficHours(const HistoryScope& scope, TrafficGroupSums& sums);
 
     /// Clicks by button. They are few, as none is kept for longer than three months.
     bool addButtons(const HistoryScope& scope, NumberSums& sums);

@@ -63,11 +63,16 @@ QString countsOf(const CountTableText& table)
         .arg(things, sums.join(QStringLiteral(", ")), parts.join(QStringLiteral(" UNION ALL ")));
 }
 
-void bindRange(QSqlQuery& query, const HistoryScope& scope)
+void bindDays(QSqlQuery& query, const HistoryScope& scope)
 {
     const DayRange days = range(scope);
     query.bindValue(QStringLiteral(":first"), days.first);
     query.bindValue(QStringLiteral(":last"), days.last);
+}
+
+void bindRange(QSqlQuery& query, const HistoryScope& scope)
+{
+    bindDays(query, scope);
     RowReader::bindProfile(query, scope.profileId);
 }
 
@@ -133,4 +138,16 @@ bool RollUpSource::addApplicationDays(const HistoryScope& scope, const QStringLi
                 sums[{day, path}] += ApplicationCounts::fromRow(row, 1);
             });
     });
+}
+
+bool RollUpSource::addTrafficDays(const HistoryScope& scope, TrafficGroupSums& sums)
+{
+    return RowReader::forEachRow(
+        m_connection,
+        QStringLiteral("SELECT day, SUM(download), SUM(upload) FROM interface_days "
+                       "WHERE day BETWEEN :first AND :last GROUP BY day"),
+        [&scope](QSqlQuery& query) { bindDays(query, scope); },
+        [&sums](const QSqlQuery& row) {
+            sums[row.value(0).toLongLong()] += trafficFromRow(row, 1);
+        });
 }

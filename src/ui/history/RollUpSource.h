@@ -19,6 +19,7 @@ public:
     bool eachCount(CountTable table, const HistoryScope& scope, const TakeRow& take) override;
     bool addApplicationDays(const HistoryScope& scope, const QStringList& paths,
                             ApplicationDaySums& sums) override;
+    bool addTrafficDays(const HistoryScope& scope, TrafficGroupSums& sums) override;
 
 private:
     QSqlDatabase m_connection;

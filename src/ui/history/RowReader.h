@@ -46,12 +46,17 @@ inline QString scoped(const QString& select, const QString& tail)
            tail;
 }
 
-/// Binds what `scoped` left open.
-inline void bindScope(QSqlQuery& query, const HistoryScope& scope)
+inline void bindDays(QSqlQuery& query, const HistoryScope& scope)
 {
     const QDate first = scope.first.isNull() ? QDate(1, 1, 1) : scope.first;
     query.bindValue(QStringLiteral(":first"), Format::isoDay(first));
     query.bindValue(QStringLiteral(":last"), Format::isoDay(scope.last));
+}
+
+/// Binds what `scoped` left open.
+inline void bindScope(QSqlQuery& query, const HistoryScope& scope)
+{
+    bindDays(query, scope);
     bindProfile(query, scope.profileId);
 }
 

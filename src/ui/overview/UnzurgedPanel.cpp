@@ -16,10 +16,16 @@ namespace {
 
 constexpr int RefreshMs = 1000;
 
-Totals unzurged()
+constexpr int Directions = 2; ///< Of traffic: a line each, below those of the measures.
+
+UnzurgedCounts unzurged()
 {
     const LocalStats* stats = LocalStats::instance();
-    const UnzurgedCounts counts = stats != nullptr ? stats->unzurged() : UnzurgedCounts();
+    return stats != nullptr ? stats->unzurged() : UnzurgedCounts();
+}
+
+Totals totalsOf(const UnzurgedCounts& counts)
+{
     // No counter exceeds what a signed number holds.
     return {.keys = static_cast<qint64>(counts.keys),
             .clicks = static_cast<qint64>(counts.clicks),
@@ -28,22 +34,29 @@ Totals unzurged()
             .uptimeMs = static_cast<qint64>(counts.uptime)};
 }
 
+QList<FiguresModel::Column> columns(const QString& label, Format::Lengths lengths)
+{
+    return OverviewTables::columns(label, lengths) +
+           QList{FiguresModel::bytesColumn(UnzurgedPanel::tr("Downloaded")),
+                 FiguresModel::bytesColumn(UnzurgedPanel::tr("Uploaded"))};
+}
+
 } // namespace
 
 UnzurgedPanel::UnzurgedPanel(FiguresModel* model, QWidget* parent)
     : QWidget(parent)
     , m_model(model)
-    , m_meaning(new QLabel(tr("Counted here and not yet sent to an account. A zurge sends these "
-                              "counts and starts them from zero; the history on this computer "
-                              "stays."),
+    , m_meaning(new QLabel(tr("Not yet sent to an account. A zurge sends these counts and starts "
+                              "them from zero."),
                            this))
 {
     m_meaning->setWordWrap(true);
     m_meaning->setAlignment(Qt::AlignTop);
     auto* grid = new QGridLayout(this);
     grid->setContentsMargins(0, 0, 0, 0);
-    grid->setVerticalSpacing(Theme::Rhythm / 2);
-    for (int row = 0; row < static_cast<int>(Measures::All.size()); ++row) {
+    grid->setVerticalSpacing(Theme::Rhythm / 4);
+    const auto below = static_cast<int>(Measures::All.size()) + Directions;
+    for (int row = 0; row < below; ++row) {
         const Line line{.name = new QLabel(this), .value = new QLabel(this)};
         line.value->setObjectName(QStringLiteral("value"));
         line.value->setTextInteractionFlags(Qt::TextSelectableByMouse);
@@ -51,7 +64,6 @@ UnzurgedPanel::UnzurgedPanel(FiguresModel* model, QWidget* parent)
         grid->addWidget(line.value, row, 1, Qt::AlignRight);
         m_lines.append(line);
     }
-    const auto below = static_cast<int>(Measures::All.size());
     grid->setRowMinimumHeight(below, Theme::Rhythm / 2);
     grid->addWidget(m_meaning, below + 1, 0, 1, 2);
     grid->setRowStretch(below + 1, 1);
@@ -62,23 +74,31 @@ UnzurgedPanel::UnzurgedPanel(FiguresModel* model, QWidget* parent)
 
 void UnzurgedPanel::follow()
 {
-    const Totals totals = unzurged();
+    const UnzurgedCounts counts = unzurged();
+    const Totals totals = totalsOf(counts);
     const Format::Lengths lengths =
         Format::lengths(Settings::instance().value(SettingsKeys::MouseDistanceSystem));
     if (lengths != m_lengths) {
         m_lengths = lengths;
-        m_model->setColumns(OverviewTables::columns(tr("Counts"), lengths));
+        m_model->setColumns(columns(tr("Counts"), lengths));
     }
-    for (size_t i = 0; i < Measures::All.size(); ++i) {
-        const Measure measure = Measures::All.at(i);
+    qsizetype line = 0;
+    for (const Measure measure : Measures::All) {
         const Quantity quantity = Measures::quantity(measure, lengths);
-        const QString text = quantity.text(Measures::value(measure, totals));
-        const Line& line = m_lines.at(static_cast<qsizetype>(i));
-        line.name->setText(quantity.name);
-        line.value->setText(text);
-        line.value->setAccessibleName(QStringLiteral("%1: %2").arg(quantity.name, text));
+        showLine(line++, quantity.name, quantity.text(Measures::value(measure, totals)));
     }
-    m_model->setRows({OverviewTables::row(tr("Not yet sent"), totals, lengths)});
+    showLine(line++, tr("Downloaded"), Format::bytes(counts.download));
+    showLine(line, tr("Uploaded"), Format::bytes(counts.upload));
+    m_model->setRows({OverviewTables::row(tr("Not yet sent"), totals, lengths) +
+                      FiguresModel::Row{counts.download, counts.upload}});
+}
+
+void UnzurgedPanel::showLine(qsizetype index, const QString& name, const QString& value)
+{
+    const Line& line = m_lines.at(index);
+    line.name->setText(name);
+    line.value->setText(value);
+    line.value->setAccessibleName(QStringLiteral("%1: %2").arg(name, value));
 }
 
 void UnzurgedPanel::showEvent(QShowEvent* event)

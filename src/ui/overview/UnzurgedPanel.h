@@ -35,6 +35,7 @@ private:
     };
 
     void follow();
+    void showLine(qsizetype index, const QString& name, const QString& value);
     void applyTheme();
 
     FiguresModel* m_model;

@@ -34,6 +34,8 @@ private Q_SLOTS:
     void laysClicksOnCells();
     void joinsWhatIsKnownOfApplications();
     void followsApplicationsByDay();
+    void listsTraffic();
+    void joinsWhatIsKnownOfInterfaces();
     void readsEndsOfSessions_data();
     void readsEndsOfSessions();
     void listsSessionsThatTouchTheDays();
@@ -191,6 +193,59 @@ void HistoryTest::followsApplicationsByDay()
         {.day = Tuesday, .path = QStringLiteral("/a"), .frontSeconds = 30}};
     const QStringList paths{QStringLiteral("/a"), QStringLiteral("/none"), QStringLiteral("/a")};
     QCOMPARE(m_history->applicationDays(EverythingCounted, paths), std::optional(expected));
+}
+
+void HistoryTest::listsTraffic()
+{
+    exec("INSERT INTO applications (\"path\", \"name\") VALUES('/a', 'Editor')");
+    exec("INSERT INTO application_bandwidth VALUES('2025-03-03', 9, 5, 4, '/a', 0), "
+         "('2025-03-04', 9, 1, 0, '/a', 2), ('2025-03-04', 9, 2, 9, '/b', 0), "
+         "('2025-03-04', 9, 0, 0, '/c', 0), ('2025-03-05', 9, 9, 9, '/c', 0)");
+    exec("INSERT INTO country_bandwidth VALUES('2025-03-03', 9, 1, 1, 'DE', 0), "
+         "('2025-03-04', 9, 1, 2, 'US', 2), ('2025-03-04', 10, 1, 0, 'DE', 0)");
+    exec("INSERT INTO network_protocol_bandwidth VALUES('2025-03-03', 9, 3, 1, 443, 'UDP', 0), "
+         "('2025-03-04', 9, 2, 2, 443, 'TCP', 2), ('2025-03-04', 9, 1, 0, 53, 'UDP', 0)");
+    const QList<ApplicationTraffic> applications{
+        {.path = QStringLiteral("/b"), .name = {}, .traffic = {2, 9}},
+        {.path = QStringLiteral("/a"), .name = QStringLiteral("Editor"), .traffic = {6, 4}}};
+    QCOMPARE(m_history->applicationTraffic(EverythingCounted), std::optional(applications));
+    const QList<CountryTraffic> countries{{QStringLiteral("DE"), {2, 1}},
+                                          {QStringLiteral("US"), {1, 2}}};
+    QCOMPARE(m_history->countries(EverythingCounted), std::optional(countries));
+    const QList<ServiceTraffic> services{{443, QStringLiteral("TCP"), {2, 2}},
+                                         {443, QStringLiteral("UDP"), {3, 1}},
+                                         {53, QStringLiteral("UDP"), {1, 0}}};
+    QCOMPARE(m_history->services(EverythingCounted), std::optional(services));
+    QCOMPARE(m_history->services({.first = {}, .last = Tuesday, .profileId = Work}),
+             std::optional(services.mid(0, 1)));
+    QCOMPARE(m_history->firstDay(), std::optional(Monday));
+}
+
+void HistoryTest::joinsWhatIsKnownOfInterfaces()
+{
+    exec("INSERT INTO network_interfaces VALUES('AA', 'wlan0', 1, '10.0.0.2, fe80::1', "
+         "'2025-07-01 08:00:00'), ('CC', 'unused', 0, '', '2025-07-01 08:00:00')");
+    exec("INSERT INTO network_interface_bandwidth VALUES('2025-03-03', 9, 5, 4, 'AA'), "
+         "('2025-03-03', 23, 1, 0, 'AA'), ('2025-03-03', 9, 100, 0, 'BB'), "
+         "('2025-03-04', 9, 7, 0, 'AA')");
+    const QList<InterfaceTotals> expected{{.macAddress = QStringLiteral("BB"),
+                                           .description = {},
+                                           .addresses = {},
+                                           .lastSeen = {},
+                                           .traffic = {100, 0}},
+                                          {.macAddress = QStringLiteral("AA"),
+                                           .description = QStringLiteral("wlan0"),
+                                           .isWifi = true,
+                                           .addresses = QStringLiteral("10.0.0.2, fe80::1"),
+                                           .lastSeen = at("2025-07-01T10:00:00"),
+                                           .traffic = {13, 4}}};
+    const HistoryScope atWork{.first = {}, .last = Tuesday, .profileId = Work};
+    QCOMPARE(m_history->interfaces(atWork), std::optional(expected)); // They have no profile.
+    const QList<TrafficDay> days{{Monday, {106, 4}}, {Tuesday, {7, 0}}};
+    QCOMPARE(m_history->trafficDays(atWork), std::optional(days));
+    const QList<TrafficHour> hours{{9, {105, 4}}, {23, {1, 0}}};
+    QCOMPARE(m_history->trafficHours({.first = Monday, .last = Monday, .profileId = Work}),
+             std::optional(hours));
 }
 
 void HistoryTest::readsEndsOfSessions_data()

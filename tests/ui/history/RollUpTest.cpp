@@ -84,6 +84,12 @@ QString difference(History& left, History& right, const HistoryScope& scope)
         {"applications", isSame(left.applications(scope), right.applications(scope))},
         {"applicationDays",
          isSame(left.applicationDays(scope, paths), right.applicationDays(scope, paths))},
+        {"trafficDays", isSame(left.trafficDays(scope), right.trafficDays(scope))},
+        {"interfaces", isSame(left.interfaces(scope), right.interfaces(scope))},
+        {"applicationTraffic",
+         isSame(left.applicationTraffic(scope), right.applicationTraffic(scope))},
+        {"countries", isSame(left.countries(scope), right.countries(scope))},
+        {"services", isSame(left.services(scope), right.services(scope))},
         {"boots", isSame(left.boots(scope), right.boots(scope))},
         {"firstDay", left.firstDay() == right.firstDay()},
     };
@@ -151,6 +157,7 @@ private:
     void open();
     void fill();
     void fillDay(const QDate& day, QRandomGenerator& random);
+    void fillTraffic(const QString& day, int hour, int profile, QRandomGenerator& random);
     void insert(const QString& table, const QVariantList& values);
     void prepareAll();
 
@@ -260,7 +267,23 @@ void RollUpTest::fillDay(const QDate& date, QRandomGenerator& random)
                 {day, hour, path(), some(), some(), random.generateDouble() * 50, some(), profile});
             insert(QStringLiteral("application_active_hour"), {day, hour, some(), path(), profile});
         }
+        fillTraffic(day, hour, profile, random);
     }
+}
+
+void RollUpTest::fillTraffic(const QString& day, int hour, int profile, QRandomGenerator& random)
+{
+    const auto named = [&random](const QString& name) { return name.arg(random.bounded(4)); };
+    const auto some = [&random] { return random.bounded(9) == 0 ? 0 : random.bounded(5'000); };
+    insert(QStringLiteral("network_interface_bandwidth"),
+           {day, hour, some(), some(), named(QStringLiteral("02:00:00:00:00:0%1"))});
+    insert(QStringLiteral("application_bandwidth"),
+           {day, hour, some(), some(), named(QStringLiteral("/usr/bin/app%1")), profile});
+    insert(QStringLiteral("country_bandwidth"),
+           {day, hour, some(), some(), named(QStringLiteral("C%1")), profile});
+    insert(QStringLiteral("network_protocol_bandwidth"),
+           {day, hour, some(), some(), 440 + random.bounded(3),
+            random.bounded(2) == 0 ? QStringLiteral("TCP") : QStringLiteral("UDP"), profile});
 }
 
 QString RollUpTest::difference()
