@@ -49,6 +49,7 @@ struct IpAddress
 
     friend auto operator<=>(const IpAddress&, const IpAddress&) = default;
 
+    /// By whole words, which the array's own comparison is not: each packet does this once or more.
     friend bool operator==(const IpAddress& one, const IpAddress& other) noexcept
     {
         return one.family == other.family &&
@@ -56,7 +57,8 @@ struct IpAddress
     }
 };
 
-/// Over the bytes that the family uses.
+/// Over the bytes that the family uses. Whoever invents addresses does not know the seed, and so
+/// cannot make them meet in one slot.
 inline size_t qHash(const IpAddress& address, size_t seed = 0) noexcept
 {
     return address.isIpv4() ? qHash(address.ipv4(), seed)

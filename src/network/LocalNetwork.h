@@ -19,5 +19,7 @@ void setLocalProxy(unsigned long ipnum, unsigned int port);
 
 /// True where the other end of traffic is this machine's own neighbourhood and no country: private,
 /// link-local, loopback, multicast and broadcast addresses of both families (RFC 1918, RFC 3927,
-/// RFC 4193, RFC 4291, RFC 5771). Any thread.
+/// RFC 4193, RFC 4291, RFC 5771). An IPv4 address mapped into IPv6 is judged as itself. Not local
+/// are 100.64.0.0/10, which is the provider's network and not the user's (RFC 6598), and 0.0.0.0,
+/// under which `TrafficCounters` files what it cannot tell apart. Any thread.
 bool isLocalOrMulticast(const IpAddress& address);

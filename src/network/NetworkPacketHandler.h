@@ -25,6 +25,10 @@ enum class Direction
 /// than 4 and 6, another protocol than TCP and UDP, two foreign ends, or fewer captured bytes than
 /// its headers need.
 ///
+/// The ports are read at a fixed offset, behind the shortest header of each version. A fragment is
+/// no exception: its bytes count for its addresses, and the first four of its data pass for the
+/// ports.
+///
 /// `version` is 4 or 6. `captured` begins at the IP header and may end before the packet does;
 /// `length` is what counts, the packet's size on the wire in bytes. Allocates nothing and keeps
 /// nothing between calls. Any thread.

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "network/TrafficCounters.h"
 
-#include <QMutexLocker>
-
 #include <utility>
 
 void TrafficCounters::add(bool upload, const IpAddress& remote, unsigned short localPort,
@@ -10,7 +8,7 @@ void TrafficCounters::add(bool upload, const IpAddress& remote, unsigned short l
                           Utils::TrafficType type, unsigned short remotePort)
 {
     const auto direction = upload ? &NetworkTraffic::upload : &NetworkTraffic::download;
-    const QMutexLocker lock(&m_mutex);
+    const std::scoped_lock lock(m_mutex);
     trafficWith(remote).*direction += bytes;
     InterfaceTraffic& crossed = m_interfaces.filling[interfaceIndex];
     crossed.total.*direction += bytes;
@@ -53,7 +51,7 @@ template <typename Key, typename Value>
 QHash<Key, Value> TrafficCounters::take(Accumulator<Key, Value>& accumulator)
 {
     {
-        const QMutexLocker lock(&m_mutex);
+        const std::scoped_lock lock(m_mutex);
         std::swap(accumulator.filling, accumulator.spare);
     }
     QHash<Key, Value> result = accumulator.spare.toHash();

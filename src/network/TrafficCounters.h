@@ -7,7 +7,8 @@
 #include "network/TrafficTable.h"
 
 #include <QHash>
-#include <QRecursiveMutex>
+
+#include <mutex>
 
 using PortTraffic = QHash<unsigned short, NetworkTraffic>;
 using AddressTraffic = QHash<IpAddress, NetworkTraffic>;
@@ -31,7 +32,7 @@ public:
     static constexpr qsizetype AddressLimit = 262'144;
 
     /// The lock that `add` takes by itself; held over a batch of packets it is taken only once.
-    QRecursiveMutex& mutex() { return m_mutex; }
+    std::recursive_mutex& mutex() { return m_mutex; }
 
     void add(bool upload, const IpAddress& remote, unsigned short localPort, unsigned int bytes,
              unsigned int internetBytes, int interfaceIndex, Utils::TrafficType type,
@@ -60,7 +61,7 @@ private:
     NetworkTraffic& trafficWith(const IpAddress& remote);
     Ports& remotePorts(Utils::TrafficType type);
 
-    QRecursiveMutex m_mutex;
+    std::recursive_mutex m_mutex;
     Ports m_ports;
     Ports m_portsTcp;
     Ports m_portsUdp;

@@ -5,7 +5,6 @@
 #include "network/NetworkPacketHandlerListener.h"
 #include "network/TrafficCounters.h"
 
-#include <QMutexLocker>
 #include <QtEndian>
 
 #include <benchmark/benchmark.h>
@@ -217,7 +216,7 @@ void parseAndAccumulateBatches(benchmark::State& state)
     const std::int64_t before = allocations.load();
     for ([[maybe_unused]] const auto& run : state) {
         for (std::size_t first = 0; first < packets.size(); first += PacketsPerBatch) {
-            const QMutexLocker batch(&listener.counters.mutex());
+            const std::scoped_lock batch(listener.counters.mutex());
             const std::size_t end = std::min(first + PacketsPerBatch, packets.size());
             for (std::size_t index = first; index < end; ++index) {
                 handle(packets[index], listener);
@@ -265,9 +264,9 @@ void lockHeldByTake(benchmark::State& state)
         std::atomic<bool> watching = false;
         std::atomic<bool> over = false;
         std::thread capture([&] {
-            QRecursiveMutex& mutex = listener.counters.mutex();
+            std::recursive_mutex& mutex = listener.counters.mutex();
             for (watching = true; !over; mutex.unlock()) {
-                if (mutex.tryLock()) {
+                if (mutex.try_lock()) {
                     continue;
                 }
                 const auto start = Clock::now();

@@ -274,7 +274,7 @@ void NetworkPacketHandlerTest::knowsTheNeighbourhood_data()
                             "ff00::", "ff02::1", "::ffff:10.0.0.1", "::ffff:224.0.0.1"});
     rows(Foreign, {"::2", "::1:0:1", "1::1", "fbff:ffff::1", "fe00::", "fe7f:ffff::1", "fec0::1",
                    "e000::1", "2001:db8::1", "::ffff:8.8.8.8", "::ffff:0.0.0.0", "::10.0.0.1",
-                   "::fffe:10.0.0.1", "1::ffff:10.0.0.1", "a00:1::"});
+                   "::fffe:10.0.0.1", "::ff:10.0.0.1", "1::ffff:10.0.0.1", "a00:1::"});
 }
 
 void NetworkPacketHandlerTest::knowsTheNeighbourhood()

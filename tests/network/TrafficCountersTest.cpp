@@ -2,7 +2,6 @@
 #include "network/TrafficCounters.h"
 #include "support/TestRegistry.h"
 
-#include <QMutexLocker>
 #include <QTest>
 
 #include <array>
@@ -126,7 +125,7 @@ void TrafficCountersTest::losesNothingToTakes()
     std::atomic<bool> over = false;
     std::thread capture([&] {
         for (quint32 done = 0; done < batches; ++done) {
-            const QMutexLocker lock(&counters.mutex());
+            const std::scoped_lock lock(counters.mutex());
             for (quint32 number = 0; number < batch; ++number) {
                 download(counters, addressOf(done + number), 1);
             }
