@@ -75,6 +75,7 @@ NetworkCapture::BackEnds backEnds(Support ring, Support pcap, quint64& counted)
         .packetRing = [ring] { return std::make_unique<FakeMonitor>(ring); },
         .pcap = [pcap] { return std::make_unique<FakeMonitor>(pcap); },
         .counters = [&counted] { return std::make_unique<FakeMonitor>(Support::Opens, &counted); },
+        .isPcapMissing = [] { return false; },
         .command = Command,
     };
 }
