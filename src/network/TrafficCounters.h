@@ -2,9 +2,9 @@
 #pragma once
 
 #include "base/Utils.h"
+#include "network/CountingTable.h"
 #include "network/IpAddress.h"
 #include "network/NetworkTraffic.h"
-#include "network/CountingTable.h"
 
 #include <QHash>
 
