@@ -6,6 +6,8 @@
 #include <QCryptographicHash>
 #include <QTest>
 
+#include <array>
+
 namespace {
 
 const QDate LastDay(2024, 7, 15);
@@ -48,6 +50,82 @@ QStringList digests(const QString& directory)
     }
     return digests;
 }
+
+/// What breaks a rule that the client's own writing keeps, or misses what a history needs: nothing,
+/// or no rows, where all is well.
+struct Rule
+{
+    const char* name;
+    const char* brokenBy; ///< What follows "SELECT COUNT(*) FROM".
+};
+
+constexpr std::array Rules{
+    Rule{"the last hour has keys",
+         "(SELECT 1) WHERE NOT EXISTS (SELECT 1 FROM keypress_frequency WHERE "
+         "day = '2024-07-15' AND hour = 15)"},
+    // The first batch of an hour is no part of its total, and is at most five seconds long.
+    Rule{"keys of an hour are above their total",
+         "keypresses k WHERE (SELECT SUM(keys) FROM input_per_application i WHERE "
+         "i.day = k.day AND i.hour = k.hour AND i.profile_id = k.profile_id) - "
+         "count NOT BETWEEN 1 AND 40"},
+    Rule{"keys by application add up to the keys",
+         "keypress_frequency k WHERE count IS NOT (SELECT SUM(count) FROM "
+         "keypress_frequency_application a WHERE a.day = k.day AND a.hour = k.hour "
+         "AND a.\"key\" = k.\"key\" AND a.profile_id = k.profile_id)"},
+    Rule{"unknown keys have no row", "keypress_frequency WHERE \"key\" = 33554431"},
+    Rule{"every hour has all directions",
+         "(SELECT 1 FROM mousescrolls GROUP BY day, hour, profile_id HAVING "
+         "group_concat(direction) IS NOT '1,2,3,4')"},
+    Rule{"points and buttons are pruned", "(SELECT day FROM mousepoints UNION ALL SELECT day FROM "
+                                          "mouseclicks_frequency) WHERE day < '2024-04-15'"},
+    Rule{"points lie on two screens side by side",
+         "mousepoints WHERE x < -1 OR x >= 1 OR y < 0 OR y >= 1 OR "
+         "typeof(x) <> 'real'"},
+    Rule{"some points lie on each screen", "(SELECT 1) WHERE (SELECT COUNT(DISTINCT x >= 0) FROM "
+                                           "mousepoints) <> 2"},
+    Rule{"buttons are stored ones",
+         "mouseclicks_frequency_application WHERE button NOT IN (0, 1, 2, 99)"},
+    Rule{"travel is a real number", "mousedistance WHERE distance_inches < 0 OR "
+                                    "typeof(distance_inches) <> 'real'"},
+    Rule{"nothing is up for more than an hour an hour",
+         "(SELECT SUM(msec_active) AS ms FROM uptime_hour GROUP BY day, hour) "
+         "WHERE ms > 3600000"},
+    Rule{"nothing is in front while the computer is off",
+         "(SELECT day, hour, profile_id, SUM(seconds_active) AS s FROM "
+         "application_active_hour GROUP BY day, hour, profile_id) a "
+         "WHERE s * 1000 > (SELECT msec_active + 1000 FROM uptime_hour u WHERE "
+         "u.day = a.day AND u.hour = a.hour AND u.profile_id = a.profile_id)"},
+    Rule{"every application has a name",
+         "(SELECT path FROM input_per_application UNION SELECT path FROM "
+         "application_uptime) WHERE path NOT IN (SELECT path FROM applications "
+         "WHERE name <> '')"},
+    Rule{"excluded applications have no rows",
+         "input_per_application WHERE path IN (SELECT path FROM "
+         "application_ignore)"},
+    Rule{"every profile is known",
+         "keypresses WHERE profile_id NOT IN (SELECT 0 UNION SELECT id FROM "
+         "profiles)"},
+    Rule{"one profile is active, and all are used",
+         "(SELECT 1) WHERE (SELECT COUNT(*) FROM profiles WHERE active) <> 1 OR "
+         "(SELECT COUNT(DISTINCT profile_id) FROM keypresses) <> 4"},
+    Rule{"traffic of countries and ports is that of the cards, at most",
+         "(SELECT 1) WHERE (SELECT SUM(download) FROM network_interface_bandwidth) "
+         "< max((SELECT SUM(download) FROM country_bandwidth), (SELECT "
+         "SUM(download) FROM network_protocol_bandwidth), (SELECT SUM(download) "
+         "FROM application_bandwidth))"},
+    // As the client does: a boot in local time, its end in UTC. The tests run two hours before it.
+    Rule{"boots end after they begin", "uptimes WHERE datetime(end_time, '+2 hours') <= boot_time"},
+    Rule{"days off are days off", "(SELECT COUNT(DISTINCT day) AS days FROM uptime_hour) WHERE "
+                                  "days NOT BETWEEN 280 AND 390"},
+    Rule{"weekdays see more keys than weekends",
+         "(SELECT 1) WHERE (SELECT SUM(count) FROM keypresses WHERE "
+         "strftime('%w', day) IN ('0', '6')) * 2 > (SELECT SUM(count) FROM "
+         "keypresses WHERE strftime('%w', day) NOT IN ('0', '6'))"},
+    Rule{"E is typed most of all letters",
+         "(SELECT \"key\" AS letter FROM keypress_frequency WHERE \"key\" BETWEEN "
+         "65 AND 90 GROUP BY 1 ORDER BY SUM(count) DESC LIMIT 1) WHERE "
+         "letter <> 69"},
+};
 
 } // namespace
 
@@ -155,14 +233,9 @@ void SyntheticHistoryTest::fillsTables()
     QVERIFY2(rows.toInt() >= atLeast, qPrintable(rows));
 }
 
-/// Each query gives what breaks a rule that the client's own writing keeps, or misses what a
-/// history needs: nothing, or no rows, where all is well.
 void SyntheticHistoryTest::followsTheRules_data()
 {
     QTest::addColumn<QString>("broken");
-    const auto none = [](const char* name, const QString& from) {
-        QTest::newRow(name) << QStringLiteral("SELECT COUNT(*) FROM ") + from;
-    };
     for (const char* table : {"keypresses", "mouseclicks", "mousescrolls", "mousedistance",
                               "uptime_hour", "input_per_application", "application_active_hour",
                               "network_interface_bandwidth", "country_bandwidth", "mousepoints"}) {
@@ -172,75 +245,10 @@ void SyntheticHistoryTest::followsTheRules_data()
                               "(day = '2024-07-15' AND hour > 15)")
                    .arg(QLatin1String(table));
     }
-    none("the last hour has keys",
-         QStringLiteral("(SELECT 1) WHERE NOT EXISTS (SELECT 1 FROM keypress_frequency WHERE "
-                        "day = '2024-07-15' AND hour = 15)"));
-    // The first batch of an hour is no part of its total, and is at most five seconds long.
-    none("keys of an hour are above their total",
-         QStringLiteral("keypresses k WHERE (SELECT SUM(keys) FROM input_per_application i WHERE "
-                        "i.day = k.day AND i.hour = k.hour AND i.profile_id = k.profile_id) - "
-                        "count NOT BETWEEN 1 AND 40"));
-    none("keys by application add up to the keys",
-         QStringLiteral("keypress_frequency k WHERE count IS NOT (SELECT SUM(count) FROM "
-                        "keypress_frequency_application a WHERE a.day = k.day AND a.hour = k.hour "
-                        "AND a.\"key\" = k.\"key\" AND a.profile_id = k.profile_id)"));
-    none("unknown keys have no row", QStringLiteral("keypress_frequency WHERE \"key\" = 33554431"));
-    none("every hour has all directions",
-         QStringLiteral("(SELECT 1 FROM mousescrolls GROUP BY day, hour, profile_id HAVING "
-                        "group_concat(direction) IS NOT '1,2,3,4')"));
-    none("points and buttons are pruned",
-         QStringLiteral("(SELECT day FROM mousepoints UNION ALL SELECT day FROM "
-                        "mouseclicks_frequency) WHERE day < '2024-04-15'"));
-    none("points lie on two screens side by side",
-         QStringLiteral("mousepoints WHERE x < -1 OR x >= 1 OR y < 0 OR y >= 1 OR "
-                        "typeof(x) <> 'real'"));
-    none("some points lie on each screen",
-         QStringLiteral("(SELECT 1) WHERE (SELECT COUNT(DISTINCT x >= 0) FROM "
-                        "mousepoints) <> 2"));
-    none("buttons are stored ones",
-         QStringLiteral("mouseclicks_frequency_application WHERE button NOT IN (0, 1, 2, 99)"));
-    none("travel is a real number", QStringLiteral("mousedistance WHERE distance_inches < 0 OR "
-                                                   "typeof(distance_inches) <> 'real'"));
-    none("nothing is up for more than an hour an hour",
-         QStringLiteral("(SELECT SUM(msec_active) AS ms FROM uptime_hour GROUP BY day, hour) "
-                        "WHERE ms > 3600000"));
-    none("nothing is in front while the computer is off",
-         QStringLiteral("(SELECT day, hour, profile_id, SUM(seconds_active) AS s FROM "
-                        "application_active_hour GROUP BY day, hour, profile_id) a "
-                        "WHERE s * 1000 > (SELECT msec_active + 1000 FROM uptime_hour u WHERE "
-                        "u.day = a.day AND u.hour = a.hour AND u.profile_id = a.profile_id)"));
-    none("every application has a name",
-         QStringLiteral("(SELECT path FROM input_per_application UNION SELECT path FROM "
-                        "application_uptime) WHERE path NOT IN (SELECT path FROM applications "
-                        "WHERE name <> '')"));
-    none("excluded applications have no rows",
-         QStringLiteral("input_per_application WHERE path IN (SELECT path FROM "
-                        "application_ignore)"));
-    none("every profile is known",
-         QStringLiteral("keypresses WHERE profile_id NOT IN (SELECT 0 UNION SELECT id FROM "
-                        "profiles)"));
-    none("one profile is active, and all are used",
-         QStringLiteral("(SELECT 1) WHERE (SELECT COUNT(*) FROM profiles WHERE active) <> 1 OR "
-                        "(SELECT COUNT(DISTINCT profile_id) FROM keypresses) <> 4"));
-    none("traffic of countries and ports is that of the cards, at most",
-         QStringLiteral("(SELECT 1) WHERE (SELECT SUM(download) FROM network_interface_bandwidth) "
-                        "< max((SELECT SUM(download) FROM country_bandwidth), (SELECT "
-                        "SUM(download) FROM network_protocol_bandwidth), (SELECT SUM(download) "
-                        "FROM application_bandwidth))"));
-    // As the client does: a boot in local time, its end in UTC. The tests run two hours before it.
-    none("boots end after they begin",
-         QStringLiteral("uptimes WHERE datetime(end_time, '+2 hours') <= boot_time"));
-    none("days off are days off",
-         QStringLiteral("(SELECT COUNT(DISTINCT day) AS days FROM uptime_hour) WHERE "
-                        "days NOT BETWEEN 280 AND 390"));
-    none("weekdays see more keys than weekends",
-         QStringLiteral("(SELECT 1) WHERE (SELECT SUM(count) FROM keypresses WHERE "
-                        "strftime('%w', day) IN ('0', '6')) * 2 > (SELECT SUM(count) FROM "
-                        "keypresses WHERE strftime('%w', day) NOT IN ('0', '6'))"));
-    none("E is typed most of all letters",
-         QStringLiteral("(SELECT \"key\" AS letter FROM keypress_frequency WHERE \"key\" BETWEEN "
-                        "65 AND 90 GROUP BY 1 ORDER BY SUM(count) DESC LIMIT 1) WHERE "
-                        "letter <> 69"));
+    for (const Rule& rule : Rules) {
+        QTest::newRow(rule.name) << QStringLiteral("SELECT COUNT(*) FROM ") +
+                                        QLatin1String(rule.brokenBy);
+    }
 }
 
 void SyntheticHistoryTest::followsTheRules()

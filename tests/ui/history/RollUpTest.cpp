@@ -41,11 +41,12 @@ bool isSame(const Totals& left, const Totals& right)
 template <typename Entry>
 bool isSame(const Entry& left, const Entry& right)
 {
-    Entry exact = left;
     if constexpr (requires { left.totals; }) {
+        Entry exact = left;
         exact.totals = right.totals;
         return exact == right && isSame(left.totals, right.totals);
     } else if constexpr (requires { left.inches; }) {
+        Entry exact = left;
         exact.inches = right.inches;
         return exact == right && isSameLength(left.inches, right.inches);
     } else {
@@ -156,7 +157,7 @@ private:
 
     void open();
     void fill();
-    void fillDay(const QDate& day, QRandomGenerator& random);
+    void fillDay(const QDate& date, QRandomGenerator& random);
     void fillTraffic(const QString& day, int hour, int profile, QRandomGenerator& random);
     void insert(const QString& table, const QVariantList& values);
     void prepareAll();
@@ -291,7 +292,7 @@ QString RollUpTest::difference()
     History hourly(file(), History::RollUps::None, [this] { return m_today; });
     for (const HistoryScope& scope : manyScopes()) {
         m_history->version();
-        const QString found = ::difference(*m_history, hourly, scope);
+        QString found = ::difference(*m_history, hourly, scope);
         if (!found.isEmpty() && m_history->preparedShare() == 1) {
             return found;
         }
