@@ -27,8 +27,8 @@ struct Port
 };
 
 inline constexpr std::array NetworkCards{
-    NetworkCard{"02:4f:1c:a0:5e:11", "enp3s0", false, "192.168.1.23"},
-    NetworkCard{"02:4f:1c:a0:5e:12", "wlp2s0", true, "192.168.1.24"},
+    NetworkCard{"02:4F:1C:A0:5E:11", "enp3s0", false, "192.168.1.23"},
+    NetworkCard{"02:4F:1C:A0:5E:12", "wlp2s0", true, "192.168.1.24"},
 };
 
 /// How an hour's traffic spreads over the network cards, the countries and the ports. What goes to
