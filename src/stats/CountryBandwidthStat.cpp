@@ -41,7 +41,7 @@ void CountryBandwidthStat::reloadGeoDB()
             return;
         }
     }
-    Log::warn("No country database is open, so traffic per country is not filed");
+    Log::info("No country database is open, so traffic per country is not filed");
 }
 
 bool CountryBandwidthStat::openGeoDB(const QString& path)
