@@ -9,7 +9,7 @@
 #include <QFile>
 
 #include <benchmark/benchmark.h>
-#include <signal.h>
+#include <signal.h> // NOLINT(modernize-deprecated-headers): kill() is none of <csignal>
 #include <sys/resource.h>
 
 #include <algorithm>

@@ -171,8 +171,10 @@ private:
         {
             addrinfo hints = {};
             hints.ai_flags = AI_NUMERICHOST | AI_NUMERICSERV;
-            getaddrinfo(address.toLatin1().constData(), QByteArray::number(port).constData(),
-                        &hints, &found);
+            if (getaddrinfo(address.toLatin1().constData(), QByteArray::number(port).constData(),
+                            &hints, &found) != 0) {
+                qFatal("No address: %s", qPrintable(address));
+            }
         }
 
         ~Target() { freeaddrinfo(found); }
