@@ -49,7 +49,9 @@ bool ProcLines::readMore()
     if (m_isAtEnd || kept == m_buffer.size()) {
         return false;
     }
-    std::memmove(m_buffer.data(), m_rest.data(), kept);
+    if (kept > 0) {
+        std::memmove(m_buffer.data(), m_rest.data(), kept);
+    }
     const ssize_t size = ::read(m_descriptor.get(), m_buffer.data() + kept, m_buffer.size() - kept);
     const std::size_t added = size > 0 ? static_cast<std::size_t>(size) : 0;
     m_isAtEnd = endsTable(added, m_buffer.size() - kept);

@@ -21,13 +21,15 @@
 
 namespace {
 
-std::atomic<std::int64_t> allocations = 0;
+std::atomic<std::int64_t> s_allocations = 0;
 
 } // namespace
 
+// To count is all that these add to the standard ones.
+// NOLINTBEGIN(cppcoreguidelines-no-malloc,cppcoreguidelines-owning-memory)
 void* operator new(std::size_t size)
 {
-    allocations.fetch_add(1, std::memory_order_relaxed);
+    s_allocations.fetch_add(1, std::memory_order_relaxed);
     if (void* memory = std::malloc(size)) {
         return memory;
     }
@@ -43,6 +45,8 @@ void operator delete(void* memory, std::size_t) noexcept
 {
     std::free(memory);
 }
+
+// NOLINTEND(cppcoreguidelines-no-malloc,cppcoreguidelines-owning-memory)
 
 namespace {
 
@@ -157,7 +161,7 @@ void takeAll(TrafficCounters& counters)
 void report(benchmark::State& state, std::size_t packetsPerRun, std::int64_t allocationsBefore)
 {
     const double packets = static_cast<double>(state.iterations()) * double(packetsPerRun);
-    const auto allocated = static_cast<double>(allocations.load() - allocationsBefore);
+    const auto allocated = static_cast<double>(s_allocations.load() - allocationsBefore);
     state.counters["per_packet"] =
         benchmark::Counter(packets, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
     state.counters["allocations"] = allocated / packets;
@@ -167,7 +171,7 @@ void bareParse(benchmark::State& state)
 {
     const std::vector<Packet> packets = traffic(state.range(0));
     Onlooker listener;
-    const std::int64_t before = allocations.load();
+    const std::int64_t before = s_allocations.load();
     for ([[maybe_unused]] const auto& run : state) {
         for (const Packet& packet : packets) {
             handle(packet, listener);
@@ -183,7 +187,7 @@ void oneHashIncrement(benchmark::State& state)
     for (const Packet& packet : packets) {
         bytes[packet.remote()] = 0;
     }
-    const std::int64_t before = allocations.load();
+    const std::int64_t before = s_allocations.load();
     for ([[maybe_unused]] const auto& run : state) {
         for (const Packet& packet : packets) {
             bytes[packet.remote()] += Length;
@@ -198,7 +202,7 @@ void parseAndAccumulate(benchmark::State& state)
     const std::vector<Packet> packets = traffic(state.range(0));
     Accountant listener;
     std::for_each(packets.begin(), packets.end(), [&](const Packet& p) { handle(p, listener); });
-    const std::int64_t before = allocations.load();
+    const std::int64_t before = s_allocations.load();
     for ([[maybe_unused]] const auto& run : state) {
         for (const Packet& packet : packets) {
             handle(packet, listener);
@@ -213,7 +217,7 @@ void parseAndAccumulateBatches(benchmark::State& state)
     const std::vector<Packet> packets = traffic(state.range(0));
     Accountant listener;
     std::for_each(packets.begin(), packets.end(), [&](const Packet& p) { handle(p, listener); });
-    const std::int64_t before = allocations.load();
+    const std::int64_t before = s_allocations.load();
     for ([[maybe_unused]] const auto& run : state) {
         for (std::size_t first = 0; first < packets.size(); first += PacketsPerBatch) {
             const std::scoped_lock batch(listener.counters.mutex());
@@ -240,15 +244,15 @@ void parseAndAccumulateBetweenTakes(benchmark::State& state)
     fillAndTake();
     fillAndTake();
     for ([[maybe_unused]] const auto& run : state) {
-        const std::int64_t before = allocations.load();
+        const std::int64_t before = s_allocations.load();
         std::for_each(packets.begin(), packets.end(),
                       [&](const Packet& p) { handle(p, listener); });
-        allocated += allocations.load() - before;
+        allocated += s_allocations.load() - before;
         state.PauseTiming();
         takeAll(listener.counters);
         state.ResumeTiming();
     }
-    report(state, packets.size(), allocations.load() - allocated);
+    report(state, packets.size(), s_allocations.load() - allocated);
 }
 
 /// How long a take of that many addresses keeps a capture thread out, seen from there: for each

@@ -107,11 +107,11 @@ struct Taken
     InterfaceTraffic here() const { return interfaces[Name + u' ' + NetworkPair::mac(1)]; }
 };
 
-constexpr quint64 datagramBytes(int ipHeader, int count, int payload)
+constexpr quint64 datagramBytes(quint64 ipHeader, quint64 count, quint64 payload)
 {
-    constexpr int ethernetHeader = 14;
-    constexpr int udpHeader = 8;
-    return static_cast<quint64>(count * (ethernetHeader + ipHeader + udpHeader + payload));
+    constexpr quint64 ethernetHeader = 14;
+    constexpr quint64 udpHeader = 8;
+    return count * (ethernetHeader + ipHeader + udpHeader + payload);
 }
 
 /// Counts, on the neighbour's end of the wire, what TCP sends across: what to compare with.
@@ -169,10 +169,12 @@ FileDescriptor tcpSocket(const sockaddr_in& bound)
     return isBound ? std::move(result) : FileDescriptor();
 }
 
+constexpr std::size_t ChunkBytes = 16'384;
+
 /// Sends so much through one end of a connection and takes it out of the other.
 bool pass(const FileDescriptor& from, const FileDescriptor& to, int chunks)
 {
-    std::array<char, 16 * 1024> chunk{};
+    std::array<char, ChunkBytes> chunk{};
     for (int i = 0; i < chunks; ++i) {
         if (send(from.get(), chunk.data(), chunk.size(), 0) != ssize_t{chunk.size()} ||
             recv(to.get(), chunk.data(), chunk.size(), MSG_WAITALL) != ssize_t{chunk.size()}) {
@@ -260,17 +262,17 @@ void PcapNetworkTrafficMonitorTest::cleanup()
 void PcapNetworkTrafficMonitorTest::countsDatagramsOnTheWire_data()
 {
     QTest::addColumn<QString>("prefix");
-    QTest::addColumn<int>("ipHeader");
+    QTest::addColumn<quint64>("ipHeader");
     QTest::addColumn<bool>("isInternet");
-    QTest::newRow("IPv4") << Internet << 20 << true;
-    QTest::newRow("IPv4 of a local network") << Local << 20 << false;
-    QTest::newRow("IPv6") << Internet6 << 40 << true;
+    QTest::newRow("IPv4") << Internet << quint64{20} << true;
+    QTest::newRow("IPv4 of a local network") << Local << quint64{20} << false;
+    QTest::newRow("IPv6") << Internet6 << quint64{40} << true;
 }
 
 void PcapNetworkTrafficMonitorTest::countsDatagramsOnTheWire()
 {
     QFETCH(const QString, prefix);
-    QFETCH(const int, ipHeader);
+    QFETCH(const quint64, ipHeader);
     QFETCH(const bool, isInternet);
     m_monitor->start();
     QCOMPARE(m_monitor->countThreads(), 1);
@@ -303,8 +305,8 @@ void PcapNetworkTrafficMonitorTest::countsStreamsOnTheWire()
     Taken taken;
     QTRY_COMPARE((taken.take(*m_monitor), text(taken.tcp.value(TherePort))),
                  text(reference->total()));
-    QVERIFY(reference->total().upload > 10 * 16 * 1024);
-    QVERIFY(reference->total().download > 20 * 16 * 1024);
+    QVERIFY(reference->total().upload > 10 * ChunkBytes);
+    QVERIFY(reference->total().download > 20 * ChunkBytes);
     QCOMPARE(text(taken.local.value(HerePort)), text(reference->total()));
     QCOMPARE(text(taken.remote.value(toIpAddress(Internet + There))), text(reference->total()));
     QCOMPARE(text(taken.here().internet), text(reference->total()));

@@ -9,7 +9,7 @@ namespace {
 
 using Rows = QList<SecondTraffic>;
 
-constexpr qint64 SecondsKept = 2 * LiveTraffic::SecondsPerMinute;
+constexpr qint64 SecondsKept = qint64{2} * LiveTraffic::SecondsPerMinute;
 
 /// Sums over the first letters of the times, with the rest of a time behind them; of rows whose
 /// times compare so with :from. An hour of five interfaces takes some 12 ms.

@@ -67,7 +67,7 @@ private:
     struct Placed
     {
         CountryValue value;
-        qsizetype shape; ///< Its place among the shapes.
+        qsizetype shape = -1; ///< Its place among the shapes.
     };
 
     void layOut();
