@@ -183,8 +183,8 @@ void tickWithABusyMinute(benchmark::State& state)
 /// One of the statements of a busy minute, run so many times, each time with the next number.
 struct Repeated
 {
-    int times;
-    const char* sql;
+    int times = 0;
+    const char* sql = nullptr;
     sqlite3_stmt* statement = nullptr;
 };
 

@@ -89,10 +89,11 @@ void pruneADayOfMousePoints(benchmark::State& state)
     while (state.KeepRunning()) {
         state.PauseTiming();
         now = now.addDays(1);
-        DSqlQuery(&client.database,
-                  QStringLiteral("UPDATE mousepoints SET day = date('now', '-4 months') WHERE day "
-                                 "= (SELECT MIN(day) FROM mousepoints)"),
-                  true);
+        const DSqlQuery ageing(
+            &client.database,
+            QStringLiteral("UPDATE mousepoints SET day = date('now', '-4 months') WHERE day "
+                           "= (SELECT MIN(day) FROM mousepoints)"),
+            true);
         state.ResumeTiming();
         pruning.pruneMousePoints(now.addDays(1));
     }

@@ -69,10 +69,11 @@ bool addBaseline(History& history, std::optional<Baseline> baseline, OverviewFig
 template <typename Value>
 bool take(std::optional<Value> answer, Value& target)
 {
-    if (answer) {
-        target = *std::move(answer);
+    if (!answer) {
+        return false;
     }
-    return answer.has_value();
+    target = *std::move(answer);
+    return true;
 }
 
 } // namespace

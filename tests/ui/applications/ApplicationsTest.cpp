@@ -254,7 +254,7 @@ void ApplicationsTest::findsIconsOfVisibleRowsOnly()
     all[9'999].keys += 1;
     shown.model.setApplications(all);
     QTest::qWait(50);
-    QVERIFY2(shown.fetched.size() <= 2 * visibleRows(),
+    QVERIFY2(shown.fetched.size() <= qsizetype{2} * visibleRows(),
              qPrintable(QString::number(shown.fetched.size())));
     QCOMPARE(QSet<QString>(shown.fetched.begin(), shown.fetched.end()).size(),
              shown.fetched.size());

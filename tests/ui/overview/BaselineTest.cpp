@@ -64,7 +64,7 @@ void BaselineTest::cutsAtThePresentTime()
     const auto hour = [](int number, qint64 keys) {
         return HourTotals{number, Totals{.keys = keys, .uptimeMs = 3'600'000}};
     };
-    Baseline baseline{.totals = {.keys = 1000, .uptimeMs = 4 * 3'600'000},
+    Baseline baseline{.totals = {.keys = 1000, .uptimeMs = qint64{4} * 3'600'000},
                       .cutDays = {hour(8, 100), hour(14, 400), hour(15, 300), hour(23, 200)}};
     const QTime quarterPast(14, 15);
     QCOMPARE(baseline.value(Measure::Keys, quarterPast), 1000.0);
