@@ -65,6 +65,38 @@ private:
     DSqlQuery m_query;
 };
 
+/// Another program that holds the right to write until it lets go, and writes nothing. Letting go
+/// waits for nobody: unlike a commit, which waits for all readers to end, even of an empty
+/// transaction.
+class Writer
+{
+public:
+    explicit Writer(const QString& fileName)
+        : m_connection(QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connectionName()))
+    {
+        m_connection.setDatabaseName(fileName);
+        m_connection.open();
+    }
+
+    ~Writer()
+    {
+        m_connection = QSqlDatabase();
+        QSqlDatabase::removeDatabase(connectionName());
+    }
+
+    Writer(const Writer&) = delete;
+    Writer& operator=(const Writer&) = delete;
+
+    bool hold() const { return DSqlQuery(m_connection).exec(QStringLiteral("BEGIN IMMEDIATE")); }
+
+    bool letGo() const { return DSqlQuery(m_connection).exec(QStringLiteral("ROLLBACK")); }
+
+private:
+    static QString connectionName() { return QStringLiteral("another-program"); }
+
+    QSqlDatabase m_connection;
+};
+
 } // namespace
 
 class CollectorTest : public QObject
@@ -301,13 +333,16 @@ void CollectorTest::keepsCountsWhileAProfileIsDeleted()
     profiles.setActiveStatsProfile(4, QStringLiteral("Work"));
     m_client->system.keys = {Qt::Key_A}; // Not yet written when the deletion begins.
     // Without the right to write, the deletion cannot be over before it is cancelled.
-    const auto takeTheRight = [this] { m_client->exec(QStringLiteral("BEGIN IMMEDIATE")); };
-    connect(&profiles, &ProfileManager::signalNeedFlush, this, takeTheRight,
-            Qt::SingleShotConnection);
+    const Writer writer(m_client->database()->getDatabaseFileName());
+    bool held = false;
+    connect(
+        &profiles, &ProfileManager::signalNeedFlush, this, [&] { held = writer.hold(); },
+        Qt::SingleShotConnection);
     ProfileDeletion deletion(profiles);
     QSignalSpy finished(&deletion, &ProfileDeletion::finished);
     const LogCapture log;
     QVERIFY(deletion.start(4));
+    QVERIFY(held);
     QCOMPARE(m_client->system.keys.size(), 0);
     m_client->system.keys = {Qt::Key_A, Qt::Key_A};
     m_collector->flush();
@@ -316,7 +351,7 @@ void CollectorTest::keepsCountsWhileAProfileIsDeleted()
     if (cancelled) {
         deletion.cancel();
     }
-    QVERIFY(m_client->exec(QStringLiteral("COMMIT")));
+    QVERIFY(writer.letGo());
     QVERIFY(finished.size() == 1 || finished.wait());
     if (flushed) {
         m_collector->flush();
