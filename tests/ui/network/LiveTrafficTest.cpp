@@ -61,7 +61,7 @@ void LiveTrafficTest::showsTheMeanOfEachMinute()
                at(Shift + 9, Wired, 50)});
     const LiveTraffic::Rates rates = live.minutes(now, {});
     QCOMPARE(rates.size(), 60);
-    QCOMPARE(LiveTraffic::firstMinute(now), Shift - 59 * 60);
+    QCOMPARE(LiveTraffic::firstMinute(now), Shift - qint64{59} * 60);
     QCOMPARE(rates.at(57), std::optional<TrafficTotals>());
     QCOMPARE(rates.at(58), std::optional(TrafficTotals{110, 0}));
     QCOMPARE(rates.at(59), std::optional(TrafficTotals{10, 2})); // Ten seconds of it so far.
