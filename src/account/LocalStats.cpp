@@ -177,6 +177,11 @@ void LocalStats::increaseAppBandwidth(const QString& path, quint64 download, qui
     increaseApp(path, &UnzurgedCounts::upload, upload);
 }
 
+void LocalStats::setIdentity(const AccountIdentity& identity)
+{
+    m_identity = identity;
+}
+
 const UnzurgedCounts& LocalStats::unzurged() const
 {
     return m_state.totals;

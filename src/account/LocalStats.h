@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "account/AccountIdentity.h"
 #include "account/TvwFile.h"
 #include "account/UnzurgedCounts.h"
 
@@ -68,6 +69,12 @@ public:
     /// sum has no use for it.
     void increaseAppUptime(const QString& path, int seconds, const QDateTime& time);
 
+    const AccountIdentity& identity() const { return m_identity; }
+
+    bool isLoggedIn() const { return m_identity.isSignedIn(); }
+
+    void setIdentity(const AccountIdentity& identity);
+
     const UnzurgedCounts& unzurged() const;
     const QHash<QString, UnzurgedCounts>& unzurgedPerApplication() const;
 
@@ -82,6 +89,7 @@ private:
     std::unique_ptr<TvwFile> m_file;          ///< Null before `setup`.
     std::unique_ptr<UnzurgedTables> m_tables; ///< Null while the database is closed.
 
+    AccountIdentity m_identity;
     UnzurgedState m_state;
     bool m_changed = false;                    ///< Since `m_state.generation` was given.
     QSet<QString> m_changedApplications;       ///< Since the copy was written.
