@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "service/AccountService.h"
 #include "service/ServiceControl.h"
+#include "support/TestFiles.h"
 #include "support/TestRegistry.h"
 
 #include <QJsonArray>
@@ -179,6 +180,8 @@ public:
 
 private Q_SLOTS:
     void countsZurgeOnce();
+    void takesEveryType_data();
+    void takesEveryType();
     void refusesWrongTypes();
     void keepsBackups();
     void authorizesOnThePage();
@@ -221,6 +224,37 @@ void AccountServiceTest::countsZurgeOnce()
     QCOMPARE(service.store().ranks(first.computer().accountId).value(QLatin1String("keys")).toInt(),
              2);
     QCOMPARE(service.violations(), QStringList());
+}
+
+void AccountServiceTest::takesEveryType_data()
+{
+    // One request of each type, but for those whose data a test has to make up.
+    const QJsonObject requests =
+        QJsonDocument::fromJson(
+            readFile(QStringLiteral(TALLYVANE_SOURCE_DIR "/tests/service/requests.json")))
+            .object();
+    QTest::addColumn<QJsonObject>("data");
+    QCOMPARE(requests.size(), 17);
+    for (auto it = requests.begin(); it != requests.end(); ++it) {
+        QTest::newRow(qUtf8Printable(it.key())) << it.value().toObject();
+    }
+}
+
+void AccountServiceTest::takesEveryType()
+{
+    QFETCH(QJsonObject, data);
+    const QTemporaryDir directory;
+    AccountService service(directory.path());
+    QVERIFY(service.start());
+    Client client(service, QStringLiteral("ann"));
+    const QString type = QString::fromLatin1(QTest::currentDataTag());
+    const bool forgets = type == QLatin1String("reset_token");
+    // Twice: an upload may be repeated, and is not added to itself.
+    QCOMPARE(client.ask(type, data).value(QLatin1String("status")).toInt(), 200);
+    QCOMPARE(client.ask(type, data).value(QLatin1String("status")).toInt(), forgets ? 600 : 200);
+    QCOMPARE(service.violations(), QStringList());
+    QCOMPARE(service.database().value(QStringLiteral("SELECT IFNULL(MAX(count), 7) FROM heatmaps")),
+             QVariant(7));
 }
 
 void AccountServiceTest::refusesWrongTypes()
