@@ -2,6 +2,7 @@
 // A reply of the account service: whatever is accepted can be written, and reads the same again.
 #include "account/JsonReader.h"
 #include "account/JsonWriter.h"
+#include "account/Redacted.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -12,6 +13,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     const QByteArray bytes(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
+    (void)redacted(QString::fromUtf8(bytes));
     JsonReader reader;
     if (!reader.parse(bytes)) {
         if (!reader.result().isNull() || reader.errorString().isEmpty()) {
