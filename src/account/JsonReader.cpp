@@ -94,8 +94,7 @@ QVariant treeOf(const QJsonValue& value)
 
 bool JsonReader::parse(const QString& text)
 {
-    // A character has at least one byte, so what is too long here need not be converted.
-    return parse(text.size() > LargestInput ? QByteArray(LargestInput + 1, ' ') : text.toUtf8());
+    return parse(text.toUtf8());
 }
 
 bool JsonReader::parse(const QByteArray& utf8)

@@ -23,7 +23,7 @@ public:
         }
         const QFileInfoList entries = QDir(path).entryInfoList(QDir::Files, QDir::Name);
         for (const QFileInfo& entry : entries) {
-            addFile(entry.canonicalFilePath());
+            addFile(entry.filePath());
         }
     }
 
@@ -33,10 +33,9 @@ private:
     void addFile(const QString& path)
     {
         QFile file(path);
-        if (m_files.contains(path) || !file.open(QIODevice::ReadOnly)) {
+        if (!file.open(QIODevice::ReadOnly)) {
             return;
         }
-        m_files.insert(path);
         const QByteArray text = file.readAll();
         const QByteArray footer = QByteArrayLiteral("-----END CERTIFICATE-----");
         for (qsizetype start = 0, end = 0;; start = end) {
@@ -61,7 +60,6 @@ private:
         }
     }
 
-    QSet<QString> m_files;
     QSet<QByteArray> m_known; ///< In PEM form; telling them apart by it saves parsing.
     QList<QSslCertificate> m_certificates;
 };

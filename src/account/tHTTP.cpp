@@ -280,8 +280,11 @@ void tHTTP::follow(QNetworkReply* reply, std::chrono::milliseconds stallLimit)
     m_gaveUp.clear();
     connect(reply, &QNetworkReply::uploadProgress, this, &tHTTP::progress);
     connect(reply, &QNetworkReply::readyRead, this, [this, reply] { receive(reply); });
-    m_stall.callOnTimeout(reply,
-                          [this, reply] { giveUp(reply, tr("the service does not answer")); });
+    m_stall.callOnTimeout(reply, [this, reply] {
+        if (!reply->isFinished()) { // An answer that has just come still counts.
+            giveUp(reply, tr("the service does not answer"));
+        }
+    });
     m_stall.start(m_stallLimit.value_or(stallLimit));
 }
 

@@ -101,8 +101,9 @@ private:
 
     static bool isComplete(const QByteArray& received)
     {
-        return received.contains("\r\n\r\n") &&
-               body(received).size() >= header(received, "Content-Length").toLongLong();
+        const qsizetype end = received.indexOf("\r\n\r\n");
+        return end >= 0 && received.size() - end - 4 >=
+                               header(received.first(end + 2), "Content-Length").toLongLong();
     }
 
     std::unique_ptr<QTcpServer> m_server;

@@ -173,7 +173,7 @@ void tHTTPConnectionTest::dropsASecondRequest()
     client.http->request(QStringLiteral("{}"));
     client.http->request(QStringLiteral("[]"));
     client.http->uploadFile(QStringLiteral("{}"), QStringLiteral("/etc/passwd"));
-    QTRY_VERIFY(waiting != nullptr);
+    QTRY_VERIFY_WITH_TIMEOUT(waiting != nullptr, 30000);
     waiting->write(Fine);
     QVERIFY(client.finishes());
     QCOMPARE(server.requests.size(), 1);
@@ -207,7 +207,7 @@ void tHTTPConnectionTest::goesWithItsOwner()
     QFETCH(QString, moment);
     const QTemporaryDir directory;
     const QString path = directory.filePath(QStringLiteral("backup.zip"));
-    QVERIFY(writeFile(path, QByteArray(3'000'000, 'x')));
+    QVERIFY(writeFile(path, QByteArray(1'000'000, 'x')));
     auto owner = std::make_unique<QObject>();
     bool isAnswered = false;
     WireServer server(m_tls, [&](QTcpSocket& client, const QByteArray&) {
@@ -220,12 +220,12 @@ void tHTTPConnectionTest::goesWithItsOwner()
     connect(http, &tHTTP::response, this, [&owner] { owner.reset(); });
     isUpload ? http->uploadFile(QStringLiteral("{}"), path) : http->request(QStringLiteral("{}"));
     if (moment == QLatin1String("sent")) {
-        QTRY_VERIFY(isAnswered);
+        QTRY_VERIFY_WITH_TIMEOUT(isAnswered, 30000);
     }
     if (moment != QLatin1String("in the slot")) {
         owner.reset();
     }
-    QTRY_VERIFY(owner == nullptr);
+    QTRY_VERIFY_WITH_TIMEOUT(owner == nullptr, 30000);
     QVERIFY(!client.another());
     QCOMPARE(client.signalCount(), moment == QLatin1String("in the slot") ? 1 : 0);
 }
