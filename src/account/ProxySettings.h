@@ -16,7 +16,7 @@ struct ProxySettings
     bool useSystem = true; ///< What the desktop and the environment say.
     QString hostName = {};
     int port = 0;       ///< As stored; 1 to 65535 is a port.
-    bool logIn = false; ///< With `user` and `password`; to the own proxy only.
+    bool logIn = false; ///< With `user` and `password`, where the proxy asks.
     QString user = {};
     QString password = {};
 
