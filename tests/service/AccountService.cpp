@@ -148,21 +148,21 @@ void AccountService::handleApi(const HttpRequest& request, QTcpSocket& socket)
     checkHeaders(request, received);
     const Fault fault = m_faults.take(received.type());
     ServiceAnswer answer;
-    ServedRequest served{.request = {}, .fault = fault, .status = 0};
+    ServedRequest entry{.request = {}, .fault = fault, .status = 0};
     if (fault.actsOnRequest()) {
         answer = m_protocol.answer(received);
-        served.status = answer.status;
+        entry.status = answer.status;
     } else if (fault.kind == Fault::Kind::Status) {
         answer.status = fault.status;
-        served.status = answer.status;
+        entry.status = answer.status;
     }
     if (received.file) {
         received.file->content.clear();
     }
-    served.request = received;
-    m_requests.append(served);
+    entry.request = received;
+    m_requests.append(entry);
     deliver({.body = answer.json()}, fault, socket);
-    Q_EMIT this->served(received.type());
+    Q_EMIT served(received.type());
 }
 
 void AccountService::handlePage(const HttpRequest& request, QTcpSocket& socket)
