@@ -13,6 +13,29 @@
 #include <algorithm>
 #include <utility>
 
+namespace {
+
+const QString Day = QStringLiteral("day");
+const QString Hour = QStringLiteral("hour");
+const QString Count = QStringLiteral("count");
+const QString Combo = QStringLiteral("combo");
+const QString Path = QStringLiteral("path");
+
+/// Invalid where the value is damaged.
+QVariant fieldValue(const QString& field, const QVariant& stored)
+{
+    constexpr qint64 lastHour = 23;
+    if (field == Day || field == Combo || field == Path) {
+        const QString text = stored.toString();
+        return text.isEmpty() ? QVariant() : QVariant(text);
+    }
+    const qint64 number = stored.toLongLong();
+    const bool isRight = number >= 0 && (field != Hour || number <= lastHour);
+    return isRight ? QVariant(number) : QVariant();
+}
+
+} // namespace
+
 /// One kind of heat map.
 struct HeatmapUpload::Kind
 {
@@ -23,13 +46,7 @@ struct HeatmapUpload::Kind
     QStringList fields; ///< Of a row, in the order of the query's columns.
     bool (ClientCommunication::*request)(const ClientCommunication::Map&);
 
-    bool isOfApplications() const { return fields.contains(QStringLiteral("path")); }
-
-    static bool isText(const QString& field)
-    {
-        return field == QLatin1String("day") || field == QLatin1String("combo") ||
-               field == QLatin1String("path");
-    }
+    bool isOfApplications() const { return fields.contains(Path); }
 };
 
 const QList<HeatmapUpload::Kind>& HeatmapUpload::kinds()
@@ -91,6 +108,7 @@ void HeatmapUpload::uploadHeatmaps()
 
 void HeatmapUpload::uploadFrom(qsizetype index)
 {
+    m_portions = 0;
     while (index < kinds().size() && !upload(kinds().at(index))) {
         ++index;
     }
@@ -130,14 +148,15 @@ HeatmapUpload::Portion HeatmapUpload::read(const Kind& kind) const
     query.exec();
     QDate day;
     while (query.next()) {
-        const QDate rowDay = QDate::fromString(query.value(0).toString(), Qt::ISODate);
         const QVariantMap fields = row(kind, query);
-        if (!rowDay.isValid() || fields.isEmpty()) {
+        const QDate rowDay = QDate::fromString(fields.value(Day).toString(), Qt::ISODate);
+        if (!rowDay.isValid()) {
             continue;
         }
         if (portion.rows.size() >= RowsAtOnce && rowDay != day) {
             portion.extent.last = day;
             portion.mark = day.addDays(1).startOfDay();
+            portion.isLast = false;
             break;
         }
         if (portion.rows.isEmpty() && !mark.isValid()) {
@@ -145,7 +164,7 @@ HeatmapUpload::Portion HeatmapUpload::read(const Kind& kind) const
         }
         day = rowDay;
         portion.rows.append(fields);
-        portion.extent.count += fields.value(QStringLiteral("count")).toLongLong();
+        portion.extent.count += fields.value(Count).toLongLong();
     }
     if (query.lastError().isValid()) {
         Log::error("Unable to read the {} heatmap: {}", kind.name, query.lastError().text());
@@ -155,21 +174,18 @@ HeatmapUpload::Portion HeatmapUpload::read(const Kind& kind) const
     return portion;
 }
 
-/// Empty where the row is damaged: the service would refuse all of them for it.
 QVariantMap HeatmapUpload::row(const Kind& kind, const DSqlQuery& query)
 {
-    constexpr qint64 hours = 24;
     QVariantMap row;
     for (int column = 0; column < kind.fields.size(); ++column) {
         const QString& field = kind.fields.at(column);
-        const QVariant value = query.value(column);
-        const qint64 number = value.toLongLong();
-        if (Kind::isText(field) ? value.toString().isEmpty() : number < 0) {
+        const QVariant value = fieldValue(field, query.value(column));
+        if (!value.isValid()) {
             return {};
         }
-        row.insert(field, Kind::isText(field) ? QVariant(value.toString()) : QVariant(number));
+        row.insert(field, value);
     }
-    return row.value(QStringLiteral("hour")).toLongLong() < hours ? row : QVariantMap();
+    return row;
 }
 
 void HeatmapUpload::answered(const UploadAnswer& answer)
@@ -184,7 +200,8 @@ void HeatmapUpload::answered(const UploadAnswer& answer)
         Log::error("Error uploading {} heatmap data: {}", kind->name, answer.message);
     }
     const bool isServiceThere = answer.status != 0;
-    if (isServiceThere) {
+    const bool goesOn = answer.isSuccess() && !portion.isLast && ++m_portions < PortionsAtOnce;
+    if (isServiceThere && !(goesOn && upload(*kind))) {
         uploadFrom(std::distance(kinds().begin(), kind) + 1);
     }
 }

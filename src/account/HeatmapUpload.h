@@ -16,13 +16,14 @@ class HeatmapUpload : public Upload
 {
 public:
     /// A portion ends with the day on which it reaches so many rows: some milliseconds of reading.
-    static constexpr qsizetype RowsAtOnce = 5'000;
+    static constexpr qsizetype RowsAtOnce = 2'000;
+    static constexpr int PortionsAtOnce = 5; ///< Of each kind, one after the other.
 
     using Upload::Upload;
 
     QStringList requestTypes() const override;
 
-    /// Sends one portion of each kind that has something new. Does nothing unless
+    /// Sends the next portions of each kind that has something new. Does nothing unless
     /// `online_send_heatmaps` is set; applications take part with `online_send_applications`.
     void uploadHeatmaps();
 
@@ -45,6 +46,7 @@ private:
         Extent extent;
         QVariantList rows;
         QDateTime mark; ///< From where to go on once the service has it.
+        bool isLast = true;
     };
 
     static const QList<Kind>& kinds();
@@ -52,8 +54,11 @@ private:
     void uploadFrom(qsizetype index);
     bool upload(const Kind& kind);
     Portion read(const Kind& kind) const;
+
+    /// Empty where the row is damaged: the service would refuse all of them for it.
     static QVariantMap row(const Kind& kind, const DSqlQuery& query);
 
+    int m_portions = 0;                 ///< Sent of the kind whose turn it is.
     QHash<QString, Portion> m_sent;     ///< By request type; without rows.
     QHash<QString, Extent> m_confirmed; ///< Likewise, in this run.
 };

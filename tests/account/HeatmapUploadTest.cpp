@@ -66,25 +66,34 @@ void HeatmapUploadTest::sendsOnceSomethingGrew()
 
 void HeatmapUploadTest::sendsPortionsOfWholeDays()
 {
-    static_assert(HeatmapUpload::RowsAtOnce == 5'000);
+    static_assert(HeatmapUpload::RowsAtOnce == 2'000 && HeatmapUpload::PortionsAtOnce == 5);
     UploadClient client;
-    for (const int before : {3, 2, 1}) {
-        QVERIFY(client.database.exec(
-            QStringLiteral("INSERT INTO keypress_frequency WITH RECURSIVE n(i) AS (SELECT 1 UNION "
-                           "ALL SELECT i + 1 FROM n WHERE i < 3000) SELECT '%1', i % 24, i, 1, 0 "
-                           "FROM n")
-                .arg(day(before))));
-    }
-    const auto extent = [&client] {
-        const QJsonObject heatmap = client.field("keyboard_heatmap").toObject();
-        return QStringLiteral("%1 %2 %3")
-            .arg(heatmap[QLatin1String("from")].toString(), heatmap[QLatin1String("to")].toString())
-            .arg(heatmap[QLatin1String("rows")].toArray().size());
+    // Of each day 1,200 rows, so that two of them make a portion.
+    QVERIFY(client.exec("INSERT INTO keypress_frequency WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL "
+                        "SELECT i + 1 FROM n WHERE i < 13 * 1200 - 1) SELECT date('TODAY', "
+                        "'-' || (i / 1200 + 1) || ' days'), i % 24, i % 1200, 1, 0 FROM n"));
+    const auto extents = [&client] {
+        QStringList texts;
+        for (const QJsonObject& envelope : client.sent) {
+            const QJsonObject heatmap = envelope[QLatin1String("data")]
+                                            .toObject()[QLatin1String("keyboard_heatmap")]
+                                            .toObject();
+            texts << QStringLiteral("%1 %2 %3")
+                         .arg(heatmap[QLatin1String("from")].toString(),
+                              heatmap[QLatin1String("to")].toString())
+                         .arg(heatmap[QLatin1String("rows")].toArray().size());
+        }
+        return texts;
     };
-    QVERIFY(client.makesRequests(&Uploads::uploadHeatmaps, {Success}));
-    QCOMPARE(extent(), QStringLiteral("%1 %2 6000").arg(day(3), day(2)));
-    QVERIFY(client.makesRequests(&Uploads::uploadHeatmaps, {Success}));
-    QCOMPARE(extent(), QStringLiteral("%1 %2 3000").arg(day(1), day()));
+    QVERIFY(client.makesRequests(&Uploads::uploadHeatmaps, QStringList(5, Success)));
+    for (int portion = 0; portion < 5; ++portion) {
+        const int first = 13 - 2 * portion;
+        QCOMPARE(extents().at(portion),
+                 QStringLiteral("%1 %2 2400").arg(day(first), day(first - 1)));
+    }
+    QVERIFY(client.makesRequests(&Uploads::uploadHeatmaps, {Success, Success}));
+    QCOMPARE(extents(), QStringList({QStringLiteral("%1 %2 2400").arg(day(3), day(2)),
+                                     QStringLiteral("%1 %2 1200").arg(day(1), day())}));
     QVERIFY(client.makesNoRequest(&Uploads::uploadHeatmaps));
 }
 
