@@ -14,11 +14,12 @@
 #include <QTimer>
 
 CopyField::CopyField(const QString& name, const QString& meaning, const QString& action,
-                     QWidget* parent)
+                     Ground ground, QWidget* parent)
     : QWidget(parent)
     , m_line(new QLineEdit(this))
     , m_copy(new QPushButton(Icons::symbol(QStringLiteral("copy")), action, this))
     , m_action(action)
+    , m_ground(ground)
 {
     m_line->setObjectName(name);
     m_line->setReadOnly(true);
@@ -65,5 +66,5 @@ void CopyField::changeEvent(QEvent* event)
 
 void CopyField::applyTheme()
 {
-    m_line->setPalette(Theme::fieldPalette(palette()));
+    m_line->setPalette(m_ground == Ground::Card ? Theme::fieldPalette(palette()) : palette());
 }

@@ -13,9 +13,16 @@ class CopyField : public QWidget
     Q_OBJECT
 
 public:
+    /// What the field lies on, from which its line is set off.
+    enum class Ground
+    {
+        Card,
+        Page,
+    };
+
     /// The line is called `name`, its button "copy" and that name; a screen reader calls the line
     /// `meaning`. The button says `action`.
-    CopyField(const QString& name, const QString& meaning, const QString& action,
+    CopyField(const QString& name, const QString& meaning, const QString& action, Ground ground,
               QWidget* parent = nullptr);
 
     void setText(const QString& text);
@@ -30,4 +37,5 @@ private:
     QLineEdit* m_line;
     QPushButton* m_copy;
     QString m_action;
+    Ground m_ground;
 };

@@ -23,7 +23,7 @@ Notice::Notice(QWidget* parent)
     , m_title(new QLabel(this))
     , m_text(new QLabel(this))
     , m_command(new CopyField(QStringLiteral("command"), tr("Command to run in a terminal"),
-                              tr("Copy command"), this))
+                              tr("Copy command"), CopyField::Ground::Card, this))
     , m_button(new QPushButton(this))
 {
     setObjectName(QStringLiteral("notice"));

@@ -103,8 +103,8 @@ QList<FiguresModel::Column> AccountTables::zurgesColumns()
 {
     return {
         FiguresModel::momentColumn(Text::tr("Time")), FiguresModel::textColumn(Text::tr("Begun")),
-        FiguresModel::countColumn(Text::tr("Keys")), FiguresModel::countColumn(Text::tr("Clicks")),
-        FiguresModel::textColumn(Text::tr("Outcome"))};
+        FiguresModel::textColumn(Text::tr("Outcome")), FiguresModel::countColumn(Text::tr("Keys")),
+        FiguresModel::countColumn(Text::tr("Clicks"))};
 }
 
 QList<FiguresModel::Row> AccountTables::zurges(const QList<ZurgeRecord>& records)
@@ -114,7 +114,7 @@ QList<FiguresModel::Row> AccountTables::zurges(const QList<ZurgeRecord>& records
         rows.append({record.time,
                      record.origin == ZurgeRecord::Origin::Automatic ? Text::tr("By itself")
                                                                      : Text::tr("By hand"),
-                     record.keys, record.clicks, outcomeText(record)});
+                     outcomeText(record), record.keys, record.clicks});
     }
     return rows;
 }

@@ -19,9 +19,9 @@ enum ZurgesColumn
 {
     TimeColumn,
     OriginColumn,
+    OutcomeColumn,
     KeysColumn,
     ClicksColumn,
-    OutcomeColumn,
 };
 
 enum BackupsColumn

@@ -17,13 +17,15 @@
 #include <QPushButton>
 #include <QTableView>
 
+#include <algorithm>
+
 namespace {
 
 constexpr int WideSpan = 4;
 constexpr int NarrowSpan = 2;
-constexpr int CountsHeight = 376;
+constexpr int CountsHeight = 336;
 constexpr int IdentityHeight = 240;
-constexpr int ListHeight = 216;
+constexpr int ListHeight = 280;
 
 } // namespace
 
@@ -42,14 +44,12 @@ void AccountView::addCounts()
 {
     m_zurge = new ZurgePanel(m_counts);
     connect(m_zurge, &ZurgePanel::zurgeRequested, this, &AccountView::zurgeRequested);
-    auto* card = addCard(new Card(QStringLiteral("accountCounts"), tr("Counts"), m_zurge, m_counts),
-                         {.row = 0,
-                          .span = WideSpan,
-                          .height = CountsHeight,
-                          .stretch = 0,
-                          .narrowHeight = CountsHeight});
-    card->setExplanation(tr("A zurge sends what was counted here since the last one"));
+    auto* card = new Card(QStringLiteral("accountCounts"), tr("Counts"), m_zurge, m_counts);
+    card->setExplanation(
+        tr("A zurge sends to your account what was counted here since the last one"));
     card->setTableOrder(CountsModel::NoColumn, Qt::AscendingOrder);
+    const int height = std::max(CountsHeight, card->minimumSizeHint().height());
+    addCard(card, {.row = 0, .span = WideSpan, .height = height, .stretch = 0});
 }
 
 void AccountView::addIdentity()

@@ -62,6 +62,8 @@ BackupPanel::BackupPanel(QWidget* parent)
     m_progress->setAccessibleName(tr("Progress of the backup"));
     m_progress->setTextVisible(false);
     m_progress->setFixedHeight(BarHeight);
+    // The list takes what room there is, and scrolls.
+    m_table->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Ignored);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(Theme::Rhythm);

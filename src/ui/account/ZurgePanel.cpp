@@ -19,6 +19,7 @@ namespace {
 
 constexpr qint64 TickMs = 1000;
 constexpr int ButtonWidth = 128;
+constexpr int Quantities = 7;
 
 } // namespace
 
@@ -34,14 +35,18 @@ ZurgePanel::ZurgePanel(QAbstractItemModel* counts, QWidget* parent)
     m_hint->setObjectName(QStringLiteral("zurgeHint"));
     m_hint->setWordWrap(true);
     m_table->table()->setSelectionMode(QAbstractItemView::ContiguousSelection);
-    m_table->table()->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+    QTableView* table = m_table->table();
+    table->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+    // Every count is seen at once, whatever the font.
+    table->setMinimumHeight(table->horizontalHeader()->sizeHint().height() +
+                            Quantities * table->verticalHeader()->defaultSectionSize());
     auto* head = new QHBoxLayout;
     head->setSpacing(Theme::Gap);
     head->addWidget(m_button);
     head->addWidget(m_hint, 1);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(0);
+    layout->setSpacing(Theme::Rhythm);
     layout->addLayout(head);
     layout->addWidget(m_table, 1);
     m_clock.setSingleShot(true);
@@ -63,7 +68,8 @@ void ZurgePanel::showStatus()
     m_button->setText(isUnderWay ? tr("Zurging…") : tr("Zurge"));
     // Offline, a press says where that is switched off.
     m_button->setEnabled(m_status.canBegin() || m_status.state() == ZurgeStatus::State::Offline);
-    m_hint->setText(m_status.hint());
+    // Where all is well, the card's explanation says it.
+    m_hint->setText(m_status.state() == ZurgeStatus::State::Ready ? QString() : m_status.hint());
     m_button->setAccessibleDescription(m_status.hint());
     m_clock.stop();
     if (m_status.changesInMs() > 0) {

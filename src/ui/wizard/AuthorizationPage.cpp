@@ -16,7 +16,7 @@ AuthorizationPage::AuthorizationPage(QWidget* parent)
     , m_line(new BusyLine)
     , m_addressText(nullptr)
     , m_address(new CopyField(QStringLiteral("pageAddress"), tr("Address of the website's page"),
-                              tr("Copy address")))
+                              tr("Copy address"), CopyField::Ground::Page))
     , m_again(button(QStringLiteral("again"), {}, tr("Try again")))
 {
     m_text->setObjectName(QStringLiteral("authorizationText"));

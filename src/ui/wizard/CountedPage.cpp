@@ -36,7 +36,7 @@ CountedPage::CountedPage(const QString& databaseFile, QWidget* parent)
     addText(tr("Everything is kept in one file on this computer. Each kind of count can be "
                "switched off."));
     auto* path = new CopyField(QStringLiteral("databaseFile"), tr("The file with your counts"),
-                               tr("Copy path"));
+                               tr("Copy path"), CopyField::Ground::Page);
     path->setText(QDir::toNativeSeparators(databaseFile));
     body()->addWidget(path);
     body()->addStretch();

@@ -18,6 +18,8 @@
 #include <QStackedWidget>
 #include <QUrl>
 
+#include <algorithm>
+
 namespace {
 
 constexpr QSize FirstSize(680, 560);
@@ -109,7 +111,7 @@ QWidget* SetupWizard::buildButtons()
     layout->addStretch();
     layout->addWidget(m_next);
     for (QPushButton* button : {m_back, m_next}) {
-        button->setMinimumSize(ButtonWidth, 4 * Theme::Rhythm);
+        button->setMinimumHeight(4 * Theme::Rhythm);
         button->setAutoDefault(true);
     }
     connect(m_back, &QPushButton::clicked, this, &SetupWizard::goBack);
@@ -146,6 +148,10 @@ void SetupWizard::showButtons()
     m_next->setVisible(!next.isEmpty());
     m_next->setEnabled(current()->canGoOn());
     m_back->setText(back);
+    for (QPushButton* button : {m_back, m_next}) {
+        button->setMinimumWidth(
+            std::max(ButtonWidth, button->sizeHint().width() + 2 * Theme::Rhythm));
+    }
     m_back->setVisible(!back.isEmpty() && !m_past.isEmpty());
 }
 

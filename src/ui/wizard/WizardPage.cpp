@@ -89,6 +89,7 @@ QPushButton* WizardPage::button(const QString& name, const QString& icon, const 
     }
     made->setObjectName(name);
     made->setMinimumHeight(4 * Theme::Rhythm);
+    made->setMinimumWidth(made->sizeHint().width() + 2 * Theme::Rhythm);
     made->setAutoDefault(true); // Enter presses it while it holds the focus.
     return made;
 }

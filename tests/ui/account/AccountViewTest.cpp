@@ -94,7 +94,7 @@ void AccountViewTest::zurgeButton_data()
                             << QString::fromLatin1(hint);
     };
     row(
-        "ready", [](ZurgeFacts&) {}, true, "Zurge", "Sends what was counted");
+        "ready", [](ZurgeFacts&) {}, true, "Zurge", "");
     row(
         "in progress", [](ZurgeFacts& facts) { facts.isInProgress = true; }, false, "Zurging…",
         "on their way");
@@ -106,10 +106,10 @@ void AccountViewTest::zurgeButton_data()
         "can begin in 9 s");
     row(
         "throttle over", [now](ZurgeFacts& facts) { facts.begun = now.addSecs(-10); }, true,
-        "Zurge", "Sends what");
+        "Zurge", "");
     row(
         "clock set back", [now](ZurgeFacts& facts) { facts.begun = now.addDays(1); }, true, "Zurge",
-        "Sends what");
+        "");
     row(
         "offline", [](ZurgeFacts& facts) { facts.isOffline = true; }, true, "Zurge",
         "works offline");
@@ -119,7 +119,7 @@ void AccountViewTest::zurgeButton_data()
     row(
         "suspension over",
         [now](ZurgeFacts& facts) { facts.automaticSuspendedUntil = now.addSecs(-1); }, true,
-        "Zurge", "Sends what");
+        "Zurge", "");
     row(
         "all at once",
         [now](ZurgeFacts& facts) {
@@ -145,7 +145,7 @@ void AccountViewTest::zurgeButton()
     QTEST(button->text(), "text");
     QCOMPARE(button->isEnabled(), isEnabled);
     const QString shown = find<QLabel>("zurgeHint")->text();
-    QVERIFY2(shown.contains(hint), qPrintable(shown));
+    QVERIFY2(hint.isEmpty() ? shown.isEmpty() : shown.contains(hint), qPrintable(shown));
 
     const QSignalSpy requested(m_view.get(), &AccountView::zurgeRequested);
     button->setFocus();
