@@ -313,7 +313,7 @@ void ScreenshotsTest::wizard()
     wizard.showAuthorized(answer);
     shoot();
     press("restore");
-    wizard.showRestoreProgress(123'456'789, 412'345'678, QStringLiteral("Fetching the backup:"));
+    wizard.showRestoreFetching(123'456'789, 412'345'678);
     shoot();
     wizard.showRestoreFailed(QStringLiteral("The archive is damaged."));
     shoot();

@@ -63,9 +63,10 @@ struct ZurgeRecord
 struct BackupState
 {
     bool isRunning = false;
-    QString step = {}; ///< What is being done, while it runs.
-    qint64 sentBytes = 0;
-    qint64 totalBytes = 0;         ///< 0 while it is not known.
+    QString step = {};             ///< What is being done, while it runs.
+    int percent = -1;              ///< Of that; -1 where it is not known.
+    qint64 sentBytes = 0;          ///< Of the upload.
+    qint64 totalBytes = 0;         ///< 0 but for the upload.
     QDateTime lastTried = {};      ///< The setting `online_backup_last`.
     QString failure = {};          ///< Why the last one failed; empty where it did not.
     bool isAutomatic = true;       ///< The setting `online_backup_enabled`.

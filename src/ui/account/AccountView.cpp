@@ -88,6 +88,7 @@ void AccountView::addBackups()
 {
     m_backups = new BackupPanel;
     connect(m_backups, &BackupPanel::backupRequested, this, &AccountView::backupRequested);
+    connect(m_backups, &BackupPanel::backupCancelled, this, &AccountView::backupCancelled);
     connect(m_backups, &BackupPanel::restoreRequested, this, &AccountView::restoreRequested);
     auto* card = addCard(new Card(QStringLiteral("backups"), tr("Backups of the database"),
                                   m_backups, m_backups->model()),

@@ -26,8 +26,9 @@ public:
 
 Q_SIGNALS:
     void linkRequested();
-    void zurgeRequested();
+    void zurgeRequested(); ///< Also while working offline, which is to be told then.
     void backupRequested();
+    void backupCancelled();
     void restoreRequested(); ///< The user wants to choose a backup to restore.
     void signOutRequested(); ///< The user has confirmed it.
 

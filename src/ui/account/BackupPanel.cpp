@@ -3,6 +3,7 @@
 
 #include "base/Format.h"
 #include "ui/FiguresModel.h"
+#include "ui/Icons.h"
 #include "ui/Theme.h"
 #include "ui/account/AccountTables.h"
 #include "ui/profiles/ActionTable.h"
@@ -17,6 +18,7 @@
 namespace {
 
 constexpr int Whole = 1000;
+constexpr double Hundred = 100;
 constexpr int BarHeight = 6;
 
 QString idleText(const BackupState& state)
@@ -70,7 +72,7 @@ BackupPanel::BackupPanel(QWidget* parent)
     layout->addWidget(m_text);
     layout->addWidget(m_progress);
     layout->addWidget(m_table, 1);
-    connect(m_backUp, &QAction::triggered, this, &BackupPanel::backupRequested);
+    connect(m_backUp, &QAction::triggered, this, &BackupPanel::press);
     connect(m_restore, &QAction::triggered, this, &BackupPanel::restoreRequested);
     setState({});
 }
@@ -78,20 +80,32 @@ BackupPanel::BackupPanel(QWidget* parent)
 void BackupPanel::setState(const BackupState& state)
 {
     m_text->setText(state.isRunning ? runningText(state) : idleText(state));
-    m_backUp->setEnabled(!state.isRunning);
+    m_isRunning = state.isRunning;
+    m_backUp->setText(m_isRunning ? tr("Cancel backup") : tr("Back up now"));
+    m_backUp->setIcon(
+        Icons::symbol(m_isRunning ? QStringLiteral("close") : QStringLiteral("backup")));
     m_restore->setEnabled(!state.isRunning);
     showProgress(state);
     m_model->setRows(AccountTables::backups(state.kept));
 }
 
+void BackupPanel::press()
+{
+    if (m_isRunning) {
+        Q_EMIT backupCancelled();
+    } else {
+        Q_EMIT backupRequested();
+    }
+}
+
 void BackupPanel::showProgress(const BackupState& state)
 {
     m_progress->setVisible(state.isRunning);
+    const bool isUpload = state.totalBytes > 0;
     // Without a size it is only known that something is being done.
-    m_progress->setRange(0, state.totalBytes > 0 ? Whole : 0);
-    if (state.totalBytes > 0) {
-        const double share =
-            static_cast<double>(state.sentBytes) / static_cast<double>(state.totalBytes);
-        m_progress->setValue(static_cast<int>(std::clamp(share, 0.0, 1.0) * Whole));
-    }
+    m_progress->setRange(0, isUpload || state.percent >= 0 ? Whole : 0);
+    const double share =
+        isUpload ? static_cast<double>(state.sentBytes) / static_cast<double>(state.totalBytes)
+                 : state.percent / Hundred;
+    m_progress->setValue(static_cast<int>(std::clamp(share, 0.0, 1.0) * Whole));
 }

@@ -27,11 +27,13 @@ public:
 
 Q_SIGNALS:
     void backupRequested();
+    void backupCancelled();
 
     /// The user wants to choose a backup to restore.
     void restoreRequested();
 
 private:
+    void press();
     void showProgress(const BackupState& state);
 
     FiguresModel* m_model;
@@ -40,4 +42,5 @@ private:
     QAction* m_restore;
     QLabel* m_text;
     QProgressBar* m_progress;
+    bool m_isRunning = false;
 };

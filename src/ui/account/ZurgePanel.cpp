@@ -9,7 +9,6 @@
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
-#include <QMessageBox>
 #include <QPushButton>
 #include <QTableView>
 
@@ -51,7 +50,7 @@ ZurgePanel::ZurgePanel(QAbstractItemModel* counts, QWidget* parent)
     layout->addWidget(m_table, 1);
     m_clock.setSingleShot(true);
     connect(&m_clock, &QTimer::timeout, this, &ZurgePanel::showStatus);
-    connect(m_button, &QPushButton::clicked, this, &ZurgePanel::press);
+    connect(m_button, &QPushButton::clicked, this, &ZurgePanel::zurgeRequested);
     showStatus();
 }
 
@@ -66,7 +65,7 @@ void ZurgePanel::showStatus()
     m_status = ZurgeStatus(m_facts, QDateTime::currentDateTime());
     const bool isUnderWay = m_status.state() == ZurgeStatus::State::InProgress;
     m_button->setText(isUnderWay ? tr("Zurging…") : tr("Zurge"));
-    // Offline, a press says where that is switched off.
+    // Offline, who refuses it tells what to do about that.
     m_button->setEnabled(m_status.canBegin() || m_status.state() == ZurgeStatus::State::Offline);
     // Where all is well, the card's explanation says it.
     m_hint->setText(m_status.state() == ZurgeStatus::State::Ready ? QString() : m_status.hint());
@@ -75,20 +74,4 @@ void ZurgePanel::showStatus()
     if (m_status.changesInMs() > 0) {
         m_clock.start(static_cast<int>(std::min(m_status.changesInMs(), TickMs)));
     }
-}
-
-void ZurgePanel::press()
-{
-    if (m_status.canBegin()) {
-        Q_EMIT zurgeRequested();
-        return;
-    }
-    auto* box = new QMessageBox(
-        QMessageBox::Information, tr("Zurging Disabled!"),
-        tr("The setting \"Work Offline\" is enabled. This prevents the client from going online, "
-           "which includes zurging. Disable that setting and you can zurge again."),
-        QMessageBox::Ok, this);
-    box->setObjectName(QStringLiteral("zurgingDisabled"));
-    box->setAttribute(Qt::WA_DeleteOnClose);
-    box->open();
 }

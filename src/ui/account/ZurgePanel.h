@@ -24,11 +24,10 @@ public:
     void setFacts(const ZurgeFacts& facts);
 
 Q_SIGNALS:
-    void zurgeRequested();
+    void zurgeRequested(); ///< Also while working offline.
 
 private:
     void showStatus();
-    void press();
 
     ZurgeFacts m_facts;
     ZurgeStatus m_status;

@@ -109,6 +109,7 @@ void RestorePage::setState(State state)
     m_file->setVisible(isChoosing);
     m_progress->setVisible(isRunning());
     m_cancel->setVisible(isRunning());
+    m_cancel->setEnabled(!isCancelling());
     m_step->setVisible(!isChoosing);
     Q_EMIT changed();
 }
@@ -119,7 +120,8 @@ void RestorePage::requestChosen()
     if (rows.isEmpty() || m_state != State::Choosing) {
         return;
     }
-    showProgress(0, 0, tr("Fetching the backup…"));
+    setState(State::Running);
+    showFetching(0, 0);
     m_cancel->setFocus();
     Q_EMIT restoreRequested(m_backups.at(rows.constFirst().row()));
 }
@@ -133,7 +135,8 @@ void RestorePage::chooseFile()
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setFileMode(QFileDialog::ExistingFile);
     connect(dialog, &QFileDialog::fileSelected, this, [this](const QString& path) {
-        showProgress(0, 0, tr("Reading the backup…"));
+        setState(State::Running);
+        showStep(tr("Reading the backup…"), -1);
         Q_EMIT fileRequested(path);
     });
     dialog->open();
@@ -141,25 +144,50 @@ void RestorePage::chooseFile()
 
 void RestorePage::cancel()
 {
-    setState(State::Choosing);
-    takeFocus();
+    setState(State::Cancelling);
+    m_step->setText(tr("Cancelling…"));
     Q_EMIT cancelled();
 }
 
-void RestorePage::showProgress(qint64 done, qint64 total, const QString& step)
+/// A negative share is one that is not known.
+void RestorePage::showStep(const QString& text, double share)
 {
-    const auto size = [](qint64 bytes) {
-        return Format::bytes(static_cast<quint64>(std::max<qint64>(bytes, 0)));
-    };
-    m_step->setText(total > 0 ? tr("%1 %2 of %3").arg(step, size(done), size(total)) : step);
-    m_progress->setRange(0, total > 0 ? Whole : 0);
-    if (total > 0) {
-        const double share = static_cast<double>(done) / static_cast<double>(total);
-        m_progress->setValue(static_cast<int>(std::clamp(share, 0.0, 1.0) * Whole));
+    if (m_state != State::Running) {
+        return; // It was on its way when it was cancelled.
     }
-    if (!isRunning()) {
-        setState(State::Running);
+    m_step->setText(text);
+    m_progress->setRange(0, share >= 0 ? Whole : 0);
+    m_progress->setValue(static_cast<int>(std::clamp(share, 0.0, 1.0) * Whole));
+}
+
+void RestorePage::showFetching(qint64 received, qint64 total)
+{
+    if (total <= 0) {
+        showStep(tr("Fetching the backup…"), -1);
+        return;
     }
+    const qint64 there = std::clamp<qint64>(received, 0, total);
+    showStep(tr("Fetching the backup: %1 of %2")
+                 .arg(Format::bytes(static_cast<quint64>(there)),
+                      Format::bytes(static_cast<quint64>(total))),
+             static_cast<double>(there) / static_cast<double>(total));
+}
+
+void RestorePage::showUnpacking(int percent)
+{
+    constexpr double hundred = 100;
+    showStep(tr("Unpacking the backup: %1 %").arg(percent), percent / hundred);
+}
+
+void RestorePage::showChecking()
+{
+    showStep(tr("Checking the backup…"), -1);
+}
+
+void RestorePage::showCancelled()
+{
+    setState(State::Choosing);
+    takeFocus();
 }
 
 void RestorePage::showFailed(const QString& text)

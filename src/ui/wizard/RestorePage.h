@@ -21,12 +21,18 @@ public:
     /// Newest first.
     void setBackups(const QList<OnlineBackup>& backups);
 
-    void showProgress(qint64 done, qint64 total, const QString& step);
+    /// In bytes; `total` is 0 or less where it is not known.
+    void showFetching(qint64 received, qint64 total);
+    void showUnpacking(int percent);
+    void showChecking();
+    void showCancelled();
     void showFailed(const QString& text);
     void showStaged();
 
     /// A backup is being fetched or unpacked.
-    bool isRunning() const { return m_state == State::Running; }
+    bool isRunning() const { return m_state == State::Running || m_state == State::Cancelling; }
+
+    bool isCancelling() const { return m_state == State::Cancelling; }
 
     bool isStaged() const { return m_state == State::Staged; }
 
@@ -45,12 +51,14 @@ private:
     {
         Choosing,
         Running,
+        Cancelling,
         Staged,
     };
 
     void buildChoice();
     void buildProgress();
     void setState(State state);
+    void showStep(const QString& text, double share);
     void requestChosen();
     void chooseFile();
     void cancel();

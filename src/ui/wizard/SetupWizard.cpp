@@ -266,11 +266,24 @@ void SetupWizard::showAuthorized(const Authorization& authorization)
     }
 }
 
-void SetupWizard::showRestoreProgress(qint64 done, qint64 total, const QString& step)
+void SetupWizard::showRestoreFetching(qint64 received, qint64 total)
 {
-    if (m_restore->isRunning()) {
-        m_restore->showProgress(done, total, step);
-    }
+    m_restore->showFetching(received, total);
+}
+
+void SetupWizard::showRestoreUnpacking(int percent)
+{
+    m_restore->showUnpacking(percent);
+}
+
+void SetupWizard::showRestoreChecking()
+{
+    m_restore->showChecking();
+}
+
+void SetupWizard::showRestoreCancelled()
+{
+    m_restore->showCancelled();
 }
 
 void SetupWizard::showRestoreFailed(const QString& text)
@@ -287,7 +300,7 @@ void SetupWizard::showRestoreStaged()
 void SetupWizard::closeEvent(QCloseEvent* event)
 {
     stopLink();
-    if (m_restore->isRunning()) {
+    if (m_restore->isRunning() && !m_restore->isCancelling()) {
         Q_EMIT restoreCancelled();
     }
     event->accept();

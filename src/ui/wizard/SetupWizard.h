@@ -53,9 +53,14 @@ public:
     void showLinkFailed(const QString& text);
     void showAuthorized(const Authorization& authorization);
 
-    /// In bytes; `total` is 0 while it is not known. `step` says what is being done.
-    void showRestoreProgress(qint64 done, qint64 total, const QString& step);
+    /// In bytes; `total` is 0 or less where it is not known.
+    void showRestoreFetching(qint64 received, qint64 total);
+    void showRestoreUnpacking(int percent);
+    void showRestoreChecking();
+
+    // How it ended; one of these follows each wish to restore, also one that was cancelled.
     void showRestoreFailed(const QString& text);
+    void showRestoreCancelled();
     void showRestoreStaged();
 
 Q_SIGNALS:

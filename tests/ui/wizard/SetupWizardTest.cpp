@@ -212,12 +212,14 @@ void SetupWizardTest::restoresABackup()
     QCOMPARE(requested.size(), 1);
     QCOMPARE(requested.at(0).at(0).value<OnlineBackup>().fileName, QStringLiteral("1.zip"));
     QVERIFY(!find<QPushButton>("next")->isEnabled());
-    m_wizard->showRestoreProgress(1 << 20, 2 << 20, QStringLiteral("Downloading."));
+    m_wizard->showRestoreFetching(1 << 20, 2 << 20);
     const auto* progress = find<QProgressBar>("restoreProgress");
     QCOMPARE(2 * progress->value(), progress->maximum());
     press("cancelRestore");
     QCOMPARE(cancelled.size(), 1);
-    m_wizard->showRestoreProgress(2 << 20, 2 << 20, {}); // It was on its way already.
+    m_wizard->showRestoreFetching(2 << 20, 2 << 20); // It was on its way already.
+    QVERIFY(find<QLabel>("restoreStep")->text().contains(QStringLiteral("Cancelling")));
+    m_wizard->showRestoreCancelled();
     QVERIFY(!progress->isVisible());
 
     press("restore");
