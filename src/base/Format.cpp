@@ -144,6 +144,11 @@ QString Format::day(const QDate& date)
     return english().toString(date, QStringLiteral("d MMMM yyyy"));
 }
 
+QString Format::moment(const QDateTime& time)
+{
+    return english().toString(time, QStringLiteral("d MMMM yyyy, HH:mm"));
+}
+
 QString Format::hour(int hourOfDay)
 {
     return QStringLiteral("%1:00").arg(hourOfDay, 2, 10, QLatin1Char('0'));

@@ -58,6 +58,9 @@ QString duration(qint64 seconds);
 /// "21 November 2026".
 QString day(const QDate& date);
 
+/// "21 November 2026, 14:03"; empty for an invalid time.
+QString moment(const QDateTime& time);
+
 /// "14:00", from an hour 0 to 23.
 QString hour(int hourOfDay);
 

@@ -6,6 +6,12 @@
 
 #include <QDate>
 
+namespace {
+
+constexpr int RoomyText = 24; ///< Characters; a longer text may be cut where it is shown.
+
+} // namespace
+
 FiguresModel::FiguresModel(const QList<Column>& columns, QObject* parent)
     : QAbstractTableModel(parent)
     , m_columns(columns)
@@ -48,6 +54,13 @@ FiguresModel::Column FiguresModel::bytesColumn(const QString& header)
 {
     return {.header = header,
             .text = [](const QVariant& raw) { return Format::bytes(raw.toULongLong()); }};
+}
+
+FiguresModel::Column FiguresModel::momentColumn(const QString& header)
+{
+    return {.header = header,
+            .text = [](const QVariant& raw) { return Format::moment(raw.toDateTime()); },
+            .alignment = Qt::AlignLeft | Qt::AlignVCenter};
 }
 
 FiguresModel::Column FiguresModel::dayColumn(const QString& header)
@@ -105,6 +118,9 @@ QVariant FiguresModel::data(const QModelIndex& index, int role) const
     switch (role) {
     case Qt::DisplayRole:
         return column.text ? column.text(raw) : raw.toString();
+    case Qt::ToolTipRole:
+        return raw.typeId() == QMetaType::QString && raw.toString().size() > RoomyText ? raw
+                                                                                       : QVariant();
     case Qt::TextAlignmentRole:
         return QVariant::fromValue(column.alignment);
     case CountsModel::SortRole:

@@ -34,6 +34,9 @@ public:
     static Column bytesColumn(const QString& header);
     static Column dayColumn(const QString& header);
 
+    /// Of times to the minute, left-aligned.
+    static Column momentColumn(const QString& header);
+
     /// Of a course: days, or the hours of one day as numbers, or names as they are.
     static Column timeColumn(const QString& header);
 

@@ -3,11 +3,13 @@
 
 #include "storage/Settings.h"
 #include "ui/Icons.h"
+#include "ui/MessageBanners.h"
 #include "ui/QueryWorker.h"
 #include "ui/RangeControl.h"
 #include "ui/SideBar.h"
 #include "ui/Theme.h"
 #include "ui/View.h"
+#include "ui/account/AccountView.h"
 #include "ui/applications/ApplicationsView.h"
 #include "ui/keyboard/KeyboardView.h"
 #include "ui/mouse/MouseView.h"
@@ -40,6 +42,7 @@ MainWindow::MainWindow(const QString& databaseFile, ViewContext context, QWidget
     , m_sideBar(new SideBar(this))
     , m_title(new QLabel(this))
     , m_days(new QLabel(this))
+    , m_messages(new MessageBanners(this))
     , m_views(new QStackedWidget(this))
     , m_today(QDate::currentDate())
 {
@@ -53,6 +56,7 @@ MainWindow::MainWindow(const QString& databaseFile, ViewContext context, QWidget
     auto* content = new QVBoxLayout;
     content->setSpacing(0);
     content->addWidget(buildBar());
+    content->addWidget(m_messages);
     content->addWidget(m_views, 1);
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -64,6 +68,8 @@ MainWindow::MainWindow(const QString& databaseFile, ViewContext context, QWidget
     connect(m_range, &RangeControl::rangeChanged, this, &MainWindow::applyScope);
     connect(m_profile, &ProfileFilter::profileChanged, this, &MainWindow::applyScope);
     connect(m_profile, &ProfileFilter::profileChanged, this, &MainWindow::profileFilterChanged);
+    connect(m_messages, &MessageBanners::dismissed, this, &MainWindow::messageDismissed);
+    connect(m_messages, &MessageBanners::linkRequested, this, &MainWindow::linkRequested);
     connect(&m_todayTimer, &QTimer::timeout, this, &MainWindow::followToday);
     m_todayTimer.start(TodayCheckMs);
     m_sideBar->orderTabs();
@@ -97,6 +103,8 @@ void MainWindow::addPages()
             [this] { return new UptimeView(m_context); });
     addPage(QStringLiteral("viewProfiles"), QStringLiteral("profiles"), tr("Profiles"),
             [this] { return new ProfilesView(m_context); });
+    addPage(QStringLiteral("viewAccount"), QStringLiteral("account"), tr("Account"),
+            [this] { return new AccountView(m_context); });
 }
 
 void MainWindow::addPage(const QString& name, const QString& icon, const QString& title,
@@ -114,8 +122,14 @@ QWidget* MainWindow::buildBar()
     m_days->setObjectName(QStringLiteral("viewSubtitle"));
     m_days->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     m_days->installEventFilter(this);
-    m_range = new RangeControl(bar);
-    m_profile = new ProfileFilter(bar);
+    m_scopeControls = new QWidget(bar);
+    m_range = new RangeControl(m_scopeControls);
+    m_profile = new ProfileFilter(m_scopeControls);
+    auto* scope = new QHBoxLayout(m_scopeControls);
+    scope->setContentsMargins(0, 0, 0, 0);
+    scope->setSpacing(Theme::Rhythm);
+    scope->addWidget(m_range);
+    scope->addWidget(m_profile);
     m_countingButton = new QPushButton(bar);
     m_countingButton->setObjectName(QStringLiteral("counting"));
     m_countingButton->setMinimumHeight(4 * Theme::Rhythm);
@@ -125,8 +139,7 @@ QWidget* MainWindow::buildBar()
     layout->setSpacing(Theme::Rhythm);
     layout->addWidget(m_title, 0, Qt::AlignBaseline);
     layout->addWidget(m_days, 1, Qt::AlignBaseline);
-    layout->addWidget(m_range);
-    layout->addWidget(m_profile);
+    layout->addWidget(m_scopeControls);
     layout->addWidget(m_countingButton);
     return bar;
 }
@@ -186,13 +199,15 @@ void MainWindow::showView(int index)
     m_views->setCurrentWidget(page.view);
     m_sideBar->choose(index);
     m_title->setText(page.title);
+    m_scopeControls->setVisible(page.view->followsScope());
     applyScope();
 }
 
 void MainWindow::applyScope()
 {
     const DateRange& range = m_range->range();
-    m_days->setToolTip(range.days(m_today));
+    const bool isFollowed = current() == nullptr || current()->followsScope();
+    m_days->setToolTip(isFollowed ? range.days(m_today) : QString());
     elideDays();
     // The hidden views learn of it when they are shown.
     if (View* view = current()) {
@@ -226,6 +241,11 @@ void MainWindow::setInputState(InputState state)
         }
     }
     updateCountingButton();
+}
+
+void MainWindow::setMessages(const QList<WindowMessage>& messages)
+{
+    m_messages->setMessages(messages);
 }
 
 void MainWindow::setProfiles(const QList<ProfileFilter::Entry>& profiles)

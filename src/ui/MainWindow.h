@@ -13,6 +13,7 @@
 #include <memory>
 #include <vector>
 
+class MessageBanners;
 class QLabel;
 class QPushButton;
 class QStackedWidget;
@@ -20,6 +21,7 @@ class QueryWorker;
 class RangeControl;
 class SideBar;
 class View;
+struct WindowMessage;
 
 /// The main window: the views behind a side bar, and above them one bar with the view's title, the
 /// days and the profile that all views follow, and the pause. A view is made when it is first
@@ -38,6 +40,9 @@ public:
     void setInputState(InputState state);
     void setProfiles(const QList<ProfileFilter::Entry>& profiles);
 
+    /// Shows these above the views, oldest first.
+    void setMessages(const QList<WindowMessage>& messages);
+
     void showView(int index);
 
 Q_SIGNALS:
@@ -51,6 +56,10 @@ Q_SIGNALS:
 
     /// The views show the counts of this profile from now on; none means of all.
     void profileFilterChanged(std::optional<int> profileId);
+
+    /// The user wants to see a message no more, or to follow its link.
+    void messageDismissed(qint64 id);
+    void linkRequested(const QUrl& url);
 
     /// A view was made: whoever fulfils its wishes connects to it now.
     void viewMade(View* view);
@@ -90,9 +99,11 @@ private:
     SideBar* m_sideBar;
     QLabel* m_title;
     QLabel* m_days;
+    QWidget* m_scopeControls = nullptr; ///< The two below, which some views do without.
     RangeControl* m_range = nullptr;
     ProfileFilter* m_profile = nullptr;
     QPushButton* m_countingButton = nullptr;
+    MessageBanners* m_messages;
     QStackedWidget* m_views;
     std::vector<Page> m_pages;
     InputState m_state = InputState::Reading;

@@ -3,8 +3,8 @@
 
 #include <QFrame>
 
+class CopyField;
 class QLabel;
-class QLineEdit;
 class QPushButton;
 
 /// Says what a view cannot show, why, and what to do about it: a symbol, a title, a sentence, and,
@@ -35,16 +35,12 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    void buildCommand();
     void applyTheme();
-    void copyCommand();
 
     QLabel* m_icon;
     QLabel* m_title;
     QLabel* m_text;
-    QWidget* m_commandRow = nullptr;
-    QLineEdit* m_command = nullptr;
-    QPushButton* m_copy = nullptr;
+    CopyField* m_command;
     QPushButton* m_button;
     QString m_iconName;
 };

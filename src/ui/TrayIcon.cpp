@@ -27,6 +27,8 @@ QString symbolOf(TrayIcon::Shape shape)
         return QStringLiteral("tray-activity");
     case TrayIcon::Shape::Paused:
         return QStringLiteral("tray-paused");
+    case TrayIcon::Shape::Offline:
+        return QStringLiteral("tray-offline");
     case TrayIcon::Shape::Counting:
         break;
     }
@@ -57,6 +59,7 @@ TrayIcon::TrayIcon(KeysToday keysToday, QObject* parent)
     : QObject(parent)
     , m_keysToday(std::move(keysToday))
     , m_menu(std::make_unique<QMenu>())
+    , m_icon(this)
 {
     buildMenu();
     m_icon.setObjectName(QStringLiteral("trayIcon"));
@@ -75,33 +78,72 @@ TrayIcon::TrayIcon(KeysToday keysToday, QObject* parent)
     m_midnight.setSingleShot(true);
     m_midnight.setTimerType(Qt::VeryCoarseTimer);
     connect(&m_midnight, &QTimer::timeout, this, &TrayIcon::refreshToolTip);
+    m_secondClick.setSingleShot(true);
+    connect(&m_secondClick, &QTimer::timeout, this, &TrayIcon::openRequested);
     refreshSettings();
     refreshToolTip();
 }
 
 TrayIcon::~TrayIcon() = default;
 
+QAction* TrayIcon::addEntry(const QString& name, const QString& icon, const QString& text)
+{
+    QAction* action = m_menu->addAction(Icons::symbol(icon), text);
+    action->setObjectName(name);
+    return action;
+}
+
 void TrayIcon::buildMenu()
 {
     m_menu->setObjectName(QStringLiteral("trayMenu"));
-    const auto add = [this](const QString& name, const QString& icon, const QString& text) {
-        QAction* action = m_menu->addAction(Icons::symbol(icon), text);
-        action->setObjectName(name);
-        return action;
-    };
-    QAction* open = add(QStringLiteral("open"), QStringLiteral("open"), tr("Open Tallyvane"));
+    m_menu->setToolTipsVisible(true);
+    QAction* open = addEntry(QStringLiteral("open"), QStringLiteral("open"), tr("Open Tallyvane"));
     m_menu->setDefaultAction(open);
     connect(open, &QAction::triggered, this, &TrayIcon::openRequested);
     m_countingAction =
-        add(QStringLiteral("counting"), QStringLiteral("pause"), tr("Pause counting"));
+        addEntry(QStringLiteral("counting"), QStringLiteral("pause"), tr("Pause counting"));
     connect(m_countingAction, &QAction::triggered, this, &TrayIcon::toggleCounting);
+    m_zurgeAction = addEntry(QStringLiteral("zurge"), QStringLiteral("zurge"), tr("Zurge"));
+    connect(m_zurgeAction, &QAction::triggered, this, &TrayIcon::zurgeRequested);
+    connect(m_menu.get(), &QMenu::aboutToShow, this, &TrayIcon::showZurge);
     m_profileMenu = m_menu->addMenu(tr("Profile"));
     m_profileMenu->setObjectName(QStringLiteral("profiles"));
     m_profileMenu->menuAction()->setVisible(false);
     m_profiles = new QActionGroup(m_profileMenu);
     m_menu->addSeparator();
-    connect(add(QStringLiteral("quit"), QStringLiteral("quit"), tr("Quit")), &QAction::triggered,
-            this, &TrayIcon::quitRequested);
+    connect(addEntry(QStringLiteral("setUp"), QStringLiteral("setup"), tr("Set up again…")),
+            &QAction::triggered, this, &TrayIcon::setUpRequested);
+    connect(addEntry(QStringLiteral("quit"), QStringLiteral("quit"), tr("Quit")),
+            &QAction::triggered, this, &TrayIcon::quitRequested);
+    showZurge();
+}
+
+void TrayIcon::setZurge(const ZurgeFacts& facts)
+{
+    if (facts != m_zurge) {
+        m_zurge = facts;
+        showZurge();
+    }
+}
+
+void TrayIcon::showZurge()
+{
+    const ZurgeStatus status(m_zurge, QDateTime::currentDateTime());
+    const QString reason = status.reason();
+    // Many trays show no tool tips, so the reason stands in the entry.
+    m_zurgeAction->setText(reason.isEmpty() ? tr("Zurge") : tr("Zurge: %1").arg(reason));
+    m_zurgeAction->setToolTip(status.hint());
+    m_zurgeAction->setEnabled(status.canBegin());
+}
+
+void TrayIcon::zurge()
+{
+    const ZurgeStatus status(m_zurge, QDateTime::currentDateTime());
+    if (status.canBegin()) {
+        Q_EMIT zurgeRequested();
+    } else {
+        showMessage(tr("Nothing was sent"), status.hint());
+    }
 }
 
 void TrayIcon::setProfiles(const QList<Profile>& profiles, int activeId)
@@ -143,6 +185,7 @@ void TrayIcon::hide()
     m_blinkEnd.stop();
     m_toolTipRefresh.stop();
     m_midnight.stop();
+    m_secondClick.stop();
 }
 
 void TrayIcon::toggleCounting()
@@ -165,6 +208,15 @@ void TrayIcon::setCounting(Counting counting)
     refreshToolTip();
 }
 
+void TrayIcon::setConnection(Connection connection)
+{
+    if (connection != m_connection) {
+        m_connection = connection;
+        showRestingShape();
+        refreshToolTip();
+    }
+}
+
 void TrayIcon::refreshSettings()
 {
     const Settings& settings = Settings::instance();
@@ -185,7 +237,7 @@ void TrayIcon::drawIcons()
     QColor rim = m_isLight ? QColor(Qt::black) : QColor(Qt::white);
     constexpr float rimOpacity = 0.4F;
     rim.setAlphaF(rimOpacity);
-    for (const Shape shape : {Shape::Counting, Shape::Activity, Shape::Paused}) {
+    for (const Shape shape : {Shape::Counting, Shape::Activity, Shape::Paused, Shape::Offline}) {
         const QIcon icon = Icons::outlined(symbolOf(shape), ink, rim);
         m_icons.insert(shape, m_badge.isValid() ? Icons::badged(icon, m_badge, ink) : icon);
     }
@@ -234,7 +286,9 @@ void TrayIcon::noteActivity()
 void TrayIcon::showRestingShape()
 {
     m_blinkEnd.stop();
-    setShape(m_counting == Counting::Paused ? Shape::Paused : Shape::Counting);
+    setShape(m_counting == Counting::Paused        ? Shape::Paused
+             : m_connection == Connection::Offline ? Shape::Offline
+                                                   : Shape::Counting);
 }
 
 void TrayIcon::setShape(Shape shape)
@@ -251,6 +305,9 @@ void TrayIcon::refreshToolTip()
     QString text = m_counting == Counting::Paused ? tr("%1, counting is paused").arg(keys) : keys;
     if (!m_activeProfile.name.isEmpty()) {
         text += u'\n' + tr("Profile: %1").arg(m_activeProfile.name);
+    }
+    if (m_connection == Connection::Offline) {
+        text += u'\n' + tr("Working offline: nothing is sent");
     }
     if (text != m_icon.toolTip()) {
         m_icon.setToolTip(text);
@@ -298,7 +355,14 @@ void TrayIcon::explainClosedWindow()
 
 void TrayIcon::onActivated(QSystemTrayIcon::ActivationReason reason)
 {
-    if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::DoubleClick) {
+    const bool zurges =
+        m_zurge.isSignedIn && Settings::instance().value(SettingsKeys::TrayDoubleclickZurge);
+    if (reason == QSystemTrayIcon::Trigger && zurges) {
+        m_secondClick.start(QApplication::doubleClickInterval());
+    } else if (reason == QSystemTrayIcon::DoubleClick && zurges) {
+        m_secondClick.stop();
+        zurge();
+    } else if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::DoubleClick) {
         Q_EMIT openRequested();
     }
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "profiles/ProfileManager.h"
+#include "ui/account/ZurgeStatus.h"
 
 #include <QElapsedTimer>
 #include <QHash>
@@ -31,12 +32,19 @@ public:
         Paused,
     };
 
+    enum class Connection
+    {
+        Online,
+        Offline, ///< An account is linked, but nothing is sent to it.
+    };
+
     /// What the icon shows at a moment, told apart by its shape.
     enum class Shape
     {
         Counting,
         Activity,
         Paused,
+        Offline,
     };
 
     /// Tells how many keys were counted today. Asked at most every few seconds, while keys arrive.
@@ -49,6 +57,10 @@ public:
     void hide();
 
     void setCounting(Counting counting);
+    void setConnection(Connection connection);
+
+    /// What decides whether the entry that begins a zurge can be used.
+    void setZurge(const ZurgeFacts& facts);
 
     /// Takes over `trayicon_blink_on_activity`, `logo_color`, `profiles_change_icon_color` and the
     /// present palette.
@@ -76,6 +88,8 @@ Q_SIGNALS:
     void pauseRequested();
     void resumeRequested();
     void quitRequested();
+    void zurgeRequested();
+    void setUpRequested(); ///< The user wants to go through the first steps again.
     void profileRequested(int id, const QString& name);
 
 protected:
@@ -83,6 +97,9 @@ protected:
 
 private:
     void buildMenu();
+    QAction* addEntry(const QString& name, const QString& icon, const QString& text);
+    void showZurge();
+    void zurge();
     void addProfile(const Profile& profile);
     void drawIcons();
     QColor badge() const;
@@ -97,14 +114,18 @@ private:
     std::unique_ptr<QMenu> m_menu;
     QSystemTrayIcon m_icon;
     QAction* m_countingAction = nullptr; ///< Owned by the menu.
+    QAction* m_zurgeAction = nullptr;    ///< Owned by the menu.
     QMenu* m_profileMenu = nullptr;      ///< Owned by the menu.
     QActionGroup* m_profiles = nullptr;  ///< Owned by the profile menu.
     Profile m_activeProfile;             ///< The default one has no name.
     QTimer m_blinkEnd;
     QTimer m_toolTipRefresh;
     QTimer m_midnight;
+    QTimer m_secondClick; ///< Runs while a click may become a double one.
     QElapsedTimer m_lastBlink;
     Counting m_counting = Counting::Running;
+    Connection m_connection = Connection::Online;
+    ZurgeFacts m_zurge;
     Shape m_shape = Shape::Counting;
     QHash<Shape, QIcon> m_icons; ///< In the variant in force.
     bool m_isLight = false;

@@ -59,7 +59,7 @@ View::View(ViewContext context, const QString& name, const QString& title, QWidg
     m_veil->raise();
 
     m_refresh.setInterval(RefreshMs);
-    connect(m_notice, &Notice::buttonPressed, this, &View::keyboardCountingRequested);
+    connect(m_notice, &Notice::buttonPressed, this, &View::onNoticeButton);
     connect(&m_refresh, &QTimer::timeout, this, &View::askIfDue);
     // Until the first answer neither figures nor their absence can be told.
     m_notice->hide();
@@ -173,6 +173,22 @@ void View::take(std::optional<qint64> version, double preparedShare)
 void View::setContent(bool hasFigures)
 {
     m_hasFigures = hasFigures;
+}
+
+void View::showAtOnce(bool hasFigures)
+{
+    setContent(hasFigures);
+    take(0, 1);
+}
+
+void View::onNoticeButton()
+{
+    Q_EMIT keyboardCountingRequested();
+}
+
+bool View::followsScope() const
+{
+    return true;
 }
 
 Notice::Content View::emptyNotice() const

@@ -37,6 +37,9 @@ public:
     /// Moves the focus to the first filter there is; false where there is none.
     virtual bool focusFilter();
 
+    /// Whether the page shows the days and the profile that the window's bar selects.
+    virtual bool followsScope() const;
+
     /// Exports the data of the card that holds the focus, or of the first.
     void exportData();
 
@@ -83,6 +86,12 @@ protected:
 
     /// What the page says of the counting beside its figures; nothing where all is well.
     virtual std::optional<Notice::Content> countingNotice() const;
+
+    /// The user pressed the notice's button. Asks for the keyboard to be counted.
+    virtual void onNoticeButton();
+
+    /// Shows the page as it stands: called by `refresh` of a page that asks the history nothing.
+    void showAtOnce(bool hasFigures);
 
     /// Says anew what the page says of the counting.
     void showNotice();

@@ -103,7 +103,7 @@ void MainWindowTest::leadsThroughTheViews()
     const QStringList titles{QStringLiteral("Overview"), QStringLiteral("Keyboard"),
                              QStringLiteral("Mouse"),    QStringLiteral("Applications"),
                              QStringLiteral("Network"),  QStringLiteral("Uptime"),
-                             QStringLiteral("Profiles")};
+                             QStringLiteral("Profiles"), QStringLiteral("Account")};
     const QSignalSpy made(m_window.get(), &MainWindow::viewMade);
     for (int view = static_cast<int>(titles.size()) - 1; view >= 0; --view) {
         QTest::keyClick(m_window.get(), static_cast<Qt::Key>(Qt::Key_1 + view),
@@ -112,6 +112,9 @@ void MainWindowTest::leadsThroughTheViews()
         QCOMPARE(page()->isVisible(), true);
     }
     QCOMPARE(made.size(), titles.size() - 1); // Each when it is first shown.
+    QVERIFY(find<RangeControl>("rangeControl")->isVisible());
+    QTest::keyClick(m_window.get(), Qt::Key_8, Qt::ControlModifier);
+    QVERIFY(!find<RangeControl>("rangeControl")->isVisible()); // An account has no days.
 }
 
 void MainWindowTest::followsTheDaysAndTheWayBack()

@@ -1,16 +1,21 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "UiDatabase.h"
+#include "account/WindowMessages.h"
 #include "support/TestRegistry.h"
 #include "ui/DateRange.h"
 #include "ui/HourChart.h"
 #include "ui/MainWindow.h"
 #include "ui/RangeControl.h"
 #include "ui/Theme.h"
+#include "ui/account/AccountView.h"
 #include "ui/network/NetworkView.h"
 #include "ui/profiles/ProfilesView.h"
+#include "ui/wizard/SetupWizard.h"
 
 #include <QDir>
 #include <QFileInfo>
+#include <QPainter>
+#include <QPushButton>
 #include <QRandomGenerator>
 #include <QStackedWidget>
 #include <QTest>
@@ -24,6 +29,8 @@ class ScreenshotsTest : public QObject
 private Q_SLOTS:
     void views_data();
     void views();
+    void wizard_data();
+    void wizard();
     void hoursOfShiftedDays_data();
     void hoursOfShiftedDays();
     void cleanup();
@@ -38,6 +45,9 @@ private:
 
     static QString databaseWith(Content content, UiDatabase& database);
     static void fillProfiles(ProfilesView& view);
+    static void fillAccount(AccountView& view);
+    static QList<WindowMessage> messages();
+    static QList<OnlineBackup> backups();
     static void fillNetwork(NetworkView& view, Content content);
     static void save(const QPixmap& picture);
 };
@@ -50,8 +60,8 @@ void ScreenshotsTest::views_data()
     QTest::addColumn<InputState>("state");
     QTest::addColumn<Content>("content");
     QTest::addColumn<DateRange::Preset>("range");
-    constexpr std::array<const char*, 7> views{"overview", "keyboard", "mouse",   "applications",
-                                               "network",  "uptime",   "profiles"};
+    constexpr std::array<const char*, 8> views{"overview", "keyboard", "mouse",    "applications",
+                                               "network",  "uptime",   "profiles", "account"};
     for (const char* theme : {"light", "dark"}) {
         for (int view = 0; view < static_cast<int>(views.size()); ++view) {
             const auto row = [&](const char* name, const QSize& size, InputState state,
@@ -117,10 +127,16 @@ void ScreenshotsTest::views()
             fillProfiles(*profiles);
         } else if (auto* network = qobject_cast<NetworkView*>(made); network != nullptr) {
             fillNetwork(*network, content);
+        } else if (auto* account = qobject_cast<AccountView*>(made);
+                   account != nullptr && content != Content::Empty) {
+            fillAccount(*account);
         }
     });
     window.setProfiles({{0, QStringLiteral("General")}, {1, QStringLiteral("Work")}});
     window.setInputState(state);
+    if (size.width() >= 1600) {
+        window.setMessages(messages());
+    }
     window.resize(size);
     window.show();
     window.findChild<RangeControl*>()->select(range);
@@ -162,6 +178,150 @@ void ScreenshotsTest::fillProfiles(ProfilesView& view)
                                          .type = keys.type,
                                          .amount = keys.amount,
                                          .total = keys.base}});
+}
+
+void ScreenshotsTest::fillAccount(AccountView& view)
+{
+    const QDateTime now = QDateTime::currentDateTime();
+    AccountState state;
+    state.userName = QStringLiteral("ann.example");
+    state.email = QStringLiteral("ann.example-with-a-long-name@mail.tallyvane.example");
+    state.computer = QStringLiteral("Workshop");
+    state.online = {.keys = 41'730'456,
+                    .clicks = 7'204'311,
+                    .scrolls = 9'812'001,
+                    .distanceMiles = 412.6,
+                    .downloadMiB = 8'812'345,
+                    .uploadMiB = 912'345,
+                    .uptimeSeconds = 81'234'567,
+                    .keysRank = 1'204,
+                    .clicksRank = 987,
+                    .scrollsRank = 2'311,
+                    .distanceRank = 1'790,
+                    .downloadRank = 12'077,
+                    .uploadRank = 4'010,
+                    .uptimeRank = 96};
+    state.unzurged = {.keys = 12'403,
+                      .clicks = 2'210,
+                      .download = 1'234'567'890,
+                      .upload = 45'678'901,
+                      .uptime = 21'600'000,
+                      .scrolls = 5'120,
+                      .distanceInches = 21'330};
+    state.zurge = {.isSignedIn = true, .hasCounts = true};
+    state.lastZurge = now.addSecs(-7200);
+    const QString problem = QStringLiteral("Internal server error. Please try again later.");
+    state.zurges = {{.time = state.lastZurge, .keys = 8'204, .clicks = 1'102},
+                    {.time = now.addSecs(-9000),
+                     .outcome = ZurgeRecord::Outcome::Failed,
+                     .keys = 7'911,
+                     .clicks = 1'008,
+                     .message = problem},
+                    {.time = now.addDays(-1),
+                     .origin = ZurgeRecord::Origin::Automatic,
+                     .keys = 10'000,
+                     .clicks = 2'345}};
+    state.backup.lastTried = now.addDays(-3);
+    state.backup.kept = backups();
+    view.setState(state);
+}
+
+QList<OnlineBackup> ScreenshotsTest::backups()
+{
+    QList<OnlineBackup> backups(3);
+    for (int i = 0; i < backups.size(); ++i) {
+        backups[i].createdAt = QDateTime(QDate(2026, 11, 18 - 7 * i), QTime(14, 3));
+        backups[i].bytes = 412'345'678 - 1'234'567 * i;
+    }
+    return backups;
+}
+
+QList<WindowMessage> ScreenshotsTest::messages()
+{
+    WindowMessage plain;
+    plain.text = QStringLiteral("The website moves on Sunday.");
+    WindowMessage archived;
+    archived.id = 1;
+    archived.title = QStringLiteral("Computer Management");
+    archived.text =
+        QStringLiteral("This computer is archived, and isn't able to connect to your account.");
+    archived.buttonText = QStringLiteral("Manage computers");
+    archived.link = QUrl(QStringLiteral("https://tallyvane.example/"));
+    QList<WindowMessage> messages(4, plain);
+    for (int i = 0; i < messages.size(); ++i) {
+        messages[i].id = 2 + i;
+    }
+    messages.append(archived);
+    return messages;
+}
+
+void ScreenshotsTest::wizard_data()
+{
+    QTest::addColumn<QString>("theme");
+    for (const char* theme : {"light", "dark"}) {
+        QTest::newRow(theme) << QString::fromLatin1(theme);
+    }
+}
+
+/// Walks through every page and state.
+void ScreenshotsTest::wizard()
+{
+    QFETCH(QString, theme);
+    Theme::apply(theme);
+    SetupWizard wizard(
+        {.databaseFile = QStringLiteral("/home/ann/.local/share/Tallyvane/tallyvane.db")});
+    wizard.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&wizard));
+    QPixmap pictures(QSize(4 * wizard.width(), 3 * wizard.height()) * wizard.devicePixelRatio());
+    pictures.setDevicePixelRatio(wizard.devicePixelRatio());
+    QPainter painter(&pictures);
+    int pages = 0;
+    const auto shoot = [&] {
+        QTest::qWait(50);
+        painter.drawPixmap(QPoint(pages % 4 * wizard.width(), pages / 4 * wizard.height()),
+                           wizard.grab());
+        ++pages;
+    };
+    const auto press = [&wizard](const char* name) {
+        wizard.findChild<QPushButton*>(QLatin1String(name))->click();
+    };
+    shoot();
+    press("next");
+    shoot();
+    press("next");
+    wizard.setPermissions(
+        InputState::NoPermission,
+        CaptureState{.reason = QStringLiteral("Packets may not be captured by this program."),
+                     .command = QStringLiteral("sudo setcap cap_net_raw+ep /usr/bin/tallyvane")});
+    shoot();
+    wizard.setPermissions(InputState::Reading,
+                          CaptureState{.backEnd = CaptureState::BackEnd::PacketRing});
+    shoot();
+    press("next");
+    shoot();
+    press("link");
+    wizard.showBrowserPage(QUrl(QStringLiteral(
+        "https://tallyvane.example/dashboard/my/client/5f0c?id=5f0c&name=Workshop")));
+    shoot();
+    wizard.showLinkFailed(QStringLiteral(
+        "Our server is currently in maintenance, please check back in a few minutes. Sorry!"));
+    shoot();
+    Authorization answer;
+    answer.identity.userName = QStringLiteral("ann.example");
+    answer.backups = backups();
+    answer.clientSettings.insert(QStringLiteral("theme"), theme);
+    wizard.showAuthorized(answer);
+    shoot();
+    press("restore");
+    wizard.showRestoreFetching(123'456'789, 412'345'678);
+    shoot();
+    wizard.showRestoreFailed(QStringLiteral("The archive is damaged."));
+    shoot();
+    press("next");
+    shoot();
+    press("keepPresent");
+    shoot();
+    save(pictures);
 }
 
 void ScreenshotsTest::fillNetwork(NetworkView& view, Content content)

@@ -11,6 +11,7 @@
 #include <QMenu>
 #include <QMessageBox>
 #include <QSignalSpy>
+#include <QSystemTrayIcon>
 #include <QTest>
 
 class TrayIconTest : public QObject
@@ -25,6 +26,11 @@ private Q_SLOTS:
     void offersWhatCanBeDone();
     void drawsEachShapeDifferently_data();
     void drawsEachShapeDifferently();
+    void offersAZurge_data();
+    void offersAZurge();
+    void doubleClick_data();
+    void doubleClick();
+    void showsThatItIsOffline();
     void switchesProfiles();
     void marksTheActiveProfile();
     void explainsAClosedWindowOnce();
@@ -107,6 +113,9 @@ void TrayIconTest::offersWhatCanBeDone()
     action("counting")->trigger();
     icon.setCounting(TrayIcon::Counting::Running);
     QCOMPARE(icon.shape(), TrayIcon::Shape::Counting);
+    const QSignalSpy setUp(&icon, &TrayIcon::setUpRequested);
+    action("setUp")->trigger();
+    QCOMPARE(setUp.size(), 1);
     action("quit")->trigger();
     QCOMPARE(opened.size(), 1);
     QCOMPARE(paused.size(), 1);
@@ -127,7 +136,7 @@ void TrayIconTest::drawsEachShapeDifferently()
     QFETCH(QColor, ink);
     QFETCH(QColor, panel);
     QList<QImage> seen;
-    for (const char* name : {"tray-counting", "tray-activity", "tray-paused"}) {
+    for (const char* name : {"tray-counting", "tray-activity", "tray-paused", "tray-offline"}) {
         const QImage image = Icons::outlined(QLatin1String(name), ink, Qt::transparent)
                                  .pixmap(16, 16)
                                  .toImage()
@@ -144,6 +153,79 @@ void TrayIconTest::drawsEachShapeDifferently()
         QVERIFY(!seen.contains(image));
         seen.append(image);
     }
+}
+
+void TrayIconTest::offersAZurge_data()
+{
+    QTest::addColumn<ZurgeFacts>("facts");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<bool>("isEnabled");
+    QTest::newRow("no account") << ZurgeFacts{} << QStringLiteral("Zurge: no account") << false;
+    QTest::newRow("ready") << ZurgeFacts{.isSignedIn = true, .hasCounts = true}
+                           << QStringLiteral("Zurge") << true;
+    QTest::newRow("offline") << ZurgeFacts{.isSignedIn = true, .isOffline = true, .hasCounts = true}
+                             << QStringLiteral("Zurge: working offline") << false;
+}
+
+void TrayIconTest::offersAZurge()
+{
+    QFETCH(ZurgeFacts, facts);
+    TrayIcon icon([] { return 0; });
+    const QSignalSpy requested(&icon, &TrayIcon::zurgeRequested);
+    icon.setZurge(facts);
+    QTEST(action("zurge")->text(), "text");
+    QTEST(action("zurge")->isEnabled(), "isEnabled");
+    action("zurge")->trigger();
+    QCOMPARE(requested.size(), action("zurge")->isEnabled() ? 1 : 0);
+}
+
+void TrayIconTest::doubleClick_data()
+{
+    QTest::addColumn<bool>("isSignedIn");
+    QTest::addColumn<bool>("isWanted");
+    QTest::addColumn<bool>("isDouble");
+    QTest::addColumn<QString>("wish");
+    const QString opens = QStringLiteral("opens");
+    QTest::newRow("one, no account") << false << true << false << opens;
+    QTest::newRow("two, no account") << false << true << true << opens;
+    QTest::newRow("one, not wanted") << true << false << false << opens;
+    QTest::newRow("two, not wanted") << true << false << true << opens;
+    QTest::newRow("one") << true << true << false << opens;
+    QTest::newRow("two") << true << true << true << QStringLiteral("zurges");
+}
+
+void TrayIconTest::doubleClick()
+{
+    QFETCH(bool, isSignedIn);
+    QFETCH(bool, isWanted);
+    QFETCH(bool, isDouble);
+    Settings::instance().setValue(SettingsKeys::TrayDoubleclickZurge, isWanted);
+    TrayIcon icon([] { return 0; });
+    icon.setZurge({.isSignedIn = isSignedIn, .hasCounts = true});
+    QString wish;
+    connect(&icon, &TrayIcon::openRequested, this, [&wish] { wish = QStringLiteral("opens"); });
+    connect(&icon, &TrayIcon::zurgeRequested, this, [&wish] { wish += QStringLiteral("zurges"); });
+    auto* tray = icon.findChild<QSystemTrayIcon*>();
+    Q_EMIT tray->activated(QSystemTrayIcon::Trigger);
+    if (isDouble) {
+        Q_EMIT tray->activated(QSystemTrayIcon::DoubleClick);
+    }
+    QTRY_VERIFY(!wish.isEmpty());
+    QTest::qWait(QApplication::doubleClickInterval() + 100); // A single one would open by then.
+    QTEST(wish, "wish");
+}
+
+void TrayIconTest::showsThatItIsOffline()
+{
+    TrayIcon icon([] { return 0; });
+    icon.setConnection(TrayIcon::Connection::Offline);
+    QCOMPARE(icon.shape(), TrayIcon::Shape::Offline);
+    QVERIFY(icon.toolTip().contains(QStringLiteral("offline")));
+    icon.setCounting(TrayIcon::Counting::Paused);
+    QCOMPARE(icon.shape(), TrayIcon::Shape::Paused);
+    icon.setCounting(TrayIcon::Counting::Running);
+    icon.setConnection(TrayIcon::Connection::Online);
+    QCOMPARE(icon.shape(), TrayIcon::Shape::Counting);
 }
 
 void TrayIconTest::switchesProfiles()
