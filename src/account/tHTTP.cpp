@@ -86,6 +86,15 @@ QHttpPart filePart(const QString& text, const QFileInfo& file)
     return part;
 }
 
+/// Qt says no more than this, in the content's place, where a compressed one is damaged or unpacks
+/// to too much; it uses the same error for some status codes.
+bool isUnpackingFailure(const QNetworkReply& reply)
+{
+    constexpr int firstFailure = 400;
+    return reply.error() == QNetworkReply::UnknownContentError &&
+           reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt() < firstFailure;
+}
+
 } // namespace
 
 tHTTP::tHTTP(const QString& url, QObject* parent)
@@ -178,8 +187,8 @@ QNetworkRequest tHTTP::begin()
                          QNetworkRequest::ManualRedirectPolicy);
     // Many streams on one connection serve a single request in nothing.
     request.setAttribute(QNetworkRequest::Http2AllowedAttribute, QVariant(false));
-    // What is unpacked is counted here; Qt's check of the ratio is not needed.
-    request.setDecompressedSafetyCheckThreshold(-1);
+    // Qt unpacks a little data into much at once; beyond the limit it may do so forty times over.
+    request.setDecompressedSafetyCheckThreshold(LargestReply);
     return request;
 }
 
@@ -341,6 +350,9 @@ QString tHTTP::failureOf(const QNetworkReply& reply) const
     }
     if (reply.error() == QNetworkReply::ContentReSendError) {
         return tr("no answer came, and the request is not sent twice");
+    }
+    if (isUnpackingFailure(reply)) {
+        return tr("the answer is damaged or larger than %1 MiB").arg(LargestReply >> 20);
     }
     if (reply.error() != QNetworkReply::NoError) {
         return reply.errorString();

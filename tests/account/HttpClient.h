@@ -65,6 +65,6 @@ inline QByteArray chunked(const QByteArray& content)
 inline QByteArray deflated(const QByteArray& content)
 {
     constexpr qsizetype qtHeader = 4;
-    return WireServer::reply(qCompress(content).sliced(qtHeader), "200 OK",
+    return WireServer::reply(qCompress(content, 1).sliced(qtHeader), "200 OK",
                              "Content-Encoding: deflate\r\n");
 }

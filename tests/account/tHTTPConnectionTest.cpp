@@ -125,7 +125,7 @@ void tHTTPConnectionTest::refusesLargeAnswers_data()
     QTest::newRow("larger") << WireServer::reply(larger) << false;
     QTest::newRow("larger, in a chunk") << chunked(larger) << false;
     QTest::newRow("larger, compressed") << deflated(larger) << false;
-    QTest::newRow("much larger, compressed") << deflated(object(8 * tHTTP::LargestReply)) << false;
+    QTest::newRow("much larger, compressed") << deflated(object(4 * tHTTP::LargestReply)) << false;
     QTest::newRow("larger, without a length")
         << QByteArray("HTTP/1.0 200 OK\r\n\r\n") + larger << false;
 }
@@ -139,9 +139,7 @@ void tHTTPConnectionTest::refusesLargeAnswers()
     client.http->request(QStringLiteral("{}"));
     QVERIFY(client.finishes());
     QCOMPARE(client.responses.size(), fits ? 1 : 0);
-    QCOMPARE(client.error(), fits ? QString()
-                                  : QStringLiteral("Error while talking to website: "
-                                                   "the answer is larger than 32 MiB"));
+    QCOMPARE(client.error().contains(QLatin1String("larger than 32 MiB")), !fits);
 }
 
 void tHTTPConnectionTest::givesUpOnSilenceOnly()
@@ -274,15 +272,17 @@ void tHTTPConnectionTest::usesTheProxy_data()
     QTest::addColumn<bool>("asks");        ///< The proxy wants credentials.
     QTest::addColumn<bool>("arrives");
     QTest::addColumn<int>("challenges");
+    QTest::addColumn<bool>("isLost"); ///< The service hangs up instead of answering.
     const QString right = QStringLiteral("right");
     const QString wrong = QStringLiteral("wrong");
-    QTest::newRow("none") << false << false << QString() << true << true << 0;
-    QTest::newRow("system") << false << true << QString() << false << true << 0;
-    QTest::newRow("system, right password") << false << true << right << true << true << 1;
-    QTest::newRow("own") << true << false << QString() << false << true << 0;
-    QTest::newRow("own, no password") << true << false << QString() << true << false << 1;
-    QTest::newRow("own, right password") << true << false << right << true << true << 1;
-    QTest::newRow("own, wrong password") << true << false << wrong << true << false << 2;
+    QTest::newRow("none") << false << false << QString() << true << true << 0 << false;
+    QTest::newRow("system") << false << true << QString() << false << true << 0 << false;
+    QTest::newRow("system, right password") << false << true << right << true << true << 1 << false;
+    QTest::newRow("own") << true << false << QString() << false << true << 0 << false;
+    QTest::newRow("own, no password") << true << false << QString() << true << false << 1 << false;
+    QTest::newRow("own, right password") << true << false << right << true << true << 1 << false;
+    QTest::newRow("own, wrong password") << true << false << wrong << true << false << 2 << false;
+    QTest::newRow("own, lost behind it") << true << false << right << true << true << 1 << true;
 }
 
 void tHTTPConnectionTest::usesTheProxy()
@@ -292,6 +292,10 @@ void tHTTPConnectionTest::usesTheProxy()
     QFETCH(QString, password);
     QFETCH(bool, asks);
     QFETCH(bool, arrives);
+    QFETCH(bool, isLost);
+    const auto answer = [&isLost](QTcpSocket& client, const QByteArray& request) {
+        isLost ? client.abort() : answerFine(client, request);
+    };
     for (const bool isTls : {true, false}) {
         int challenges = 0;
         WireServer proxy([&](QTcpSocket& client, const QByteArray& request) {
@@ -304,8 +308,8 @@ void tHTTPConnectionTest::usesTheProxy()
                 passOn(client, request);
             }
         });
-        WireServer tls(m_tls, answerFine);
-        WireServer plain(answerFine);
+        WireServer tls(m_tls, answer);
+        WireServer plain(answer);
         WireServer& server = isTls ? tls : plain;
         const QByteArray address = proxy.url(QString()).toUtf8();
         qputenv("http_proxy", address);
@@ -321,7 +325,8 @@ void tHTTPConnectionTest::usesTheProxy()
         HttpClient client(server.url());
         client.http->request(QStringLiteral("{}"));
         QVERIFY(client.finishes());
-        QVERIFY2(client.responses.size() == (arrives ? 1 : 0), qPrintable(client.error()));
+        QVERIFY2(client.responses.size() == (arrives && !isLost ? 1 : 0),
+                 qPrintable(client.error()));
         QCOMPARE(server.requests.size(), arrives ? 1 : 0);
         QCOMPARE(proxy.requests.isEmpty(), !isOwn && !isSystem);
         QTEST(challenges, "challenges");

@@ -189,6 +189,11 @@ void tHTTPTest::readsTheAnswer_data()
                               << failed + QStringLiteral("unterminated object at byte 10");
     QTest::newRow("server error") << WireServer::reply("{}", "500 Oops") << none
                                   << failed + QStringLiteral("Error transf");
+    QTest::newRow("too many requests")
+        << WireServer::reply("{}", "429 Later") << none << failed + QStringLiteral("Error transf");
+    QTest::newRow("damaged in its packing")
+        << WireServer::reply("hello", "200 OK", "Content-Encoding: deflate\r\n") << none
+        << failed + QStringLiteral("the answer is damaged");
     QTest::newRow("cut body")
         << QByteArray("HTTP/1.1 200 OK\r\nContent-Length: 99\r\n\r\n{\"status\":200}") << none
         << failed + QStringLiteral("Connection closed");
