@@ -59,7 +59,7 @@ ServiceControl::ServiceControl(AccountService& service)
     : m_service(service)
     , m_listener([this](const HttpRequest& request, QTcpSocket& socket) {
         const QJsonObject answer = execute(QJsonDocument::fromJson(request.body).object());
-        HttpListener::send(socket, {.body = QJsonDocument(answer).toJson()});
+        HttpListener::send(socket, {.body = QJsonDocument(answer).toJson(QJsonDocument::Compact)});
     })
 {
 }
