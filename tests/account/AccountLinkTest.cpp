@@ -10,6 +10,7 @@
 #include "support/TestFiles.h"
 #include "support/TestRegistry.h"
 
+#include <QJsonDocument>
 #include <QSignalSpy>
 #include <QTest>
 #include <QUrlQuery>
@@ -95,20 +96,34 @@ void AccountLinkTest::linksAndZurges()
     LinkedClient client;
     QVERIFY(client.link());
     QCOMPARE(client.account.identity.userName, QStringLiteral("ann"));
-    client.communication.doZurge({.token = client.account.zurgeToken,
-                                  .keys = 1'000,
-                                  .downloadMiB = 4,
-                                  .applications = {},
-                                  .timeSeries = {}});
-    // The service forgets who is signed in while the requests wait.
+    ClientCommunication::ZurgeRequest zurge;
+    zurge.token = client.account.zurgeToken;
+    zurge.keys = 1'000;
+    zurge.clicks = 2;
+    zurge.uptimeSeconds = 3;
+    zurge.downloadMiB = 4;
+    zurge.uploadMiB = 5;
+    zurge.scrolls = 6;
+    zurge.distanceInches = 63'360;
+    QVERIFY(client.communication.doZurge(zurge));
+    // The service forgets who is signed in, and the token is good for one zurge.
+    QVERIFY(client.waitForEnds(1));
     client.service.store().forgetClientTokens();
-    client.communication.doZurge(
-        {.token = client.account.zurgeToken, .keys = 1, .applications = {}, .timeSeries = {}});
+    zurge.automatic = true;
+    QVERIFY(client.communication.doZurge(zurge));
     QVERIFY(client.waitForEnds(2));
     QCOMPARE(client.ended, (QStringList{QStringLiteral("zurge 200"), QStringLiteral("zurge 303")}));
-    const QJsonObject totals = client.service.store().totals(client.account.identity.userId);
-    QCOMPARE(totals[QLatin1String("keys")].toInteger(), 1'000);
-    QCOMPARE(totals[QLatin1String("download")].toInteger(), 4);
+    QCOMPARE(QJsonDocument(client.service.store().totals(client.account.identity.userId))
+                 .toJson(QJsonDocument::Compact),
+             R"({"clicks":2,"distance":1,"download":4,"keys":1000,"scrolls":6,"upload":5,)"
+             R"("uptime":3})");
+    QStringList mechanisms;
+    for (const ServedRequest& served : client.service.requests()) {
+        mechanisms << served.request.data()[QLatin1String("zurge_mechanism")].toString();
+    }
+    mechanisms.removeAll(QString());
+    QCOMPARE(mechanisms, (QStringList{QStringLiteral("manual"), QStringLiteral("auto"),
+                                      QStringLiteral("auto")}));
     QCOMPARE(client.service.violations(), QStringList());
 }
 
@@ -120,20 +135,46 @@ void AccountLinkTest::sendsEveryRequestAsTheServiceExpectsIt()
     QVERIFY(reader.parse(
         readFile(QStringLiteral(TALLYVANE_SOURCE_DIR "/tests/service/requests.json"))));
     const QVariantMap requests = reader.result().toMap();
-    QStringList expected;
-    for (auto it = requests.cbegin(); it != requests.cend(); ++it) {
-        QVERIFY(client.communication.clientRequest(it.key(), it.value().toMap(), {}, true, true));
-        expected << it.key() + QStringLiteral(" 200");
-    }
+    /// The one field of the data of a request.
+    const auto field = [&requests](const char* type) {
+        return requests.value(QString::fromLatin1(type)).toMap().first();
+    };
     const QString picture = client.database.directory() + QStringLiteral("/keys.png");
     QVERIFY(writeFile(picture, "\x89PNG"));
-    QVERIFY(client.communication.uploadFile(picture, QStringLiteral("keyboard_image")));
-    QVERIFY(client.communication.uploadUsageStats({}, {}));
-    QVERIFY(client.communication.logUpdateRequest(QStringLiteral("9.0.1")));
-    expected << QStringLiteral("upload_file 200") << QStringLiteral("upload_usage_stats 200")
-             << QStringLiteral("update_request 200");
-    QVERIFY(client.waitForEnds(expected.size()));
-    QCOMPARE(client.ended, expected);
+    ClientCommunication& communication = client.communication;
+    client.service.forgetRequests();
+    const QList<bool> accepted{
+        communication.refreshAccountInfo(),
+        communication.testProxy(),
+        communication.getDatabaseBackupUploadURL(),
+        communication.getDatabaseBackupDownloadURL(QStringLiteral("none.zip")),
+        communication.logUpdateRequest(QStringLiteral("9.0.1")),
+        communication.syncClientProfiles(field("sync_client_profiles").toList()),
+        communication.uploadKeyboardHeatmap(field("upload_heatmap_keyboard").toMap()),
+        communication.uploadKeyboardHeatmapApps(field("upload_heatmap_keyboard_apps").toMap()),
+        communication.uploadKeyCombinationsHeatmap(field("upload_heatmap_keycombinations").toMap()),
+        communication.uploadKeyCombinationsHeatmapApps(
+            field("upload_heatmap_keycombinations_apps").toMap()),
+        communication.uploadButtonsHeatmap(field("upload_heatmap_buttons").toMap()),
+        communication.uploadButtonsHeatmapApps(field("upload_heatmap_buttons_apps").toMap()),
+        communication.uploadApplications(field("upload_applications").toList()),
+        communication.uploadApplicationSettings(field("save_client_settings").toMap()),
+        communication.uploadComputerInfo(field("upload_computerinfo").toMap()),
+        communication.uploadUsageStats({}, {}),
+        communication.uploadFile(picture, QStringLiteral("keyboard_image")),
+        communication.resetToken(),
+    };
+    QVERIFY(!accepted.contains(false));
+    QVERIFY(client.waitForEnds(accepted.size()));
+    QCOMPARE(
+        client.ended.join(QLatin1Char(' ')),
+        QStringLiteral("refresh_account_info 200 testproxy 200 get_db_backup_upload_url 200 "
+                       "get_db_backup_download_url 501 update_request 200 sync_client_profiles 200 "
+                       "upload_heatmap_keyboard 200 upload_heatmap_keyboard_apps 200 "
+                       "upload_heatmap_keycombinations 200 upload_heatmap_keycombinations_apps 200 "
+                       "upload_heatmap_buttons 200 upload_heatmap_buttons_apps 200 "
+                       "upload_applications 200 save_client_settings 200 upload_computerinfo 200 "
+                       "upload_usage_stats 200 upload_file 200 reset_token 200"));
     QCOMPARE(client.service.violations(), QStringList());
 
     WindowMessages messages;
