@@ -337,13 +337,13 @@ void ClientCommunication::archive(const RequestResult& result, const Map& data)
 void ClientCommunication::end(int status, const Map& data, const QString& message)
 {
     closeExchange();
-    m_stage = Stage::Ending;
+    m_stage = Stage::Idle;
     const QString type = std::exchange(m_current, {}).request.requestType;
     if (type == RequestTypes::ResetToken) {
         invalidateClientToken();
     }
+    // Who is told may ask again at once; the queue keeps the order.
     Q_EMIT requestDone(type, status, data, message);
-    m_stage = Stage::Idle;
     processNextInQueue();
 }
 
@@ -361,9 +361,8 @@ void ClientCommunication::endLater(const QString& message)
 void ClientCommunication::drop()
 {
     closeExchange();
-    m_stage = Stage::Ending;
-    Q_EMIT requestDropped(std::exchange(m_current, {}).request.requestType);
     m_stage = Stage::Idle;
+    Q_EMIT requestDropped(std::exchange(m_current, {}).request.requestType);
 }
 
 bool ClientCommunication::request(const QString& requestType, const Map& inputData)

@@ -18,13 +18,14 @@ class tHTTP;
 /// others in a queue, and turns result codes into one `requestDone` per request.
 /// docs/account-protocol.md tells the formats. Thread: main.
 ///
-///     Idle --request--> SigningIn --token--> Requesting --answer--> Ending --> the next in the
-///       \                   ^                 ^      \                         queue, or Idle
-///        \--token is fresh--|-----------------/      /
-///                           \--------600------------/
+///     Idle --request--> SigningIn --token--> Requesting --answer--> the next in the queue, or Idle
+///       |                   ^                 ^      |
+///       |--token is fresh---|-----------------|      |
+///                           |----------600-----------|
 ///
-/// An exchange that fails, on either side of the sign-in, ends the request. One that has no answer
-/// after a minute is abandoned, but only once another request is made.
+/// An exchange that fails, on either side of the sign-in, ends the request. One that drags on for
+/// more than a minute is abandoned once another request is made; one on which nothing moves is
+/// given up by the transport.
 class ClientCommunication : public QObject
 {
     Q_OBJECT
@@ -131,7 +132,7 @@ private:
         Idle,
         SigningIn,  ///< For the current request, which follows.
         Requesting, ///< The current request is on the wire.
-        Ending,     ///< Its requester is being told; what is asked meanwhile is queued.
+        Ending,     ///< It is not sent, as its requester is about to be told.
     };
 
     struct Pending
