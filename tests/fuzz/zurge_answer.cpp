@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What the service tells of zurges and totals, as any JSON object.
+#include "account/EarlierTotals.h"
 #include "account/ZurgeAnswer.h"
 
 #include <QJsonDocument>
@@ -15,6 +16,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     const QByteArray bytes(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
     const QVariantMap object = QJsonDocument::fromJson(bytes).toVariant().toMap();
+    EarlierTotals::from(object);
     AccountInfo::from(object);
     if (const auto answer = ZurgeAnswer::from(object)) {
         const OnlineTotals& totals = answer->totals;
