@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "account/AccountIdentity.h"
+#include "account/Authorization.h"
 
-#include <QDateTime>
-#include <QList>
 #include <QMap>
 #include <QObject>
 #include <QString>
@@ -12,44 +10,73 @@
 #include <QUrl>
 #include <QVariant>
 
-/// A backup that the service keeps. Plain value.
-struct OnlineBackup
-{
-    QString fileName;
-    QDateTime createdAt; ///< Local time; invalid where the service does not say.
-    qint64 bytes = 0;    ///< 0 where the service does not say.
-};
-
-/// What the service hands over once the user has authorised this computer. Plain value.
-struct Authorization
-{
-    AccountIdentity identity;
-    QString zurgeToken;
-    QDateTime lastZurge;
-    QMap<QString, QVariant> totals;
-    QMap<QString, QVariant> ranks;
-    QMap<QString, QVariant> computerStats; ///< Empty: a new computer.
-    QList<OnlineBackup> backups;           ///< Newest first.
-    QMap<QString, QVariant> clientSettings;
-};
-
 class ClientCommunication;
 
 /// Links this computer to an account through the browser: asks the service to expect it, lets the
 /// page be opened, and asks every four seconds whether the user has agreed. Thread: main.
+///
+///     Idle --begin--> Asking --200--> Waiting --the account--> Idle (authorized)
+///
+/// `cancel` leads back to Idle from everywhere, as does what cannot get better (failed).
+/// An answer to a check that says nothing better than "try later" is waited out.
 class BrowserAuthorization : public QObject
 {
     Q_OBJECT
 
 public:
+    static constexpr int CheckIntervalMs = 4'000;
+
+    /// `communication` must outlive this object.
     BrowserAuthorization(ClientCommunication& communication, const QUrl& website,
                          QObject* parent = nullptr);
 
     void begin();  ///< Again, after a failure, with a new id.
     void cancel(); ///< Nothing is heard from this attempt any more.
 
+public Q_SLOTS:
+    /// Asks whether the user has agreed, unless the last such question is still out. Comes by
+    /// itself while waiting for the user; a good moment for one more is when the user says so.
+    void checkNow();
+
 Q_SIGNALS:
     void browserNeeded(const QUrl& page);         ///< Waiting for the user has begun.
     void failed(const QString& text);             ///< For the user to read.
     void authorized(const Authorization& answer); ///< Nothing is stored yet.
+
+private:
+    enum class Stage
+    {
+        Idle,
+        Asking,  ///< The service, to expect this computer.
+        Waiting, ///< For the user.
+    };
+
+    /// Requests of one type whose outcome is still out. Outcomes come in the order of the requests,
+    /// so those of earlier attempts come first.
+    struct Outstanding
+    {
+        int all = 0;
+        int own = 0; ///< Of this attempt.
+
+        void noteSent();
+        bool takeOutcome(); ///< Whether it is one of this attempt's.
+    };
+
+    void takeAnswer(const QString& requestType, int status, const QMap<QString, QVariant>& data,
+                    const QString& message);
+    void takeDropped(const QString& requestType);
+    void tick();
+    void waitForUser();
+    void takeCheck(int status, const QMap<QString, QVariant>& data);
+    void fail(const QString& text);
+    QUrl page() const;
+
+    ClientCommunication& m_communication;
+    QUrl m_website;
+    QTimer m_timer;
+    Stage m_stage = Stage::Idle;
+    QString m_uid; ///< Of this attempt.
+    Outstanding m_inits;
+    Outstanding m_checks;
+    int m_missed = 0; ///< Moments for a check that passed since the last one went out.
 };

@@ -2,16 +2,14 @@
 #pragma once
 
 #include "account/AccountIdentity.h"
+#include "account/MonotonicClock.h"
+#include "account/ResultCodes.h"
 
-#include <QElapsedTimer>
 #include <QList>
 #include <QMap>
 #include <QObject>
-#include <QPointer>
 #include <QString>
 #include <QVariant>
-
-#include <optional>
 
 class tHTTP;
 
@@ -19,12 +17,23 @@ class tHTTP;
 /// in with a client token first where that is needed, keeps at most one request on the wire and the
 /// others in a queue, and turns result codes into one `requestDone` per request.
 /// docs/account-protocol.md tells the formats. Thread: main.
+///
+///     Idle --request--> SigningIn --token--> Requesting --answer--> Ending --> the next in the
+///       \                   ^                 ^      \                         queue, or Idle
+///        \--token is fresh--|-----------------/      /
+///                           \--------600------------/
+///
+/// An exchange that fails, on either side of the sign-in, ends the request. One that has no answer
+/// after a minute is abandoned, but only once another request is made.
 class ClientCommunication : public QObject
 {
     Q_OBJECT
 
 public:
     using Map = QMap<QString, QVariant>;
+
+    static constexpr qint64 LongestTokenAgeMs = 300'000;
+    static constexpr qint64 LongestExchangeMs = 60'000;
 
     struct Request
     {
@@ -51,7 +60,7 @@ public:
         Map timeSeries;            ///< Left out where empty.
     };
 
-    explicit ClientCommunication(QObject* parent = nullptr);
+    explicit ClientCommunication(QObject* parent = nullptr, MonotonicClock clock = monotonicMsecs);
     ~ClientCommunication() override;
 
     /// The one instance; null before it was created.
@@ -62,10 +71,14 @@ public:
     void setUserID(qint64 userId);
     void setComputerID(qint64 computerId);
     void setPasswordHash(const QString& passwordHash);
-    void setIdentity(const AccountIdentity& identity); ///< All four at once; drops the token.
+    void setIdentity(const AccountIdentity& identity); ///< All of them at once; drops the token.
 
-    /// Sends the request, or queues it behind the one on the wire. False, and a log line, where no
-    /// account is signed in and the type needs one; then no `requestDone` follows.
+    /// Sends the request, or queues it behind the one on the wire. False, and a log line, where the
+    /// type needs an account and none is signed in, or the client works offline; then no
+    /// `requestDone` follows.
+    ///
+    /// `needAuthentication` counts for the few types that may go out without an account; every
+    /// other one is authenticated in any case.
     bool clientRequest(const QString& requestType, const Map& inputData,
                        const QMap<QString, QString>& postData, bool automatic,
                        bool needAuthentication);
@@ -74,7 +87,7 @@ public:
     bool checkClientAuthorization(const QString& clientUid, const QString& organizationId);
     bool doZurge(const ZurgeRequest& zurge);
     bool getPendingMessagesFromWebsite();
-    bool resetToken(); ///< Forgets the client token here and at the service.
+    bool resetToken(); ///< Forgets the client token at the service, and then here.
     void invalidateClientToken();
     bool refreshAccountInfo();
     bool testProxy();
@@ -92,6 +105,9 @@ public:
     bool uploadApplicationSettings(const Map& clientSettings);
     bool uploadComputerInfo(const Map& computerInfo);
     bool uploadUsageStats(const Map& windowOpenTimes, const QVariantList& events);
+
+    /// `type`: "keyboard_image", "mouse_image" or "database_file"; any other one is sent as
+    /// "unknown".
     bool uploadFile(const QString& path, const QString& type);
 
 Q_SIGNALS:
@@ -100,8 +116,66 @@ Q_SIGNALS:
     void requestDone(const QString& requestType, int status, const QMap<QString, QVariant>& data,
                      const QString& message);
 
+    /// One request is over, and nobody can say how: it had no answer for a minute, or one with a
+    /// code that says nothing. No `requestDone` follows.
+    void requestDropped(const QString& requestType);
+
     /// The service says that this computer is archived; `work_offline` is set already.
     void computerArchived();
 
     void uploadProgress(qint64 sent, qint64 total);
+
+private:
+    enum class Stage
+    {
+        Idle,
+        SigningIn,  ///< For the current request, which follows.
+        Requesting, ///< The current request is on the wire.
+        Ending,     ///< Its requester is being told; what is asked meanwhile is queued.
+    };
+
+    struct Pending
+    {
+        Request request;
+        QString filePath; ///< Of the file to upload; empty for a form.
+    };
+
+    bool request(const QString& requestType, const Map& inputData = {});
+    bool accept(Pending pending);
+    QString refusal(const QString& requestType) const;
+    void abandonStale();
+    void processNextInQueue();
+    void startCurrent();
+    bool needsSignIn() const;
+    void clientLogin();
+    void clientReLogin();
+    void sendCurrent();
+    void openExchange(Stage stage);
+    void closeExchange();
+
+    void checkHTTPResponse(const Map& answer);
+    void checkHTTPError(const QString& text);
+    void signInAnswered(int status, const Map& data);
+    void takeToken(const QString& token);
+    void conclude(const RequestResult& result, const Map& data);
+    void logOriginalRequest() const;
+    void archive(const RequestResult& result, const Map& data);
+    void end(int status, const Map& data, const QString& message);
+    void endLater(const QString& message);
+    void drop();
+
+    MonotonicClock m_clock;
+    QString m_clientUrl;
+    AccountIdentity m_identity;
+
+    QString m_token; ///< Empty: not signed in.
+    qint64 m_tokenTime = 0;
+    AccountIdentity m_signingIn; ///< For whom the sign-in on the wire is.
+    int m_reLogins = 0;          ///< In a row, without any other answer to a request than 600.
+
+    Stage m_stage = Stage::Idle;
+    tHTTP* m_http = nullptr; ///< A child; null while nothing is on the wire.
+    qint64 m_exchangeBegun = 0;
+    Pending m_current;
+    QList<Pending> m_queue;
 };

@@ -1,14 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QCoreApplication>
 #include <QString>
 #include <QVariant>
 
-/// Writes a tree of `QVariant` as JSON (RFC 8259): the reverse of `JsonReader`. 64-bit numbers stay
-/// exact, strings stay strings; a number that JSON cannot carry (infinite, not a number), a type
-/// that it does not know, and a nesting beyond `JsonReader::DeepestNesting` are errors.
+/// Writes a tree of `QVariant` as JSON (RFC 8259): the reverse of `JsonReader`. The tree's root is
+/// a map or a list; members come out in the order of their names. 64-bit integers stay exact,
+/// strings stay strings. Errors are: a number that the reader would refuse (2^63 and beyond,
+/// infinite, not a number), a type that JSON does not know, and a nesting beyond
+/// `JsonReader::DeepestNesting`.
 class JsonWriter
 {
+    Q_DECLARE_TR_FUNCTIONS(JsonWriter)
+
 public:
     /// False where the tree cannot be written; then `result` is empty.
     bool stringify(const QVariant& tree);

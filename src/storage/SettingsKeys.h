@@ -305,6 +305,10 @@ inline const SettingKey<QDateTime> OnlineLastHeatmapButtons{
 inline const SettingKey<QDateTime> OnlineLastHeatmapButtonsApps{
     QStringLiteral("online_last_heatmap_buttons_apps")};
 
+/// Numbers of the service's messages that the user has dismissed, joined by ",".
+inline const SettingKey<QString> DismissedWebsiteMessages{
+    QStringLiteral("dismissed_website_messages")};
+
 // Without a stored default: the history.
 /// Differs once stored days were changed after the fact; see `HistoryStamp`, which alone uses it.
 inline const SettingKey<QString> HistoryStamp{QStringLiteral("history_stamp")};

@@ -12,11 +12,16 @@
 
 namespace {
 
-QString joined(QStringList names)
+QStringList distinct(QStringList names)
 {
     names.removeAll(QString());
     names.removeDuplicates();
-    return names.join(QStringLiteral(", "));
+    return names;
+}
+
+QString joined(const QStringList& names)
+{
+    return distinct(names).join(QStringLiteral(", "));
 }
 
 /// "Vendor Device", without repeating a vendor that the device's own name begins with.
@@ -66,6 +71,11 @@ QString Hardware::videocards() const
 
 QString Hardware::inputDevices(InputDeviceDescription::Kind kind) const
 {
+    return joined(inputDeviceNames(kind));
+}
+
+QStringList Hardware::inputDeviceNames(InputDeviceDescription::Kind kind) const
+{
     QStringList names;
     for (const auto& device : parseInputDevices(read(QStringLiteral("proc/bus/input/devices")))) {
         if (device.kind != kind) {
@@ -79,7 +89,13 @@ QString Hardware::inputDevices(InputDeviceDescription::Kind kind) const
         }
         names.append(name);
     }
-    return joined(names);
+    return distinct(names);
+}
+
+QString Hardware::platform()
+{
+    return QStringLiteral("Linux %1 %2")
+        .arg(QSysInfo::kernelVersion(), QSysInfo::currentCpuArchitecture());
 }
 
 QString Hardware::model(Vendor vendor) const

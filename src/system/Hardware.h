@@ -5,6 +5,7 @@
 
 #include <QDir>
 #include <QString>
+#include <QStringList>
 
 /// What the machine is made of, read from "/proc", "/sys" and the "hwdata" lists below a root.
 /// Nothing is kept: each answer reads its files. Thread: any one at a time.
@@ -23,8 +24,11 @@ public:
     QString processor() const;
     QString memory() const;     ///< "15.6 GiB".
     QString videocards() const; ///< Several are separated by ", ".
-    QString inputDevices(InputDeviceDescription::Kind kind) const; ///< Likewise, each name once.
+    QString inputDevices(InputDeviceDescription::Kind kind) const;         ///< Likewise.
+    QStringList inputDeviceNames(InputDeviceDescription::Kind kind) const; ///< Each name once.
     QString model(Vendor vendor) const;
+
+    static QString platform(); ///< The kernel and its architecture.
 
     /// Established TCP connections, IPv4 and IPv6.
     int tcpConnections() const;

@@ -220,8 +220,7 @@ QString LinuxSystem::getTrackpadHardware()
 
 QString LinuxSystem::getPlatform()
 {
-    return QStringLiteral("Linux %1 %2")
-        .arg(QSysInfo::kernelVersion(), QSysInfo::currentCpuArchitecture());
+    return Hardware::platform();
 }
 
 QString LinuxSystem::getComputerModel(bool withVendor)
