@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "account/LocalStats.h"
 
-#include "account/BrowserAuthorization.h"
+#include "account/Authorization.h"
+#include "account/ClientCommunication.h"
+#include "account/RequestTypes.h"
 #include "account/UnzurgedTables.h"
 #include "account/Zurge.h"
 #include "account/ZurgeAnswer.h"
+#include "account/ZurgeGenerateTimeSeries.h"
+#include "account/ZurgeService.h"
 #include "base/Log.h"
 #include "storage/Database.h"
 #include "storage/Settings.h"
@@ -273,6 +277,36 @@ void LocalStats::storeIdentitySettings() const
     }
     if (settings.value(SettingsKeys::OnlineUserid) != identity.userId) {
         settings.setValue(SettingsKeys::OnlineUserid, identity.userId);
+    }
+}
+
+void LocalStats::setCommunication(ClientCommunication& communication)
+{
+    const auto signIn = [this, &communication] { communication.setIdentity(m_account.identity); };
+    signIn();
+    connect(this, &LocalStats::signalIdentityChanged, &communication, signIn);
+    connect(&communication, &ClientCommunication::requestDone, this, &LocalStats::takeOutcome);
+    connect(&communication, &ClientCommunication::requestDropped, this,
+            [this](const QString& requestType) {
+                takeOutcome(requestType, 0, {}, tr("The service did not answer."));
+            });
+    const auto send = [&communication](const ClientCommunication::ZurgeRequest& zurge) {
+        return communication.doZurge(zurge);
+    };
+    setZurgeService(
+        {.send = send,
+         .askAccountInfo = [&communication] { return communication.refreshAccountInfo(); },
+         .timeSeries = [] { return ZurgeGenerateTimeSeries().getTimeSeries(); }});
+    connect(&communication, &QObject::destroyed, this, [this] { setZurgeService({}); });
+}
+
+void LocalStats::takeOutcome(const QString& requestType, int status,
+                             const QMap<QString, QVariant>& data, const QString& message)
+{
+    if (requestType == RequestTypes::Zurge) {
+        processZurgeResponse(status, data, message);
+    } else if (requestType == RequestTypes::RefreshAccountInfo) {
+        processAccountInfo(status, data, message);
     }
 }
 

@@ -17,6 +17,7 @@
 #include <memory>
 #include <optional>
 
+class ClientCommunication;
 class UnzurgedTables;
 class Zurge;
 enum class ZurgeStart;
@@ -102,6 +103,10 @@ public:
     void signIn(const Authorization& authorization);
     void signOut(); ///< As `setIdentity` of nobody.
 
+    /// Signs `communication` in as whoever is signed in here, now and later, sends zurges through
+    /// it and hears what becomes of them. It outlives this object, or nothing is sent any more.
+    void setCommunication(ClientCommunication& communication);
+
     /// Says how zurges are sent; before that, none is.
     void setZurgeService(ZurgeService service);
 
@@ -111,7 +116,8 @@ public:
     /// Of a zurge under way: the button that starts one is off.
     bool isZurging() const;
 
-    /// The outcome of a "zurge" request, as `ClientCommunication::requestDone` tells it.
+    /// The outcome of a "zurge" request, as `ClientCommunication::requestDone` tells it. One that
+    /// was dropped has the status 0.
     void processZurgeResponse(int status, const QMap<QString, QVariant>& data,
                               const QString& message);
 
@@ -159,6 +165,8 @@ private:
     void openDatabaseCopy();
     void closeDatabaseCopy();
     void forwardZurgeSignals();
+    void takeOutcome(const QString& requestType, int status, const QMap<QString, QVariant>& data,
+                     const QString& message);
 
     MachineIdSource m_machineId;
     std::unique_ptr<TvwFile> m_file;          ///< Null before `setup`.

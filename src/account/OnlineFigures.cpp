@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "account/OnlineFigures.h"
 
+#include "account/AnswerFields.h"
 #include "storage/Settings.h"
 
 #include <QMetaType>
 
 #include <array>
 #include <cmath>
-#include <utility>
 
 namespace {
 
@@ -77,21 +77,9 @@ namespace OnlineFigures {
 
 std::optional<qint64> wholeNumber(const QVariant& value)
 {
-    switch (value.typeId()) {
-    case QMetaType::Int:
-    case QMetaType::UInt:
-    case QMetaType::LongLong:
-        break;
-    case QMetaType::ULongLong:
-        if (!std::in_range<qint64>(value.toULongLong())) {
-            return std::nullopt;
-        }
-        break;
-    default:
-        return std::nullopt;
-    }
-    const qint64 number = value.toLongLong();
-    return number >= 0 ? std::optional(number) : std::nullopt;
+    const bool isText = value.typeId() == QMetaType::QString;
+    const auto number = isText ? std::nullopt : AnswerFields::wholeNumber(value);
+    return number && *number >= 0 ? number : std::nullopt;
 }
 
 std::optional<OnlineTotals> totalsFrom(const QVariant& object)

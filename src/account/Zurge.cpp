@@ -2,6 +2,7 @@
 #include "account/Zurge.h"
 
 #include "account/LocalStats.h"
+#include "account/ResultCodes.h"
 #include "account/ZurgeAnswer.h"
 #include "account/ZurgeApplications.h"
 #include "base/Log.h"
@@ -15,21 +16,14 @@
 namespace {
 
 constexpr int NoAnswer = 0; ///< As `ClientCommunication::requestDone` has it.
-constexpr int Success = 200;
-constexpr int SuccessReset = 205;
 constexpr int WrongToken = 303;
-constexpr int ServerError = 500;
-
-bool isSuccess(int status)
-{
-    return status == Success || status == SuccessReset;
-}
 
 /// Whether the service has said that it did not take the zurge. A service that fell over in the
 /// middle may have taken it.
 bool isRefusal(int status)
 {
-    return !isSuccess(status) && status != NoAnswer && status != ServerError;
+    return !ResultCodes::isSuccess(status) && status != NoAnswer &&
+           status != ResultCodes::ServerError;
 }
 
 /// The main connection, where it can be written now; null otherwise.
@@ -162,13 +156,14 @@ bool Zurge::isThrottled()
 bool Zurge::askFirst(const Asked& asked)
 {
     Log::info("Asking the service what became of the last zurge before sending another");
-    m_waiting = asked;
+    // Asking may end an earlier question that never was answered, and what waited for it.
     if (!m_service.askAccountInfo()) {
-        m_waiting.reset();
         fail(asked.start, tr("The service could not be asked what became of the last zurge. "
                              "Nothing was sent."));
         return false;
     }
+    m_waiting = asked;
+    setInProgress(true);
     return true;
 }
 
@@ -181,7 +176,7 @@ bool Zurge::send(const Asked& asked)
         setInProgress(false);
         return false;
     }
-    if (m_service.isUnderWay()) {
+    if (m_awaited) {
         Log::info("A zurge of the account that was signed in before is still under way");
         setInProgress(false);
         return false;
@@ -213,17 +208,19 @@ bool Zurge::transmit(const ZurgeInFlight& amounts, const QVariantList& applicati
     request.automatic = m_sentBy == ZurgeStart::Automatic;
     request.applications = applications;
     request.timeSeries = m_service.timeSeries();
-    return m_service.send(request);
+    m_awaited = m_service.send(request);
+    return m_awaited;
 }
 
 void Zurge::takeAnswer(int status, const Map& data, const QString& message)
 {
+    m_awaited = false;
     setInProgress(false);
     if (!m_stats.account().inFlight) {
         Log::warn("Passing over the answer to a zurge that is settled already");
         return;
     }
-    if (!isSuccess(status)) {
+    if (!ResultCodes::isSuccess(status)) {
         refused(status, message);
         return;
     }
@@ -277,13 +274,14 @@ void Zurge::takeAccountInfo(int status, const Map& data, const QString& message)
     if (!m_stats.isLoggedIn()) {
         return;
     }
-    if (isSuccess(status)) {
+    if (ResultCodes::isSuccess(status)) {
         takeAccountInfo(AccountInfo::from(data));
     }
     if (asked) {
-        goOn(*asked, isSuccess(status) ? tr("The service does not say whether it took the last "
-                                            "zurge. Nothing was sent.")
-                                       : message);
+        goOn(*asked, ResultCodes::isSuccess(status)
+                         ? tr("The service does not say whether it took the last "
+                              "zurge. Nothing was sent.")
+                         : message);
     }
 }
 
@@ -294,7 +292,7 @@ void Zurge::goOn(const Asked& asked, const QString& failure)
         setInProgress(true);
         m_buttonTimer.start();
         send(asked);
-    } else if (m_service.isUnderWay()) {
+    } else if (m_awaited) {
         Log::info("The last zurge is still under way; not sending another");
         setInProgress(false);
     } else {
@@ -304,10 +302,10 @@ void Zurge::goOn(const Asked& asked, const QString& failure)
 
 void Zurge::takeAccountInfo(const AccountInfo& info)
 {
-    if (m_service.isUnderWay()) {
+    const std::optional<ZurgeInFlight>& inFlight = m_stats.account().inFlight;
+    if (inFlight && m_awaited) {
         return;
     }
-    const std::optional<ZurgeInFlight>& inFlight = m_stats.account().inFlight;
     if (info.token.isEmpty()) {
         Log::warn("The service's account information comes without a zurge token");
     } else if (!inFlight) {

@@ -42,7 +42,8 @@ enum class ZurgeStart
 ///                        |-- with another token: taken, and taken off -------------> as in Clear
 ///                        |-- without a token, or no answer: told to the user ------> Uncertain
 ///
-/// Account info that arrives while a zurge is still queued or on the wire says nothing about it.
+/// Account info that arrives before the outcome of a zurge says nothing about it: the question may
+/// have gone out first.
 /// After a refusal for a wrong token it is asked for as well, since it brings the right one.
 class Zurge : public QObject
 {
@@ -117,6 +118,7 @@ private:
 
     bool m_inProgress = false;
     ZurgeStart m_sentBy = ZurgeStart::Manual; ///< Who started the one in flight.
+    bool m_awaited = false;                   ///< One was sent, and its outcome is still to come.
     std::optional<Asked> m_waiting;           ///< What goes out once the account info is there.
 
     int m_failures = 0;         ///< Automatic ones in a row.

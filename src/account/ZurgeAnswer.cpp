@@ -1,16 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "account/ZurgeAnswer.h"
 
+#include "account/AnswerFields.h"
+
 #include <QMetaType>
 
 namespace {
 
-/// The text; empty where there is none.
-QString tokenFrom(const QMap<QString, QVariant>& data)
-{
-    const QVariant token = data.value(QStringLiteral("token"));
-    return token.typeId() == QMetaType::QString ? token.toString() : QString();
-}
+const QString TokenField = QStringLiteral("token");
 
 } // namespace
 
@@ -19,7 +16,7 @@ std::optional<ZurgeAnswer> ZurgeAnswer::from(const QMap<QString, QVariant>& data
     const auto totals = OnlineFigures::totalsFrom(data.value(QStringLiteral("new_totals")));
     const auto ranks = OnlineFigures::ranksFrom(data.value(QStringLiteral("new_ranks")));
     const QVariant hasInfo = data.value(QStringLiteral("has_computer_info"), true);
-    ZurgeAnswer answer{tokenFrom(data), {}, {}, hasInfo.toBool()};
+    ZurgeAnswer answer{AnswerFields::text(data.value(TokenField)), {}, {}, hasInfo.toBool()};
     if (answer.token.isEmpty() || !totals || !ranks || hasInfo.typeId() != QMetaType::Bool) {
         return std::nullopt;
     }
@@ -30,6 +27,7 @@ std::optional<ZurgeAnswer> ZurgeAnswer::from(const QMap<QString, QVariant>& data
 
 AccountInfo AccountInfo::from(const QMap<QString, QVariant>& data)
 {
-    return {tokenFrom(data), OnlineFigures::totalsFrom(data.value(QStringLiteral("totals"))),
+    return {AnswerFields::text(data.value(TokenField)),
+            OnlineFigures::totalsFrom(data.value(QStringLiteral("totals"))),
             OnlineFigures::ranksFrom(data.value(QStringLiteral("ranks")))};
 }

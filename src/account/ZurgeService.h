@@ -9,15 +9,13 @@
 /// refuses, or has nothing.
 struct ZurgeService
 {
-    /// Sends a "zurge" request, or queues it. False: refused, and no answer follows.
+    /// Sends a "zurge" request, or queues it. False: refused. Otherwise
+    /// `LocalStats::processZurgeResponse` follows, and not before this returns.
     std::function<bool(const ClientCommunication::ZurgeRequest& zurge)> send =
         [](const ClientCommunication::ZurgeRequest&) { return false; };
 
-    /// Sends a "refresh_account_info" request, or queues it. False as above.
+    /// As above, "refresh_account_info", and `LocalStats::processAccountInfo`.
     std::function<bool()> askAccountInfo = [] { return false; };
-
-    /// Whether a "zurge" request waits in the queue, or for its answer.
-    std::function<bool()> isUnderWay = [] { return false; };
 
     /// Builds the hourly series that goes with a zurge.
     std::function<ClientCommunication::Map()> timeSeries = [] {

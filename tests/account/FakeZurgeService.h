@@ -37,7 +37,6 @@ public:
                         ++asked;
                         return accepts;
                     },
-                .isUnderWay = [this] { return underWay; },
                 .timeSeries = [] { return Map(); }};
     }
 
@@ -81,7 +80,6 @@ public:
     QList<ClientCommunication::ZurgeRequest> requests;
     int asked = 0;
     bool accepts = true;
-    bool underWay = false;
     bool hasComputerInfo = true;
 
 private:

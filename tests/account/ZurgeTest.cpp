@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "FakeZurgeService.h"
-#include "account/BrowserAuthorization.h"
+#include "account/Authorization.h"
 #include "support/LogCapture.h"
 #include "support/TestDatabase.h"
 #include "support/TestFiles.h"
@@ -146,6 +146,7 @@ private Q_SLOTS:
     void resetsTheButton();
     void forgetsTheAccount();
     void takesAnAuthorization();
+    void hearsOfItsRequests();
     void survivesBeingKilledAtEveryStep();
     void survivesAFailingFile_data();
     void survivesAFailingFile();
@@ -505,12 +506,10 @@ void ZurgeTest::passesOverNewsOfAZurgeUnderWay()
     run.signIn();
     run.count(10);
     QVERIFY(run.zurge());
-    run.service.underWay = true;
     run.stats.processAccountInfo(200, run.service.accountInfo(), {});
     QVERIFY(run.hasInFlight());
 
     run.service.take();
-    run.service.underWay = false;
     run.answer();
     QCOMPARE(run.keys(), 0U);
     run.answerInfo();
@@ -579,6 +578,7 @@ void ZurgeTest::takesAnAuthorization()
     run.count(10);
     QVERIFY(run.zurge());
     run.service.take();
+    run.answer(0);
     // Linked once more: the same computer, of which the service tells another token.
     Authorization authorization;
     authorization.identity = somebody();
@@ -591,6 +591,29 @@ void ZurgeTest::takesAnAuthorization()
     QCOMPARE(Settings::instance().value(SettingsKeys::OnlineTotalClicks), 2);
     QCOMPARE(Settings::instance().value(SettingsKeys::OnlineEmail),
              QStringLiteral("a@example.org"));
+}
+
+void ZurgeTest::hearsOfItsRequests()
+{
+    Run run(directory(), m_ledger);
+    run.signIn();
+    run.count(10);
+    ClientCommunication communication;
+    communication.setClientURL(QStringLiteral("http://127.0.0.1:1/nobody-listens"));
+    run.stats.setCommunication(communication);
+    QVERIFY(run.zurge());
+    QVERIFY(run.hasInFlight());
+    QVERIFY(run.boxes.isEmpty());
+    QTRY_COMPARE(run.boxes.join(QLatin1Char('|')), QStringLiteral("Error while zurging!"));
+    QVERIFY(run.hasInFlight());
+
+    // The next one asks first; a question that is dropped ends it.
+    QVERIFY(run.zurge());
+    Q_EMIT communication.requestDropped(QStringLiteral("refresh_account_info"));
+    QCOMPARE(run.texts.constLast(), QStringLiteral("The service did not answer."));
+    QVERIFY(!run.stats.isZurging());
+    run.stats.signOut();
+    QVERIFY(!communication.refreshAccountInfo());
 }
 
 namespace {
@@ -643,9 +666,7 @@ void countAndZurge(const QString& directory, Aftermath& aftermath, Steps& steps)
         run.service.take();
         steps.step();
         run.stats.resetZurgeButton();
-        if (answered) {
-            run.answer();
-        }
+        run.answer(answered ? 200 : 0);
         steps.step();
         run.stats.writeDatabaseCopy();
     }

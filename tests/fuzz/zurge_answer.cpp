@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What the service tells of zurges and totals, as any JSON object.
 #include "account/EarlierTotals.h"
+#include "account/JsonReader.h"
 #include "account/ZurgeAnswer.h"
-
-#include <QJsonDocument>
 
 #include <cmath>
 #include <cstddef>
@@ -15,7 +14,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     const QByteArray bytes(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
-    const QVariantMap object = QJsonDocument::fromJson(bytes).toVariant().toMap();
+    JsonReader reader;
+    if (!reader.parse(bytes)) {
+        return 0;
+    }
+    const QVariantMap object = reader.result().toMap();
     EarlierTotals::from(object);
     AccountInfo::from(object);
     if (const auto answer = ZurgeAnswer::from(object)) {
