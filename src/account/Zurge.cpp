@@ -310,9 +310,11 @@ void Zurge::takeAccountInfo(const AccountInfo& info)
         Log::warn("The service's account information comes without a zurge token");
     } else if (!inFlight) {
         m_stats.setZurgeToken(info.token);
-    } else if (info.token == inFlight->token) {
+    } else if (info.token == inFlight->token || inFlight->token.isEmpty()) {
+        // Without a token, it was none that the service takes.
         Log::info("The service has not taken the last zurge; its counts go with the next one");
         m_stats.forgetInFlight();
+        m_stats.setZurgeToken(info.token);
     } else {
         Log::info("The service has taken the last zurge");
         m_stats.settleInFlight(info.token);

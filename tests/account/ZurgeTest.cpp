@@ -142,6 +142,7 @@ private Q_SLOTS:
     void findsOutWhatBecameOfAZurge_data();
     void findsOutWhatBecameOfAZurge();
     void learnsTheRightToken();
+    void asksForATokenItNeverHad();
     void passesOverNewsOfAZurgeUnderWay();
     void resetsTheButton();
     void forgetsTheAccount();
@@ -495,6 +496,22 @@ void ZurgeTest::learnsTheRightToken()
     QCOMPARE(run.service.requests.size(), 1);
     QVERIFY(run.zurge());
     run.service.take();
+    run.answer();
+    QCOMPARE(m_ledger.keys, 10U);
+    QCOMPARE(run.keys(), 0U);
+}
+
+void ZurgeTest::asksForATokenItNeverHad()
+{
+    Run run(directory(), m_ledger);
+    run.stats.setIdentity(somebody());
+    run.count(10);
+    QVERIFY(run.zurge());
+    run.answer(0);
+    QVERIFY(run.zurge());
+    run.answerInfo();
+    QCOMPARE(run.service.requests.size(), 2);
+    QVERIFY(run.service.take());
     run.answer();
     QCOMPARE(m_ledger.keys, 10U);
     QCOMPARE(run.keys(), 0U);
