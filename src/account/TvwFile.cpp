@@ -2,7 +2,6 @@
 #include "account/TvwFile.h"
 
 #include "account/Aes.h"
-#include "account/TvwFormat.h"
 #include "base/Log.h"
 #include "storage/DatabaseFiles.h"
 
@@ -51,7 +50,7 @@ TvwFile::TvwFile(const QString& directory, MachineIdSource machineId)
 {
 }
 
-std::optional<UnzurgedState> TvwFile::load()
+std::optional<TvwContent> TvwFile::load()
 {
     m_replaceable = !exists();
     if (m_replaceable) {
@@ -74,7 +73,7 @@ std::optional<UnzurgedState> TvwFile::load()
     }
     m_replaceable = true;
     m_salt = decoded.salt;
-    return std::move(decoded.state);
+    return std::move(decoded.content);
 }
 
 std::optional<QByteArray> TvwFile::read()
@@ -105,7 +104,8 @@ void TvwFile::moveAside(const QString& reason)
     m_replaceable = QFile::rename(m_path, aside);
     if (m_replaceable) {
         Log::warn(
-            "Unable to use {}: {}. It was moved to {}, and the counts come from the database.",
+            "Unable to use {}: {}. It was moved to {}, the counts come from the database, and an "
+            "account has to be linked again.",
             m_path, reason, aside);
     } else {
         Log::warn(
@@ -115,7 +115,7 @@ void TvwFile::moveAside(const QString& reason)
     }
 }
 
-bool TvwFile::save(const UnzurgedState& state)
+bool TvwFile::save(const TvwContent& content)
 {
     if (!m_replaceable) {
         Log::warn("Not saving over {}, which could not be used", m_path);
@@ -124,15 +124,18 @@ bool TvwFile::save(const UnzurgedState& state)
     if (m_salt.isEmpty()) {
         m_salt = Aes::randomBytes(Tvw::SaltSize).value_or(QByteArray());
     }
-    const auto bytes = m_salt.isEmpty() ? std::nullopt : Tvw::encode(state, m_salt, m_machineId());
+    const auto bytes =
+        m_salt.isEmpty() ? std::nullopt : Tvw::encode(content, m_salt, m_machineId());
     if (!bytes) {
         Log::error("Unable to encrypt {}", m_path);
         return false;
     }
     QSaveFile file(m_path);
+    // Flushed by hand: Qt 6.4 commits although its own flush at the end failed, and so puts
+    // a cut file in place where the disk is full.
     if (!file.open(QIODevice::WriteOnly) ||
         !file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner) ||
-        file.write(*bytes) != bytes->size() || !file.commit()) {
+        file.write(*bytes) != bytes->size() || !file.flush() || !file.commit()) {
         Log::error("Unable to write {}: {}", m_path, file.errorString());
         return false;
     }

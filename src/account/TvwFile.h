@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "account/UnzurgedCounts.h"
+#include "account/TvwFormat.h"
 
 #include <QByteArray>
 #include <QString>
@@ -29,11 +29,11 @@ public:
     explicit TvwFile(const QString& directory, MachineIdSource machineId = systemMachineId);
 
     /// What the file holds; nothing where there is no file, or none that could be used.
-    std::optional<UnzurgedState> load();
+    std::optional<TvwContent> load();
 
     /// Writes the file, readable by this user alone, so that at any instant the old or the new one
     /// is there whole. False, and a log line, where it could not; always false before `load`.
-    bool save(const UnzurgedState& state);
+    bool save(const TvwContent& content);
 
     bool exists() const;
 

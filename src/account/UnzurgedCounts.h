@@ -36,18 +36,22 @@ struct UnzurgedCounter
 {
     QLatin1String name;
     quint64 UnzurgedCounts::*value = nullptr;
-    quint64 perTableUnit = 1; ///< How many of the counter's units make one of the tables' units.
+    quint64 perTableUnit = 1;   ///< How many of the counter's units make one of the tables' units.
+    quint64 perServiceUnit = 1; ///< As above, of the account service's units.
 };
+
+inline constexpr quint64 BytesPerMiB = 1'048'576;
+inline constexpr quint64 MsecsPerSecond = 1'000;
 
 /// Every counter once: what reads or writes them all goes through this table.
 inline constexpr std::array<UnzurgedCounter, 7> UnzurgedCounters{{
-    {QLatin1String("keys"), &UnzurgedCounts::keys, 1},
-    {QLatin1String("clicks"), &UnzurgedCounts::clicks, 1},
-    {QLatin1String("download"), &UnzurgedCounts::download, 1},
-    {QLatin1String("upload"), &UnzurgedCounts::upload, 1},
-    {QLatin1String("uptime"), &UnzurgedCounts::uptime, 1000},
-    {QLatin1String("scrolls"), &UnzurgedCounts::scrolls, 1},
-    {QLatin1String("distance_inches"), &UnzurgedCounts::distanceInches, 1},
+    {QLatin1String("keys"), &UnzurgedCounts::keys, 1, 1},
+    {QLatin1String("clicks"), &UnzurgedCounts::clicks, 1, 1},
+    {QLatin1String("download"), &UnzurgedCounts::download, 1, BytesPerMiB},
+    {QLatin1String("upload"), &UnzurgedCounts::upload, 1, BytesPerMiB},
+    {QLatin1String("uptime"), &UnzurgedCounts::uptime, MsecsPerSecond, MsecsPerSecond},
+    {QLatin1String("scrolls"), &UnzurgedCounts::scrolls, 1, 1},
+    {QLatin1String("distance_inches"), &UnzurgedCounts::distanceInches, 1, 1},
 }};
 
 /// What is kept between two runs. Plain value.
@@ -58,6 +62,14 @@ struct UnzurgedState
     quint64 generation = 0;
     UnzurgedCounts totals;
     QHash<QString, UnzurgedCounts> applications; ///< By executable path.
+
+    /// A random text, the same for as long as these counts are carried on: the generations of two
+    /// stored states compare only where their lineages are the same. Empty: written by a client
+    /// that gave none.
+    QString lineage = {};
+
+    /// How many zurges were taken off these counts.
+    quint64 settled = 0;
 
     friend bool operator==(const UnzurgedState&, const UnzurgedState&) = default;
 };

@@ -11,6 +11,8 @@
 namespace {
 
 const QString GenerationName = QStringLiteral("generation");
+const QString LineageName = QStringLiteral("lineage");
+const QString SettledName = QStringLiteral("settled");
 
 /// The count nearest to a stored value of any type; nothing where it is no number. SQLite keeps
 /// what does not fit 64 bits as a real number, and in a text column as that number's text.
@@ -66,7 +68,17 @@ UnzurgedTables::UnzurgedTables(Database* database)
 
 UnzurgedState UnzurgedTables::load()
 {
-    return {generation().value_or(0), loadTotals(), loadApplications()};
+    return {generation().value_or(0), loadTotals(), loadApplications(), loadText(LineageName),
+            nearestCount(loadText(SettledName)).value_or(0)};
+}
+
+QString UnzurgedTables::loadText(const QString& name)
+{
+    m_selectTotal.bindValue(0, name);
+    const bool found = m_selectTotal.exec() && m_selectTotal.next();
+    const QString text = found ? m_selectTotal.value(0).toString() : QString();
+    m_selectTotal.finish();
+    return text;
 }
 
 std::optional<quint64> UnzurgedTables::generation()
@@ -130,15 +142,17 @@ bool UnzurgedTables::writeTotals(const UnzurgedState& state)
 {
     const bool ok = std::ranges::all_of(UnzurgedCounters, [&](const UnzurgedCounter& counter) {
         return writeValue(QString(counter.name),
-                          state.totals.*counter.value / counter.perTableUnit);
+                          QString::number(state.totals.*counter.value / counter.perTableUnit));
     });
     // Last: a generation that is there vouches for all that was written with it.
-    return ok && writeValue(GenerationName, state.generation);
+    return ok && writeValue(LineageName, state.lineage) &&
+           writeValue(SettledName, QString::number(state.settled)) &&
+           writeValue(GenerationName, QString::number(state.generation));
 }
 
-bool UnzurgedTables::writeValue(const QString& name, quint64 value)
+bool UnzurgedTables::writeValue(const QString& name, const QString& value)
 {
-    m_replaceTotal.bindValue(0, QString::number(value));
+    m_replaceTotal.bindValue(0, value);
     m_replaceTotal.bindValue(1, name);
     return m_replaceTotal.exec();
 }

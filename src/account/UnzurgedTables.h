@@ -11,8 +11,8 @@
 class Database;
 
 /// The plain copy of the unzurged counts in the tables `unzurged_stats` (one row per counter, and
-/// one named "generation") and `pending_applications_stats` (one row per application). Uptime
-/// stands there in whole seconds. Thread: main.
+/// others named "generation", "lineage" and "settled") and `pending_applications_stats` (one row
+/// per application). Uptime stands there in whole seconds. Thread: main.
 ///
 /// Neither begins nor ends a transaction: the caller does, and the copy is whole only if it is
 /// written inside one.
@@ -40,7 +40,8 @@ private:
     UnzurgedCounts loadTotals();
     QHash<QString, UnzurgedCounts> loadApplications();
     bool writeTotals(const UnzurgedState& state);
-    bool writeValue(const QString& name, quint64 value);
+    QString loadText(const QString& name);
+    bool writeValue(const QString& name, const QString& value);
     bool writeApplication(const QString& path, const UnzurgedCounts& counts);
 
     DSqlQuery m_selectTotal;

@@ -7,7 +7,7 @@
 #include <QHash>
 #include <QString>
 
-/// The counts asked for by who starts a zurge; 0 stands for all there are.
+/// The counts asked for by who starts a zurge, in the service's units; 0 stands for all there are.
 struct ZurgeWish
 {
     quint64 keys = 0;
@@ -33,8 +33,9 @@ struct ZurgeInFlight
 
 namespace ZurgeAmounts {
 
-/// What to send: for each counter the wished value, or the stored one where the wish is 0 or less
-/// than half of what is stored; never more than is stored.
+/// What to send: for each counter the wished value, or the stored one where the wish is 0 or the
+/// stored value is more than twice the wish. A wish is not cut to what is stored: who asks for an
+/// amount must know that it was counted.
 UnzurgedCounts choose(const ZurgeWish& wish, const UnzurgedCounts& stored);
 
 /// The part that the service's units can tell: whole MiB, whole seconds.
@@ -42,5 +43,9 @@ UnzurgedCounts wholeUnits(const UnzurgedCounts& counts);
 
 /// Takes `sent` away, and stops at zero.
 UnzurgedCounts subtract(const UnzurgedCounts& counts, const UnzurgedCounts& sent);
+
+/// "keys 10, clicks 2, ...", in the counters' own units, for the log. Counters at zero are left
+/// out.
+QString describe(const UnzurgedCounts& counts);
 
 } // namespace ZurgeAmounts

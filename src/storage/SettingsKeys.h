@@ -133,7 +133,7 @@ inline const SettingKey<bool> AutoZurgeUploadEnabled{QStringLiteral("auto_zurge_
                                                      false};
 /// MiB.
 inline const SettingKey<int> AutoZurgeUploadUnit{QStringLiteral("auto_zurge_upload_unit"), 10240};
-/// Hour of the clock rule, 0 to 23.
+/// Hour of the day of the clock rule, 0 to 23; 24: every hour.
 inline const SettingKey<int> AutoZurgeTimeHour{QStringLiteral("auto_zurge_time_hour"), 11};
 /// After a number of hours of uptime.
 inline const SettingKey<bool> AutoZurgeUptimeEnabled{QStringLiteral("auto_zurge_uptime_enabled"),
@@ -187,13 +187,13 @@ inline const SettingKey<QString> MouseDistanceSystem{QStringLiteral("mouse_dista
 /// Ten seconds after the start.
 inline const SettingKey<bool> AutoZurgeOnStartupEnabled{
     QStringLiteral("auto_zurge_on_startup_enabled"), false};
-/// At an hour of the day.
+/// By the clock.
 inline const SettingKey<bool> AutoZurgeTimeEnabled{QStringLiteral("auto_zurge_time_enabled"),
                                                    false};
-/// Hour at which the clock rule zurges, 0 to 23.
+/// Weekday of the clock rule, 1 (Monday) to 7; 0: every day. The key is named so in every database.
 inline const SettingKey<int> AutoZurgeDayHour{QStringLiteral("auto_zurge_day_hour"), 0};
-/// When the clock rule last zurged.
-inline const SettingKey<QDateTime> AutoZurgeDidDate{QStringLiteral("auto_zurge_did_date")};
+/// The clock rule has zurged in its hour; cleared once that is over.
+inline const SettingKey<bool> AutoZurgeDidDate{QStringLiteral("auto_zurge_did_date"), false};
 
 // Without a stored default: state of the program.
 /// The version that ran last.

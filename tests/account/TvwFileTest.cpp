@@ -14,9 +14,13 @@
 
 namespace {
 
-UnzurgedState sample(quint64 keys)
+TvwContent sample(quint64 keys)
 {
-    return {keys, {.keys = keys}, {{QStringLiteral("/usr/bin/editor"), {.keys = keys}}}};
+    const QString editor = QStringLiteral("/usr/bin/editor");
+    return {.counts = {.generation = keys,
+                       .totals = {.keys = keys},
+                       .applications = {{editor, {.keys = keys}}}},
+            .account = {}};
 }
 
 QByteArray machine()

@@ -13,9 +13,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     const QByteArray bytes(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
     Tvw::decode(bytes, QByteArrayLiteral("0123456789abcdef"));
-    if (const auto state = Tvw::decodePayload(bytes)) {
+    if (const auto content = Tvw::decodePayload(bytes)) {
         // Whatever is accepted can be written, and reads the same again.
-        if (Tvw::decodePayload(Tvw::encodePayload(*state)) != state) {
+        if (Tvw::decodePayload(Tvw::encodePayload(*content)) != content) {
             std::abort();
         }
     }
