@@ -31,6 +31,7 @@ public:
     };
 
     static inline const QString Name = QStringLiteral("tallyvane.db");
+    static inline const QString ArchiveName = QStringLiteral("tallyvane.db.zip");
     static inline const QString RestoreName = QStringLiteral("tallyvane-restore.db");
 
     DatabaseFiles() = default;
