@@ -111,7 +111,7 @@ void DatabaseBackupUtility::cancelBackup()
 {
     m_abandoned = true;
     if (m_stage == Stage::WaitingForAddress) {
-        failPreparing(tr("The backup was cancelled."));
+        failPreparing({});
     } else if (m_stage == Stage::Uploading) {
         m_reply->abort();
     }
@@ -281,6 +281,7 @@ void DatabaseBackupUtility::zipped(const FileWork& work)
         Log::error("Online backup: failed to create zip from database!");
         Log::error("{}", work.reason);
     }
+    QFile::remove(pathOf(DatabaseFiles::ArchiveName));
     failPreparing(work.reason);
 }
 
@@ -336,10 +337,7 @@ void DatabaseBackupUtility::uploadFinished(QNetworkReply* reply)
                    status);
         Q_EMIT signalUpdateStatus(tr("The backup was not uploaded: %1").arg(reply->errorString()));
     }
-    m_archive.close();
-    m_manager->deleteLater();
-    m_manager = nullptr;
-    m_reply = nullptr;
+    dropUpload();
     m_stage = Stage::Removing;
     // A file of hundreds of megabytes takes its time to go.
     const QString archive = pathOf(DatabaseFiles::ArchiveName);
@@ -349,6 +347,13 @@ void DatabaseBackupUtility::uploadFinished(QNetworkReply* reply)
             return successful ? FileWork::done() : FileWork::failed({});
         },
         &DatabaseBackupUtility::removed);
+}
+
+void DatabaseBackupUtility::dropUpload()
+{
+    m_archive.close();
+    std::exchange(m_manager, nullptr)->deleteLater();
+    m_reply = nullptr;
 }
 
 void DatabaseBackupUtility::removed(const FileWork& work)
@@ -367,7 +372,8 @@ void DatabaseBackupUtility::failPreparing(const QString& message)
     m_addressTimer.stop();
     m_automaticPause.setRemainingTime(AutomaticPause);
     const QString text = m_abandoned ? tr("The backup was cancelled.") : message;
-    Log::error("The online backup ended early: {}", text);
+    Log::log(m_abandoned ? Log::Level::Info : Log::Level::Error,
+             "The online backup ended early: {}", text);
     m_stage = Stage::Idle;
     Q_EMIT signalErrorWhilePreparing(text);
 }
@@ -382,11 +388,10 @@ void DatabaseBackupUtility::abandon()
         threadEnded();
     }
     if (m_stage == Stage::Uploading) {
-        m_reply->disconnect(this);
         m_manager->disconnect(this);
-        delete std::exchange(m_manager, nullptr);
-        m_reply = nullptr;
-        m_archive.close();
+        m_reply->disconnect(this);
+        m_reply->abort();
+        dropUpload();
         m_archive.remove();
         m_stage = Stage::Idle;
         Q_EMIT signalBackupFinished(false);
@@ -412,7 +417,12 @@ void DatabaseBackupUtility::threadEnded()
     }
     m_thread->wait();
     m_thread.reset();
-    (this->*m_next)(std::exchange(m_work, {}));
+    FileWork work = std::exchange(m_work, {});
+    // Whatever was done by the time it heard of that.
+    if (m_abandoned && m_stage != Stage::Removing) {
+        work = FileWork::abandoned();
+    }
+    (this->*m_next)(work);
 }
 
 /// On the thread.

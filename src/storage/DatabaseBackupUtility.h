@@ -122,6 +122,7 @@ private:
     void uploadProgress(qint64 sent, qint64 total);
     void uploadFinished(QNetworkReply* reply);
     void sslErrors(QNetworkReply* reply, const QList<QSslError>& errors);
+    void dropUpload();
     void removed(const FileWork& work);
     void failPreparing(const QString& message);
     void abandon();

@@ -147,6 +147,7 @@ void DatabaseBackupUtilityTest::uploadsAConsistentCopyWhileKeysFlow()
     });
     keys.start(1);
     client.backup.startBackup();
+    QVERIFY(test.database()->isLent());
     QVERIFY(client.finished.wait(60'000));
     keys.stop();
     QCOMPARE(client.finished.last().at(0).toBool(), true);
@@ -183,8 +184,9 @@ void DatabaseBackupUtilityTest::tellsItsSteps()
     QSignalSpy status(&client.backup, &DatabaseBackupUtility::signalUpdateStatus);
     QSignalSpy sent(&client.backup, &DatabaseBackupUtility::signalUploadProgress);
     const LogCapture log;
+    connect(&client.backup, &DatabaseBackupUtility::signalNeedCountingPaused, &client.backup,
+            &DatabaseBackupUtility::startBackup);
     client.backup.backgroundDatabaseBackup(DatabaseBackupUtility::Trigger::WhenDue);
-    client.backup.startBackup();
     QVERIFY(client.finished.wait(60'000));
     const QString file = client.test.database()->getDatabaseFileName();
     qsizetype from = 0;
