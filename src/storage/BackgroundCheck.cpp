@@ -3,30 +3,15 @@
 
 #include "storage/DSqlQuery.h"
 #include "storage/ReadingConnection.h"
+#include "storage/ThreadPriority.h"
 
 #include <QThread>
-
-#include <linux/ioprio.h>
-#include <sys/resource.h>
-#include <sys/syscall.h>
-#include <unistd.h>
 
 namespace {
 
 /// Within the seconds that a check takes, few changes move pages of the file: three checks in a row
 /// hardly ever meet one.
 constexpr int MostAttempts = 3;
-
-/// Lets everyone else have the processor and the disk first: a client that starts with the session
-/// is not alone. Both calls concern the calling thread only, see setpriority(2) and ioprio_set(2);
-/// where one is refused, the check is merely less polite.
-void stepBack()
-{
-    // Not the lowest priority: a busy machine shall not put the check off for ever.
-    constexpr int niceness = 5;
-    (void)::setpriority(PRIO_PROCESS, 0, niceness);
-    (void)::syscall(SYS_ioprio_set, IOPRIO_WHO_PROCESS, 0, IOPRIO_PRIO_VALUE(IOPRIO_CLASS_IDLE, 0));
-}
 
 } // namespace
 
@@ -61,7 +46,8 @@ void BackgroundCheck::start()
 
 void BackgroundCheck::check()
 {
-    stepBack();
+    // A client that starts with the session is not alone.
+    ThreadPriority::stepBack();
     for (int attempt = 0; attempt < MostAttempts; ++attempt) {
         // A new connection each time, since it keeps what it has read.
         const ReadingConnection connection(m_databaseFile, ReadingConnection::Locking::None);

@@ -17,8 +17,6 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <utility>
-#include <vector>
 
 namespace {
 
@@ -82,6 +80,24 @@ const std::array<QString, 3>& companionSuffixes()
     static const std::array suffixes{QStringLiteral("-journal"), QStringLiteral("-wal"),
                                      QStringLiteral("-shm")};
     return suffixes;
+}
+
+/// What SQLite kept beside the database `from` is from now on beside `to`.
+void moveCompanions(const QString& from, const QString& to)
+{
+    for (const QString& suffix : companionSuffixes()) {
+        rename(from + suffix, to + suffix);
+    }
+}
+
+/// Whether both names lead to one file.
+bool areOneFile(const QString& one, const QString& other)
+{
+    struct stat first = {};
+    struct stat second = {};
+    return ::stat(QFile::encodeName(one).constData(), &first) == 0 &&
+           ::stat(QFile::encodeName(other).constData(), &second) == 0 &&
+           first.st_dev == second.st_dev && first.st_ino == second.st_ino;
 }
 
 } // namespace
@@ -283,21 +299,65 @@ void DatabaseFiles::unmarkDamaged() const
     QFile::remove(damageMarkName());
 }
 
+QString DatabaseFiles::replacedFileName() const
+{
+    return directory() + QLatin1Char('/') + ReplacedName;
+}
+
+/// Gives the database a second name. The journal goes with it: left by a crash, SQLite would roll
+/// it back into whatever file bears its name.
+bool DatabaseFiles::keepReplaced() const
+{
+    const QString kept = replacedFileName();
+    if (areOneFile(m_fileName, kept)) {
+        moveCompanions(m_fileName, kept); // The end of an attempt that was cut short.
+        return true;
+    }
+    if (QFileInfo::exists(kept)) {
+        const QString older = datedName(kept);
+        if (!rename(kept, older)) {
+            return false;
+        }
+        moveCompanions(kept, older);
+    }
+    if (!linkOrMove(m_fileName, kept)) {
+        return false;
+    }
+    moveCompanions(m_fileName, kept);
+    return true;
+}
+
+void DatabaseFiles::takeBackReplaced() const
+{
+    const QString kept = replacedFileName();
+    moveCompanions(kept, m_fileName);
+    if (areOneFile(m_fileName, kept)) {
+        QFile::remove(kept);
+    } else {
+        rename(kept, m_fileName);
+    }
+}
+
 bool DatabaseFiles::replaceBy(const QString& file) const
 {
-    // A journal left by a crash belongs to the old file; SQLite would roll it back into the new
-    // one.
-    std::vector<std::pair<QString, QString>> movedAside;
-    for (const QString& suffix : companionSuffixes()) {
-        const QString companion = m_fileName + suffix;
-        const QString aside = m_fileName + QStringLiteral(".replaced") + suffix;
-        if (rename(companion, aside)) {
-            movedAside.emplace_back(companion, aside);
+    switch (kind()) {
+    case Kind::Other:
+        errno = EISDIR;
+        return false;
+    case Kind::Missing:
+        for (const QString& suffix : companionSuffixes()) {
+            QFile::remove(m_fileName + suffix);
         }
+        return replace(file, m_fileName);
+    default:
+        break;
+    }
+    if (!keepReplaced()) {
+        return false;
     }
     const bool replaced = replace(file, m_fileName);
-    for (const auto& [companion, aside] : movedAside) {
-        replaced ? QFile::remove(aside) : rename(aside, companion);
+    if (!replaced) {
+        takeBackReplaced();
     }
     return replaced;
 }

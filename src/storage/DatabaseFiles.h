@@ -31,7 +31,10 @@ public:
     };
 
     static inline const QString Name = QStringLiteral("tallyvane.db");
+    static inline const QString ArchiveName = QStringLiteral("tallyvane.db.zip");
     static inline const QString RestoreName = QStringLiteral("tallyvane-restore.db");
+    static inline const QString RestoreArchiveName = QStringLiteral("tallyvane-restore.db.zip");
+    static inline const QString ReplacedName = QStringLiteral("tallyvane-before-restore.db");
 
     DatabaseFiles() = default;
     explicit DatabaseFiles(const QString& fileName);
@@ -84,8 +87,9 @@ public:
     bool markDamaged() const; ///< False where the mark could not be made.
     void unmarkDamaged() const;
 
-    /// Puts `file`, on the same file system, in the place of the database. On failure nothing has
-    /// changed (false).
+    /// Puts `file`, on the same file system, in the place of the database, which is kept beside it
+    /// as `ReplacedName`, together with its journal. One kept before moves on to a dated name. On
+    /// failure the database is what it was (false).
     bool replaceBy(const QString& file) const;
 
     /// Puts an empty file, mode 0600, in the place of the database. True if it did.
@@ -93,6 +97,9 @@ public:
 
 private:
     QString damageMarkName() const;
+    QString replacedFileName() const;
+    bool keepReplaced() const;
+    void takeBackReplaced() const;
 
     QString m_fileName;
 };

@@ -17,9 +17,16 @@ bool applyPendingRestore(const QString& dataDirectory)
     if (!QFileInfo(restored).isFile()) {
         return false;
     }
+    const DatabaseFiles files(dataDirectory + QLatin1Char('/') + DatabaseFiles::Name);
+    // Checked when it was staged; whoever put another file there, or an older client, gets no
+    // further than this.
+    const std::optional<int> version = DatabaseFiles(restored).storedVersion();
+    if (!version || *version > Database::SchemaVersion) {
+        Log::warn("Unable to rename restored database: {} to: {}", restored, files.fileName());
+        return false;
+    }
     // Before it takes its place. A file that cannot be written to is found out when it is opened.
     HistoryStamp::renewFile(restored);
-    const DatabaseFiles files(dataDirectory + QLatin1Char('/') + DatabaseFiles::Name);
     if (!files.replaceBy(restored)) {
         Log::warn("Unable to rename restored database: {} to: {}", restored, files.fileName());
         return false;

@@ -9,8 +9,8 @@ class Database;
 namespace StartupRepair {
 
 /// Puts a database that waits in `dataDirectory` as "tallyvane-restore.db" in the place of
-/// "tallyvane.db". Before the database is opened. Returns true if one was put in place; where that
-/// fails, the old database stays.
+/// "tallyvane.db", which is kept as "tallyvane-before-restore.db". Before the database is opened.
+/// Returns true if one was put in place; where that fails, the old database stays.
 bool applyPendingRestore(const QString& dataDirectory);
 
 /// Removes the negative distances that older versions could store.

@@ -10,6 +10,8 @@
 
 #include <QTest>
 
+#include <unistd.h>
+
 /// What is done to the database beside counting: pruning, and what a start puts right.
 class UpkeepTest : public QObject
 {
@@ -21,6 +23,8 @@ private Q_SLOTS:
     void appliesAPendingRestore_data();
     void appliesAPendingRestore();
     void staysWithTheOldDatabaseWhereRenamingFails();
+    void keepsWhatARestoreReplaces();
+    void takesNoNewerDatabase();
     void removesNegativeDistances();
 };
 
@@ -81,7 +85,11 @@ void UpkeepTest::appliesAPendingRestore()
     QVERIFY(StartupRepair::applyPendingRestore(directory.path()));
     QVERIFY(log.contains(QStringLiteral("info Successfully renamed restored database: %1 to: %2")
                              .arg(restore, file)));
-    QCOMPARE(QDir(directory.path()).entryList(QDir::Files), QStringList(DatabaseFiles::Name));
+    const QString kept = DatabaseFiles::ReplacedName;
+    QCOMPARE(QDir(directory.path()).entryList(QDir::Files),
+             hasDatabase
+                 ? QStringList({kept, kept + QStringLiteral("-journal"), DatabaseFiles::Name})
+                 : QStringList(DatabaseFiles::Name));
     TestPrompts prompts;
     const Database database(directory.path(), prompts);
     QVERIFY(HistoryStamp::read(database.connection()).has_value());
@@ -105,6 +113,54 @@ void UpkeepTest::staysWithTheOldDatabaseWhereRenamingFails()
     QVERIFY(QFileInfo(file + QStringLiteral("/inside")).isDir());
     QVERIFY(QFile::exists(journal));
     QVERIFY(QFile::exists(directory.filePath(DatabaseFiles::RestoreName)));
+}
+
+void UpkeepTest::keepsWhatARestoreReplaces()
+{
+    const QTemporaryDir directory(fastTemporaryDirectory());
+    const QString file = directory.filePath(DatabaseFiles::Name);
+    const QString kept = directory.filePath(DatabaseFiles::ReplacedName);
+    const QString journal = QStringLiteral("-journal");
+    const auto restore = [&] {
+        SampleDatabase::create(directory.filePath(DatabaseFiles::RestoreName), 10);
+        return StartupRepair::applyPendingRestore(directory.path());
+    };
+    QVERIFY(writeFile(file, "first"));
+    QVERIFY(writeFile(file + journal, "of the first"));
+    // An attempt that ended before the journal had moved, or behind that: the next one goes on.
+    QCOMPARE(::link(QFile::encodeName(file).constData(), QFile::encodeName(kept).constData()), 0);
+    QVERIFY(restore());
+    QCOMPARE(readFile(kept), QByteArray("first"));
+    QCOMPARE(readFile(kept + journal), QByteArray("of the first"));
+    QVERIFY(!QFile::exists(file + journal));
+    QVERIFY(writeFile(file, "second"));
+    QVERIFY(restore());
+    QCOMPARE(readFile(kept), QByteArray("second"));
+    QVERIFY(!QFile::exists(kept + journal));
+    const QStringList older = QDir(directory.path())
+                                  .entryList({DatabaseFiles::ReplacedName + QStringLiteral("-2*")},
+                                             QDir::Files, QDir::Name);
+    QCOMPARE(older.size(), 2);
+    QCOMPARE(readFile(directory.filePath(older.first())), QByteArray("first"));
+    QCOMPARE(older.last(), older.first() + journal);
+}
+
+void UpkeepTest::takesNoNewerDatabase()
+{
+    const QTemporaryDir directory(fastTemporaryDirectory());
+    const QString file = directory.filePath(DatabaseFiles::Name);
+    const QString staged = directory.filePath(DatabaseFiles::RestoreName);
+    QVERIFY(writeFile(file, "the old one"));
+    SampleDatabase::create(staged, 10);
+    SampleDatabase(staged).exec(
+        QStringLiteral("PRAGMA user_version = %1").arg(Database::SchemaVersion + 1));
+    const LogCapture log;
+    for (const bool isDatabase : {true, false}) {
+        QVERIFY(isDatabase || writeFile(staged, "no database"));
+        QVERIFY(!StartupRepair::applyPendingRestore(directory.path()));
+        QCOMPARE(readFile(file), QByteArray("the old one"));
+    }
+    QCOMPARE(log.count(QStringLiteral("warn Unable to rename restored database: ")), 2);
 }
 
 void UpkeepTest::removesNegativeDistances()
