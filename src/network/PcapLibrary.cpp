@@ -22,8 +22,8 @@ decltype(&pcap_activate) w_pcap_activate = nullptr;
 // NOLINTEND(readability-identifier-naming)
 
 PcapLibrary::PcapLibrary(const QString& name)
+    : m_isComplete(load(name))
 {
-    m_isComplete = load(name);
     // Resolved in any case: where the library is missing, no pointer of an earlier one stays.
     if (!resolveAll() && m_isComplete) {
         m_isComplete = false;

@@ -23,7 +23,7 @@ static_assert(RingFrame::NetworkOffset == align(HeaderSize + LeastLinkHeader));
 template <typename Value>
 Value read(std::span<const std::uint8_t> frame, std::size_t offset)
 {
-    Value value;
+    Value value = {};
     std::memcpy(&value, frame.data() + offset, sizeof value);
     return value;
 }

@@ -47,7 +47,7 @@ void lookUp(benchmark::State& state, std::uint8_t family)
     const std::vector<IpAddress> all = addresses(family);
     std::size_t at = 0;
     std::size_t known = 0;
-    for (auto _ : state) {
+    for ([[maybe_unused]] const auto& run : state) {
         known += countries.countryCode(all[at]) != CountryDatabase::unknownCode() ? 1U : 0U;
         at = (at + 1) % all.size();
     }
@@ -63,7 +63,7 @@ void referenceHash(benchmark::State& state, std::uint8_t family)
         codes.insert(address, CountryDatabase::unknownCode());
     }
     std::size_t at = 0;
-    for (auto _ : state) {
+    for ([[maybe_unused]] const auto& run : state) {
         benchmark::DoNotOptimize(codes.value(all[at]));
         at = (at + 1) % all.size();
     }
@@ -72,7 +72,7 @@ void referenceHash(benchmark::State& state, std::uint8_t family)
 
 void open(benchmark::State& state)
 {
-    for (auto _ : state) {
+    for ([[maybe_unused]] const auto& run : state) {
         CountryDatabase countries;
         benchmark::DoNotOptimize(countries.open(databasePath()));
     }

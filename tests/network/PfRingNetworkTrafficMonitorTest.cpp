@@ -146,8 +146,8 @@ private Q_SLOTS:
         QVERIFY(there.send(local, LocalPort, 2, 40));
         QVERIFY(there.send(local, LocalPort, 4, 0));
 
-        const auto headers = static_cast<quint64>(EthernetHeader + ipHeader + UdpHeader);
-        const NetworkTraffic sent{2 * 40 + 6 * headers, 3 * 1000 + 3 * headers};
+        const quint64 header = quint64{EthernetHeader} + static_cast<quint64>(ipHeader) + UdpHeader;
+        const NetworkTraffic sent{quint64{2} * 40 + 6 * header, quint64{3} * 1000 + 3 * header};
         Taken taken;
         const auto takeMore = [&] {
             taken.take(*m_monitor);

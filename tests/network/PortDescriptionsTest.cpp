@@ -129,8 +129,8 @@ void PortDescriptionsTest::tellsWhatItReadAndWhatNot()
           "Network-ports.csv: Port number is not a number (abc), found on line 3, ignoring line.\n",
           "Network-ports.csv: Unknown protocol (DCCP) found on line 4, ignoring it.\n",
           "Network-ports.csv: Ignored 993 further lines with such faults.\n",
-          "Read file 'network-ports.csv' for port (TCP/UDP) translations. Read 1007 lines, added 2 "
-          "tcp and 1 udp records.\n"}) {
+          ("Read file 'network-ports.csv' for port (TCP/UDP) translations. Read 1007 lines, added "
+           "2 tcp and 1 udp records.\n")}) {
         QVERIFY2(log.contains(QLatin1String(line)), line);
     }
     QCOMPARE(log.count(QStringLiteral("skipping it")), 8); // with the others, ten

@@ -12,10 +12,11 @@ inline std::optional<SocketTable::Socket> scannedSocket(const std::string& line)
 {
     SocketTable::Socket socket;
     unsigned long inode = 0;
-    // NOLINTNEXTLINE(cert-err34-c): what it makes of numbers that are too large is compared too
-    const int fields =
-        std::sscanf(line.c_str(), "%*d: %*X:%x %*X:%x %hx %*X:%*X %*X:%*X %*x %u %*u %lu",
-                    &socket.localPort, &socket.remotePort, &socket.state, &socket.userId, &inode);
+    constexpr auto format = "%*d: %*X:%x %*X:%x %hx %*X:%*X %*X:%*X %*x %u %*u %lu";
+    // What it makes of numbers that are too large is compared too.
+    // NOLINTNEXTLINE(cert-err34-c)
+    const int fields = std::sscanf(line.c_str(), format, &socket.localPort, &socket.remotePort,
+                                   &socket.state, &socket.userId, &inode);
     constexpr int all = 5;
     socket.inode = inode;
     return fields == all ? std::optional(socket) : std::nullopt;

@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr qint64 KeptSeconds = 61 * LiveTraffic::SecondsPerMinute;
+constexpr qint64 KeptSeconds = qint64{61} * LiveTraffic::SecondsPerMinute;
 
 TrafficTotals perSecond(const TrafficTotals& traffic, qint64 seconds)
 {

@@ -348,12 +348,12 @@ QColor WorldMap::colourOf(const Placed& placed) const
 void WorldMap::paintDots(QPainter& painter) const
 {
     painter.setPen(QPen(Theme::colours(palette()).card, 1));
-    for (auto placed = m_placed.rbegin(); placed != m_placed.rend(); ++placed) {
-        if (isDot(placed->shape)) {
-            painter.setBrush(colourOf(*placed));
-            painter.drawEllipse(middleOf(placed->shape), DotSize / 2, DotSize / 2);
+    std::for_each(m_placed.crbegin(), m_placed.crend(), [&](const Placed& placed) {
+        if (isDot(placed.shape)) {
+            painter.setBrush(colourOf(placed));
+            painter.drawEllipse(middleOf(placed.shape), DotSize / 2, DotSize / 2);
         }
-    }
+    });
 }
 
 QPixmap WorldMap::picture() const
