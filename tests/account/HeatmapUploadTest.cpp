@@ -121,7 +121,7 @@ void HeatmapUploadTest::takesNoAnswerForAnotherAccount()
         uploads.forget();
     };
     QVERIFY(client.makesRequests(forget, {Success}));
-    QVERIFY(!value(SettingsKeys::OnlineLastHeatmapKeyboard).isValid());
+    QVERIFY(!Settings::instance().has(SettingsKeys::OnlineLastHeatmapKeyboard));
     QVERIFY(client.makesRequests(&Uploads::uploadHeatmaps, {Success}));
     QVERIFY(value(SettingsKeys::OnlineLastHeatmapKeyboard).isValid());
     // The next account has none of what the last one has.
