@@ -97,6 +97,16 @@ class Desktop:
     def windows(self, title):
         return self.run("xdotool", "search", "--onlyvisible", "--name", title).split()
 
+    def main_window(self):
+        """The client's main window. The first steps, which a first start shows above it, are closed."""
+        window = wait_for(lambda: self.windows("^Tallyvane$"), "the main window")[0]
+        time.sleep(0.5)
+        for steps in self.windows("^Set up Tallyvane$"):
+            self.run("xdotool", "windowactivate", "--sync", steps)
+            self.press("Escape")
+            wait_for(lambda: not self.windows("^Set up Tallyvane$"), "the end of the first steps")
+        return window
+
     def picture(self, window, area):
         """A part of a window as it looks now, to be compared."""
         need("import")
