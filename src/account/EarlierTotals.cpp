@@ -42,8 +42,8 @@ std::optional<EarlierTotals> EarlierTotals::from(const QMap<QString, QVariant>& 
 {
     struct Field
     {
-        const char* name;
-        qint64 EarlierTotals::*value;
+        const char* name = nullptr;
+        qint64 EarlierTotals::*value = nullptr;
         qint64 most = CounterLimit;
     };
 

@@ -66,7 +66,7 @@ QVariantList treeOf(const QJsonArray& array)
 {
     QVariantList tree;
     tree.reserve(array.size());
-    for (const QJsonValue& value : array) {
+    for (const QJsonValue value : array) {
         tree.append(treeOf(value));
     }
     return tree;

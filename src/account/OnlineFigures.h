@@ -45,8 +45,8 @@ std::optional<OnlineTotals> totalsFrom(const QVariant& object);
 std::optional<OnlineRanks> ranksFrom(const QVariant& object);
 
 /// Keep the figures in the settings, where the views find them.
-void store(const OnlineTotals& totals);
-void store(const OnlineRanks& ranks);
+void store(const OnlineTotals& figures);
+void store(const OnlineRanks& figures);
 
 /// What was kept last; zeros where nothing was.
 OnlineTotals storedTotals();

@@ -28,7 +28,7 @@ public:
 private:
     void answered(const UploadAnswer& answer) override;
     QVariantMap readSettings() const;
-    QVariantList readRows(const QString& query) const;
+    QVariantList readRows(const QString& sql) const;
 
     QDateTime m_sentAt;
 };

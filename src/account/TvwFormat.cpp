@@ -176,8 +176,8 @@ QCborMap toMap(const AccountRecord& account)
 class FieldReader final
 {
 public:
-    explicit FieldReader(QCborMap map)
-        : m_map(std::move(map))
+    explicit FieldReader(const QCborMap& map)
+        : m_map(map)
     {
     }
 

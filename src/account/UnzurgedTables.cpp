@@ -76,7 +76,7 @@ QString UnzurgedTables::loadText(const QString& name)
 {
     m_selectTotal.bindValue(0, name);
     const bool found = m_selectTotal.exec() && m_selectTotal.next();
-    const QString text = found ? m_selectTotal.value(0).toString() : QString();
+    QString text = found ? m_selectTotal.value(0).toString() : QString();
     m_selectTotal.finish();
     return text;
 }
