@@ -12,7 +12,7 @@ QString lastUsed(DSqlQuery& query, const QString& path)
 {
     query.bindValue(0, path);
     const bool found = query.exec() && query.next();
-    const QString time = found ? query.value(0).toString() : QString();
+    QString time = found ? query.value(0).toString() : QString();
     query.finish();
     return time;
 }

@@ -79,7 +79,7 @@ private:
     void generateApplications();
     void generateTotals();
     void generateProfiles();
-    void generate(Subject subject, const QString& query, std::initializer_list<Counter> counters);
+    void generate(Subject subject, const QString& sql, std::initializer_list<Counter> counters);
     void addRows(Subject subject, DSqlQuery& query, std::initializer_list<Counter> counters);
     static QLatin1String ownerColumn(Subject subject);
     QString subjectName(Subject subject, const QVariant& stored) const;

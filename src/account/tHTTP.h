@@ -35,7 +35,7 @@ class QSslError;
 /// A request goes out once. It is not sent again when the connection is lost (see `PostBody`), and
 /// no redirect is followed: it would carry the account's password hash to another address, or
 /// become a GET without it. Only a proxy that asks for credentials gets it a second time.
-class tHTTP : public QObject
+class tHTTP : public QObject // NOLINT(readability-identifier-naming)
 {
     Q_OBJECT
 
