@@ -172,7 +172,7 @@ FileWork pack(const QString& source, const QString& archive, const QString& entr
     if (!openNew(to)) {
         return FileWork::failed(cannotWrite(to));
     }
-    const FileWork work = packInto(to, from, entryName, progress);
+    FileWork work = packInto(to, from, entryName, progress);
     if (!work.isDone()) {
         QFile::remove(archive);
     }

@@ -102,7 +102,7 @@ FileWork DatabaseCopy::copy(const QString& source, const QString& target,
         return FileWork::failed(
             QCoreApplication::translate("DatabaseCopy", "there is not enough free disk space"));
     }
-    const FileWork work = copyThroughSqlite(source, target, progress);
+    FileWork work = copyThroughSqlite(source, target, progress);
     if (!work.isDone()) {
         QFile::remove(target);
     }

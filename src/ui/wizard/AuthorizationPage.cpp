@@ -14,7 +14,6 @@ AuthorizationPage::AuthorizationPage(QWidget* parent)
     , m_text(addText({}))
     , m_state(addText({}))
     , m_line(new BusyLine)
-    , m_addressText(nullptr)
     , m_address(new CopyField(QStringLiteral("pageAddress"), tr("Address of the website's page"),
                               tr("Copy address"), CopyField::Ground::Page))
     , m_again(button(QStringLiteral("again"), {}, tr("Try again")))

@@ -36,7 +36,7 @@ private:
     QLabel* m_text;
     QLabel* m_state;
     BusyLine* m_line;
-    QLabel* m_addressText;
+    QLabel* m_addressText = nullptr;
     CopyField* m_address;
     QPushButton* m_again;
 };
