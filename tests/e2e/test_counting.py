@@ -78,7 +78,7 @@ class Counting(DesktopTest):
                 process = client.start_fully(*arguments)
                 client.wait_for_log("Creating device listener for")
                 if not arguments:
-                    wait_for(lambda: desktop.windows("Tallyvane"), "the main window")
+                    desktop.main_window()
                 keyboard.type("a", "b", "c")
                 time.sleep(0.3)
                 desktop.kill_server()
@@ -99,7 +99,8 @@ class Counting(DesktopTest):
 
     def test_what_is_typed_during_a_pause_is_not_counted(self):
         process = self.client.start_fully()
-        window = wait_for(lambda: self.desktop.windows("Tallyvane"), "the main window")[0]
+        self.desktop.skip_first_steps()
+        window = self.desktop.main_window()
         self.client.wait_for_log("Creating device listener for /dev/input/event0")
 
         def click_counting_button():  # at the right of the bar above the view

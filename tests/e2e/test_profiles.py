@@ -11,7 +11,8 @@ class Profiles(DesktopTest):
         super().setUp()
         self.keyboard = self.client.device()
         self.process = self.client.start_fully()
-        self.window = wait_for(lambda: self.desktop.windows("Tallyvane"), "the main window")[0]
+        self.desktop.skip_first_steps()
+        self.window = self.desktop.main_window()
         self.client.wait_for_log("Creating device listener for /dev/input/event0")
         self.desktop.press("ctrl+7")
         time.sleep(0.5)

@@ -78,7 +78,8 @@ class Sleep(DesktopTest):
 
     def begin_profile(self, name):
         """Adds a profile by the window's table and counts under it; returns its id."""
-        window = wait_for(lambda: self.desktop.windows("Tallyvane"), "the main window")[0]
+        self.desktop.skip_first_steps()
+        window = self.desktop.main_window()
         self.desktop.run("xdotool", "windowactivate", "--sync", window)
         self.desktop.press("ctrl+7")
         time.sleep(1)

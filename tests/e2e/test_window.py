@@ -21,7 +21,8 @@ class MainWindow(DesktopTest):
                        stderr=subprocess.DEVNULL)
         self.client.device()
         self.process = self.client.start_fully()
-        self.window = wait_for(lambda: self.desktop.windows("Tallyvane"), "the main window")[0]
+        self.desktop.skip_first_steps()
+        self.window = self.desktop.main_window()
 
     def press_and_look(self, *keys):
         """Presses KEYS and waits for another title; returns it."""
