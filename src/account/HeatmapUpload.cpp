@@ -98,6 +98,13 @@ QStringList HeatmapUpload::requestTypes() const
     return types;
 }
 
+void HeatmapUpload::forget()
+{
+    Upload::forget();
+    m_sent.clear();
+    m_confirmed.clear();
+}
+
 void HeatmapUpload::uploadHeatmaps()
 {
     if (std::ranges::none_of(requestTypes(),

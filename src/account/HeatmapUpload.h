@@ -22,6 +22,7 @@ public:
     using Upload::Upload;
 
     QStringList requestTypes() const override;
+    void forget() override;
 
     /// Sends the next portions of each kind that has something new. Does nothing unless
     /// `online_send_heatmaps` is set; applications take part with `online_send_applications`.

@@ -51,6 +51,7 @@ void LocalStats::forwardZurgeSignals()
     const Zurge* zurge = m_zurge.get();
     connect(zurge, &Zurge::buttonChanged, this, &LocalStats::signalNeedZurgeButtonUpdated);
     connect(zurge, &Zurge::finished, this, &LocalStats::signalZurgeFinishedSuccessfully);
+    connect(zurge, &Zurge::recorded, this, &LocalStats::signalZurgeRecorded);
     connect(zurge, &Zurge::trayMessage, this, &LocalStats::signalNeedTrayIconMessage);
     connect(zurge, &Zurge::messageBox, this, &LocalStats::signalNeedMessageBox);
     connect(zurge, &Zurge::computerInfoWanted, this, &LocalStats::signalNeedComputerInfoUpload);
@@ -323,6 +324,11 @@ bool LocalStats::doZurge(ZurgeStart start, const ZurgeWish& wish)
 bool LocalStats::isZurging() const
 {
     return m_zurge->isInProgress();
+}
+
+QDateTime LocalStats::automaticSuspendedUntil() const
+{
+    return m_zurge->suspendedUntil();
 }
 
 void LocalStats::resetZurgeButton()

@@ -22,6 +22,7 @@ class UnzurgedTables;
 class Zurge;
 enum class ZurgeStart;
 struct Authorization;
+struct ZurgeRecord;
 struct ZurgeService;
 
 /// The counts not yet sent to the account service, in all and per application, and the account that
@@ -116,6 +117,9 @@ public:
     /// Of a zurge under way: the button that starts one is off.
     bool isZurging() const;
 
+    /// As `Zurge::suspendedUntil`.
+    QDateTime automaticSuspendedUntil() const;
+
     /// The outcome of a "zurge" request, as `ClientCommunication::requestDone` tells it. One that
     /// was dropped has the status 0.
     void processZurgeResponse(int status, const QMap<QString, QVariant>& data,
@@ -149,6 +153,7 @@ Q_SIGNALS:
     void signalNeedZurgeButtonUpdated();
     void signalNeedTrayIconMessage(const QString& title, const QString& text);
     void signalZurgeFinishedSuccessfully();
+    void signalZurgeRecorded(const ZurgeRecord& record); ///< See `Zurge::recorded`.
     void signalNeedMessageBox(const QString& title, const QString& text);
     void signalNeedComputerInfoUpload(); ///< The service has none of this computer.
     void signalNeedPendingMessages();    ///< The service is to be asked for messages.

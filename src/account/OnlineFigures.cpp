@@ -71,6 +71,16 @@ void storeAll(const Figures& figures, const std::array<Figure<Figures>, Count>& 
     }
 }
 
+template <typename Figures, std::size_t Count>
+Figures storedFigures(const std::array<Figure<Figures>, Count>& table)
+{
+    Figures figures;
+    for (const auto& [name, member, key] : table) {
+        figures.*member = Settings::instance().value(key);
+    }
+    return figures;
+}
+
 } // namespace
 
 namespace OnlineFigures {
@@ -109,6 +119,18 @@ void store(const OnlineTotals& figures)
 void store(const OnlineRanks& figures)
 {
     storeAll(figures, ranks());
+}
+
+OnlineTotals storedTotals()
+{
+    OnlineTotals figures = storedFigures(totals());
+    figures.distanceMiles = Settings::instance().value(SettingsKeys::OnlineTotalDistanceMiles);
+    return figures;
+}
+
+OnlineRanks storedRanks()
+{
+    return storedFigures(ranks());
 }
 
 } // namespace OnlineFigures

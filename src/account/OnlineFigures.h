@@ -48,4 +48,8 @@ std::optional<OnlineRanks> ranksFrom(const QVariant& object);
 void store(const OnlineTotals& totals);
 void store(const OnlineRanks& ranks);
 
+/// What was kept last; zeros where nothing was.
+OnlineTotals storedTotals();
+OnlineRanks storedRanks();
+
 } // namespace OnlineFigures

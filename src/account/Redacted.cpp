@@ -8,7 +8,7 @@ QString redacted(const QString& json)
     constexpr qsizetype longest = 16384;
     // A value that was cut off counts to the end of the text.
     static const QRegularExpression secret(QStringLiteral(
-        R"re(("(?:client_token|token|passwordhash|password_hash)"\s*:\s*)(?:"(?:[^"\\]|\\.)*+(?:"|\\?$)|[^",}\]\s]++))re"));
+        R"re(("(?:client_token|client_uid|token|passwordhash|password_hash)"\s*:\s*)(?:"(?:[^"\\]|\\.)*+(?:"|\\?$)|[^",}\]\s]++))re"));
     QString result = json.left(longest);
     result.replace(secret, QStringLiteral(R"(\1"...")"));
     return result;

@@ -4,6 +4,6 @@
 #include <QString>
 
 /// What may be logged of a JSON text that goes to or comes from the account service: the values of
-/// "client_token", "token", "passwordhash" and "password_hash" become "...", and what follows the
-/// first 16,384 characters is left out. The text need not be valid JSON, nor whole.
+/// "client_token", "client_uid", "token", "passwordhash" and "password_hash" become "...", and what
+/// follows the first 16,384 characters is left out. The text need not be valid JSON, nor whole.
 QString redacted(const QString& json);

@@ -29,7 +29,7 @@ bool SettingsUpload::staysHere(const QString& name)
         SettingsKeys::ProxyPort.name(),         SettingsKeys::ProxyAuthEnabled.name(),
         SettingsKeys::ServiceApiUrl.name(),     SettingsKeys::ServiceWebsiteUrl.name(),
         SettingsKeys::ServiceReleaseUrl.name(), SettingsKeys::HistoryStamp.name(),
-        SettingsKeys::PortableMode.name(),
+        SettingsKeys::PortableMode.name(),      SettingsKeys::OnlineLinkedComputers.name(),
     };
     return names.contains(name);
 }

@@ -18,8 +18,9 @@ Upload::Upload(const UploadPartners& partners)
 
 void Upload::requestDone(const UploadAnswer& answer)
 {
+    const bool isForgotten = m_forgotten.remove(answer.requestType);
     // An answer that nothing can be noted of counts as none: what it was for is sent again.
-    if (m_waiting.remove(answer.requestType) && isDatabaseAtHand()) {
+    if (m_waiting.remove(answer.requestType) && !isForgotten && isDatabaseAtHand()) {
         answered(answer);
     }
 }
@@ -27,6 +28,12 @@ void Upload::requestDone(const UploadAnswer& answer)
 void Upload::requestDropped(const QString& requestType)
 {
     m_waiting.remove(requestType);
+    m_forgotten.remove(requestType);
+}
+
+void Upload::forget()
+{
+    m_forgotten = m_waiting;
 }
 
 bool Upload::isAllowed() const

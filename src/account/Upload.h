@@ -54,6 +54,9 @@ public:
     /// A request of one of these types is over, and its outcome is not known.
     void requestDropped(const QString& requestType);
 
+    /// The account is another one: what is still to be answered says nothing about it.
+    virtual void forget();
+
 protected:
     virtual void answered(const UploadAnswer& answer) = 0;
 
@@ -71,5 +74,6 @@ private:
     bool isDatabaseAtHand() const;
 
     UploadPartners m_partners;
-    QSet<QString> m_waiting; ///< Request types.
+    QSet<QString> m_waiting;   ///< Request types.
+    QSet<QString> m_forgotten; ///< Those of them that were asked for another account.
 };

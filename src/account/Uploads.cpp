@@ -30,6 +30,13 @@ Uploads::Uploads(const UploadPartners& partners, ProfileManager& profiles,
             &Uploads::communicationRequestDropped);
 }
 
+void Uploads::forget()
+{
+    for (Upload* upload : std::as_const(m_byRequestType)) {
+        upload->forget();
+    }
+}
+
 void Uploads::uploadHeatmaps()
 {
     m_heatmaps.uploadHeatmaps();

@@ -22,6 +22,8 @@ public:
     Uploads(const UploadPartners& partners, ProfileManager& profiles, ComputerFactsSource facts,
             QObject* parent = nullptr);
 
+    void forget(); ///< The account is another one; see `Upload::forget`.
+
 public Q_SLOTS:
     void uploadHeatmaps();
     void uploadApplications();

@@ -139,6 +139,11 @@ bool Zurge::isSuspended()
     return false;
 }
 
+QDateTime Zurge::suspendedUntil() const
+{
+    return m_suspendedSince.isValid() ? m_suspendedSince.addSecs(SuspensionSeconds) : QDateTime();
+}
+
 bool Zurge::isThrottled()
 {
     const QDateTime last = m_stats.account().lastZurge;
@@ -220,17 +225,36 @@ void Zurge::takeAnswer(int status, const Map& data, const QString& message)
         Log::warn("Passing over the answer to a zurge that is settled already");
         return;
     }
+    const ZurgeInFlight sent = *m_stats.account().inFlight;
     if (!ResultCodes::isSuccess(status)) {
+        record(sent,
+               isRefusal(status) ? ZurgeRecord::Outcome::Failed : ZurgeRecord::Outcome::Unanswered,
+               message);
         refused(status, message);
         return;
     }
     if (const std::optional<ZurgeAnswer> answer = ZurgeAnswer::from(data)) {
+        record(sent, ZurgeRecord::Outcome::Sent);
         succeed(*answer);
         return;
     }
     Log::error("The service's answer to the zurge was not understood; it changes nothing");
+    record(sent, ZurgeRecord::Outcome::Unanswered);
     fail(m_sentBy, tr("The answer of the service was not understood. Your counts are kept; the "
                       "next zurge finds out whether this one was taken."));
+}
+
+void Zurge::record(const ZurgeInFlight& amounts, ZurgeRecord::Outcome outcome,
+                   const QString& message)
+{
+    const bool isAutomatic = m_sentBy == ZurgeStart::Automatic;
+    Q_EMIT recorded(
+        {.time = amounts.time,
+         .origin = isAutomatic ? ZurgeRecord::Origin::Automatic : ZurgeRecord::Origin::ByHand,
+         .outcome = outcome,
+         .keys = amounts.totals.keys,
+         .clicks = amounts.totals.clicks,
+         .message = message});
 }
 
 void Zurge::refused(int status, const QString& message)
@@ -313,10 +337,13 @@ void Zurge::takeAccountInfo(const AccountInfo& info)
     } else if (info.token == inFlight->token || inFlight->token.isEmpty()) {
         // Without a token, it was none that the service takes.
         Log::info("The service has not taken the last zurge; its counts go with the next one");
+        record(*inFlight, ZurgeRecord::Outcome::Failed,
+               tr("The service did not take it; its counts go with the next one."));
         m_stats.forgetInFlight();
         m_stats.setZurgeToken(info.token);
     } else {
         Log::info("The service has taken the last zurge");
+        record(*inFlight, ZurgeRecord::Outcome::Sent);
         m_stats.settleInFlight(info.token);
     }
     inTransaction([&] {

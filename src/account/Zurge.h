@@ -2,6 +2,7 @@
 #pragma once
 
 #include "account/ZurgeAmounts.h"
+#include "account/ZurgeRecord.h"
 #include "account/ZurgeService.h"
 
 #include <QDateTime>
@@ -70,6 +71,9 @@ public:
 
     bool isInProgress() const { return m_inProgress; }
 
+    /// Until when no automatic one is begun; invalid where they are not suspended.
+    QDateTime suspendedUntil() const;
+
     void forget(); ///< The account is another: nothing that was begun for the last one goes on.
 
     /// The outcome of the zurge on the wire. An answer that is not understood changes nothing.
@@ -87,6 +91,10 @@ public Q_SLOTS:
 Q_SIGNALS:
     void buttonChanged();
     void finished();
+
+    /// What is known of a zurge that was sent. Where it was `Unanswered`, another record of the
+    /// same time follows once the service has told.
+    void recorded(const ZurgeRecord& record);
     void trayMessage(const QString& title, const QString& text);
     void messageBox(const QString& title, const QString& text);
     void computerInfoWanted();
@@ -109,6 +117,8 @@ private:
     void refused(int status, const QString& message);
     void succeed(const ZurgeAnswer& answer);
     void fail(ZurgeStart start, const QString& message);
+    void record(const ZurgeInFlight& amounts, ZurgeRecord::Outcome outcome,
+                const QString& message = {});
     void setInProgress(bool inProgress);
 
     LocalStats& m_stats;

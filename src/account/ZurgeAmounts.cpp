@@ -24,7 +24,8 @@ constexpr quint64 chooseOne(quint64 wished, quint64 stored)
 {
     // Subtracted, since twice a large wish may not fit.
     const bool moreThanTwice = stored > wished && stored - wished > wished;
-    return wished == 0 || moreThanTwice ? stored : wished;
+    // A wish from outside may be for more than was counted; such counts do not exist.
+    return wished == 0 || moreThanTwice ? stored : std::min(wished, stored);
 }
 
 } // namespace

@@ -34,8 +34,7 @@ struct ZurgeInFlight
 namespace ZurgeAmounts {
 
 /// What to send: for each counter the wished value, or the stored one where the wish is 0 or the
-/// stored value is more than twice the wish. A wish is not cut to what is stored: who asks for an
-/// amount must know that it was counted.
+/// stored value is more than twice the wish. Never more than is stored.
 UnzurgedCounts choose(const ZurgeWish& wish, const UnzurgedCounts& stored);
 
 /// The part that the service's units can tell: whole MiB, whole seconds.

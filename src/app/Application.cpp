@@ -3,11 +3,17 @@
 
 #include "account/LocalStats.h"
 #include "account/ProxySettings.h"
+#include "account/Zurge.h"
+#include "app/AccountServices.h"
+#include "app/AccountWiring.h"
 #include "app/CountingSwitch.h"
+#include "app/KeysToday.h"
 #include "app/MainWindowHost.h"
 #include "app/PortableMode.h"
 #include "app/ProfileWiring.h"
 #include "app/Requirements.h"
+#include "app/SetupHost.h"
+#include "app/SleepWiring.h"
 #include "app/UnixSignals.h"
 #include "base/Log.h"
 #include "base/SnapStandardPaths.h"
@@ -18,7 +24,6 @@
 #include "profiles/ProfileManager.h"
 #include "stats/AllStats.h"
 #include "stats/Collector.h"
-#include "stats/CountryBandwidthStat.h"
 #include "storage/Database.h"
 #include "storage/MousePointPruning.h"
 #include "storage/Settings.h"
@@ -29,7 +34,6 @@
 #include "system/PowerMonitor.h"
 #include "ui/Theme.h"
 #include "ui/TrayIcon.h"
-#include "ui/history/HourRows.h"
 
 #include <QGuiApplication>
 #include <QIcon>
@@ -42,7 +46,6 @@ namespace {
 
 constexpr int MemoryCleanupMs = 10'000;
 constexpr int PruneMs = 3'600'000;
-constexpr int TimeSeriesOverlapDays = 7;
 
 } // namespace
 
@@ -94,22 +97,25 @@ bool Application::start(bool networkingDisabled, bool openMainWindow,
     if (!openDatabase()) {
         return false;
     }
-    prepareStores(networkingDisabled, translationFile, restored);
+    prepareStores(networkingDisabled, translationFile);
+    prepareAccount();
+    if (restored) {
+        // What was just restored counts as freshly backed up.
+        Settings::instance().setValue(SettingsKeys::OnlineBackupLast, QDateTime::currentDateTime());
+    }
     prepareCounting();
     QTimer::singleShot(0, this, &Application::slotStartupDelayed);
+    m_account->fetchMissingFiles();
     prepareTray();
     prepareWindow();
     Log::info("Tallyvane {} has started", versionString());
     if (openMainWindow && Settings::instance().value(SettingsKeys::MainwindowOpenOnStart)) {
         this->openMainWindow();
+        m_setup->offer();
     }
     StartupRepair::removeNegativeDistances(*m_database);
     m_started = true;
-    // Every start of this series sends the last week's time series again.
-    if (versionString().startsWith(QLatin1String("5.8."))) {
-        Settings::instance().setValue(SettingsKeys::TimeSeriesLastSent,
-                                      QDateTime::currentDateTime().addDays(-TimeSeriesOverlapDays));
-    }
+    m_account->repeatLastWeek();
     return true;
 }
 
@@ -130,30 +136,41 @@ bool Application::openDatabase()
     return false;
 }
 
-void Application::prepareStores(bool networkingDisabled, const QString& translationFile,
-                                bool restored)
+void Application::prepareStores(bool networkingDisabled, const QString& translationFile)
 {
     Settings& settings = Settings::instance();
     settings.init(m_database.get());
     settings.initializeDefaultSettings();
+    SetupHost::noteFirstStart();
     m_translation.install(translationFile, settings.value(SettingsKeys::ClientLanguage));
     if (networkingDisabled) {
         settings.setValue(SettingsKeys::StatsNetEnable, false);
     }
     m_localStats->setup(getDataDir());
-    if (restored) {
-        // What was just restored counts as freshly backed up.
-        settings.setValue(SettingsKeys::OnlineBackupLast, QDateTime::currentDateTime());
-    }
-    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
-    m_profiles->refreshProfileFromDatabase();
-    if (settings.value(SettingsKeys::ProfilesResetOnSleep)) {
-        m_profiles->activateDefaultProfile();
-    }
+}
+
+void Application::prepareAccount()
+{
+    m_account = std::make_unique<AccountServices>(
+        AccountServices::Parts{*m_database, *m_localStats, *m_profiles, getDataDir(),
+                               [this] { return m_system->isNetworkTrafficMonitorSupported(); }});
+    connect(&m_account->backups(), &OnlineBackups::countingPauseNeeded, this,
+            &Application::pauseCollector);
+    connect(&m_account->backups(), &OnlineBackups::countingResumptionNeeded, this,
+            &Application::startCollector);
+    connect(m_account.get(), &AccountServices::portDescriptionsReplaced, this,
+            [this] { m_system->initNetworkPortDescriptions(); });
+    connect(m_account.get(), &AccountServices::countryDatabaseReplaced, this,
+            [this] { AllStats::reloadCountries(*m_collector); });
 }
 
 void Application::prepareCounting()
 {
+    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+    m_profiles->refreshProfileFromDatabase();
+    if (Settings::instance().value(SettingsKeys::ProfilesResetOnSleep)) {
+        m_profiles->activateDefaultProfile();
+    }
     m_collector = new Collector(this);
     m_collector->setUiModeSource([this] { return m_window && m_window->isOpen(); });
     m_collector->start();
@@ -163,46 +180,26 @@ void Application::prepareCounting()
     auto system = CommonSystem::createPlatformSpecificSystem(m_database.get(), this, places);
     m_platformSystem = system.get();
     m_system = std::make_unique<CachedSystem>(std::move(system));
-    watchForSleep();
     QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/tallyvane-logo.ico")));
     AllStats::addTo(*m_collector, m_system.get(), m_liveRates, this);
     m_counting = new CountingSwitch(*m_database, *m_collector, *m_system, this);
     connect(m_counting, &CountingSwitch::pausedChanged, this, &Application::refreshTrayIcon);
 }
 
-void Application::watchForSleep()
-{
-    const PowerMonitor* power = m_platformSystem->powerMonitor();
-    if (!power) {
-        return;
-    }
-    connect(power, &PowerMonitor::suspended, this, [this] {
-        m_collector->flush(); // What was counted until now belongs to the profile until now.
-        resetProfile("we're going to sleep");
-        m_system->onSystemSuspend();
-    });
-    connect(power, &PowerMonitor::resumed, this, [this] { m_system->onSystemResume(); });
-    connect(power, &PowerMonitor::sessionEnding, this, &Application::exitClient);
-}
-
 void Application::prepareTray()
 {
     Theme::apply();
-    m_tray = new TrayIcon(
-        [this, keys = qint64(0)]() mutable {
-            if (!m_database->isLent()) {
-                const QDate today = QDate::currentDate();
-                keys = HourRows::keys(m_database->connection(), {.first = today, .last = today})
-                           .value_or(keys);
-            }
-            return keys;
-        },
-        this);
+    m_tray = new TrayIcon(KeysToday(*m_database), this);
     connect(m_tray, &TrayIcon::openRequested, this, &Application::openMainWindow);
     connect(m_tray, &TrayIcon::pauseRequested, m_counting, &CountingSwitch::pause);
     connect(m_tray, &TrayIcon::resumeRequested, m_counting, &CountingSwitch::resume);
     connect(m_tray, &TrayIcon::quitRequested, this, &Application::exitClient);
+    connect(m_tray, &TrayIcon::zurgeRequested, this, &Application::doZurge);
     m_profileWiring = new ProfileWiring(*m_profiles, *m_collector, *m_tray, this);
+    if (const PowerMonitor* power = m_platformSystem->powerMonitor()) {
+        new SleepWiring({*power, *m_collector, *m_system, *m_profileWiring}, this);
+        connect(power, &PowerMonitor::sessionEnding, this, &Application::exitClient);
+    }
     Q_EMIT refreshTrayIcon();
     m_tray->show();
     const QString damaged = m_database->keptDamagedFile();
@@ -217,6 +214,7 @@ void Application::prepareTray()
 void Application::slotStartupDelayed()
 {
     Log::info("Starting timers and collector..");
+    m_account->start();
     connect(&m_memoryTimer, &QTimer::timeout, this, &Application::cleanupMemory);
     m_memoryTimer.start(MemoryCleanupMs);
     connect(&m_pruneTimer, &QTimer::timeout, this, &Application::pruneMousePoints);
@@ -227,10 +225,12 @@ void Application::slotStartupDelayed()
     applySettings(false);
     m_collector->start();
     Q_EMIT refreshTrayIcon();
+    m_account->zurgeOnStartup();
     m_system->initNetworkPortDescriptions();
     connect(m_milestones, &Milestones::signalNeedTrayIconMessage, this,
             &Application::slotNeedTrayIconMessage);
     m_milestones->refreshSettings(Milestones::All);
+    m_account->startUsageStats();
     connect(m_database.get(), &Database::damageFound, this, &Application::clientRestart,
             Qt::QueuedConnection);
     m_database->checkInBackground();
@@ -253,6 +253,7 @@ void Application::applySettings(bool changedByUser)
     const QNetworkProxy proxy = ProxySettings::from(settings).proxy();
     applyNetworkProxy(proxy);
     m_proxyAddress->follow(proxy);
+    m_account->applySettings();
     m_window->refreshInputState();
 }
 
@@ -277,8 +278,15 @@ void Application::singleAppMessage(const QString& message)
 
 void Application::doZurge()
 {
-    // Counts are sent to an account, and this version cannot sign in to one: they stay unzurged.
-    Log::info("No account is signed in, nothing is sent.");
+    if (!m_localStats->isLoggedIn()) {
+        Log::info("No account is signed in, nothing is sent.");
+    }
+    m_localStats->doZurge(ZurgeStart::Manual);
+}
+
+void Application::slotPerformMaintenace()
+{
+    m_account->performMaintenance();
 }
 
 void Application::exitClient()
@@ -304,12 +312,9 @@ void Application::endProcess()
 
 void Application::resetProfile(const char* reason)
 {
-    if (!m_started || m_profiles->getActiveStatsProfileId() == ProfileManager::DefaultProfileId ||
-        !Settings::instance().value(SettingsKeys::ProfilesResetOnSleep)) {
-        return;
+    if (m_profileWiring) {
+        m_profileWiring->resetToDefault(reason);
     }
-    Log::info("Resetting to default profile because {} and the setting is enabled.", reason);
-    m_profiles->activateDefaultProfile();
 }
 
 void Application::closeProcesses()
@@ -318,6 +323,7 @@ void Application::closeProcesses()
         return;
     }
     stopCollecting();
+    m_setup.reset();
     m_window.reset();
     saveState();
     if (m_tray) {
@@ -328,6 +334,13 @@ void Application::closeProcesses()
 void Application::stopCollecting()
 {
     m_closed = true;
+    m_accountWiring.reset();
+    if (m_setup) {
+        m_setup->stop();
+    }
+    if (m_account) {
+        m_account->stop();
+    }
     if (m_profileWiring) {
         m_profileWiring->deletion().cancelAndWait(); // What was counted meanwhile is written below.
     }
@@ -383,16 +396,12 @@ void Application::clientRestart()
 
 void Application::startCollector()
 {
-    if (m_collector && !m_collector->isCollecting()) {
-        m_collector->startCollector();
-    }
+    m_counting->release();
 }
 
 void Application::pauseCollector()
 {
-    if (m_collector && m_collector->isCollecting()) {
-        m_collector->pauseCollector();
-    }
+    m_counting->hold();
 }
 
 QString Application::getDataDir()
@@ -440,33 +449,25 @@ void Application::openMainWindow()
     m_window->open();
 }
 
-/// One that is switched off has nothing to file, and lacks nothing.
-bool Application::mayFileCountries() const
-{
-    const auto* countries =
-        m_collector->getStat<CountryBandwidthStat>(QStringLiteral("CountryBandwidthStat"));
-    return !countries->isEnabled() || countries->hasDatabase();
-}
-
 void Application::prepareWindow()
 {
     m_milestones = new Milestones(this);
-    ViewContext context;
-    context.applicationName = [this](const QString& path) {
-        return m_system->getApplicationNameCached(path);
-    };
-    context.applicationIcon = [this](const QString& path) {
-        return m_system->getApplicationIcon(path);
-    };
     m_window = std::make_unique<MainWindowHost>(
-        m_database->getDatabaseFileName(), context, *m_counting,
+        m_database->getDatabaseFileName(), *m_system, *m_counting,
         ViewWiring::Parts{*m_platformSystem, *m_profiles, m_profileWiring->deletion(),
-                          *m_milestones, m_liveRates, [this] { return mayFileCountries(); }});
+                          *m_milestones, m_liveRates,
+                          [this] { return AllStats::canFileCountries(*m_collector); }});
     connect(m_window.get(), &MainWindowHost::closed, m_tray, &TrayIcon::explainClosedWindow);
     connect(m_window.get(), &MainWindowHost::keyboardCountingRequested, this, [this] {
         m_counting->storeKeyboardOn();
         applySettingsSlot();
     });
+    m_setup = std::make_unique<SetupHost>(SetupHost::Parts{*m_account, *m_localStats, *m_counting,
+                                                           *m_platformSystem, *m_milestones,
+                                                           *m_database, getDataDir()});
+    connect(m_setup.get(), &SetupHost::settingsChanged, this, &Application::applySettingsSlot);
+    m_accountWiring = std::make_unique<AccountWiring>(
+        AccountWiring::Parts{*m_account, *m_localStats, *m_setup, *m_tray, *m_window});
 }
 
 void Application::updateTrayIcon()

@@ -12,6 +12,8 @@
 
 #include <memory>
 
+class AccountServices;
+class AccountWiring;
 class CachedSystem;
 class Collector;
 class CommonSystem;
@@ -24,6 +26,7 @@ class MousePointPruning;
 class ProfileManager;
 class ProfileWiring;
 class ProxyAddress;
+class SetupHost;
 class TrayIcon;
 class UnixSignals;
 
@@ -74,7 +77,8 @@ public Q_SLOTS:
 
     void applySettingsSlot() { applySettings(true); } ///< The user changed a setting.
 
-    void doZurge();
+    void doZurge(); ///< By the user's wish.
+    void slotPerformMaintenace();
     void cleanDatabase();
     void cleanDatabaseUser();
     void pruneMousePoints();
@@ -103,13 +107,12 @@ private:
     void onMouseButtonUp() override { m_liveRates.noteClick(); }
 
     bool openDatabase();
-    void prepareStores(bool networkingDisabled, const QString& translationFile, bool restored);
+    void prepareStores(bool networkingDisabled, const QString& translationFile);
+    void prepareAccount();
     void prepareCounting();
     void prepareTray();
     void watchForTheEnd();
-    void watchForSleep();
     void prepareWindow();
-    bool mayFileCountries() const;
     void resetProfile(const char* reason); ///< To the default one, where the setting wants it.
 
     void stopCollecting();
@@ -135,6 +138,7 @@ private:
     UnixSignals* m_signals;
     ProxyAddress* m_proxyAddress;
     std::unique_ptr<Database> m_database;
+    std::unique_ptr<AccountServices> m_account;
     std::unique_ptr<CachedSystem> m_system;
     CommonSystem* m_platformSystem = nullptr; ///< Inside `m_system`.
     Collector* m_collector = nullptr;
@@ -145,6 +149,8 @@ private:
     ProfileWiring* m_profileWiring = nullptr;
     Milestones* m_milestones = nullptr;
     std::unique_ptr<MainWindowHost> m_window;
+    std::unique_ptr<SetupHost> m_setup;
+    std::unique_ptr<AccountWiring> m_accountWiring;
 
     QTimer m_memoryTimer;
     QTimer m_pruneTimer;

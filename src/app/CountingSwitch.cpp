@@ -42,12 +42,24 @@ void CountingSwitch::followSettings()
                              !m_isPaused && m_database.state() == Database::State::Open);
 }
 
-void CountingSwitch::pause()
+void CountingSwitch::hold()
 {
-    m_isPaused = true;
     if (m_collector.isCollecting()) {
         m_collector.pauseCollector();
     }
+}
+
+void CountingSwitch::release()
+{
+    if (!m_isPaused && !m_collector.isCollecting()) {
+        m_collector.startCollector();
+    }
+}
+
+void CountingSwitch::pause()
+{
+    m_isPaused = true;
+    hold();
     followSettings();
     Q_EMIT pausedChanged();
 }
@@ -55,9 +67,7 @@ void CountingSwitch::pause()
 void CountingSwitch::resume()
 {
     m_isPaused = false;
-    if (!m_collector.isCollecting()) {
-        m_collector.startCollector();
-    }
+    release();
     followSettings();
     Q_EMIT pausedChanged();
 }

@@ -27,6 +27,11 @@ public:
     /// Writes what is held, and switches each statistic on or off by the settings.
     void followSettings();
 
+    /// Hold the writing of statistics, and go on with it unless the user has paused counting. What
+    /// is counted meanwhile is kept.
+    void hold();
+    void release();
+
 public Q_SLOTS:
     void pause();
     void resume();

@@ -2,9 +2,8 @@
 #include "app/MainWindowHost.h"
 
 #include "app/CountingSwitch.h"
+#include "system/AbstractSystem.h"
 #include "ui/MainWindow.h"
-
-#include <utility>
 
 namespace {
 
@@ -13,15 +12,20 @@ constexpr int RefreshMs = 2'000;
 
 } // namespace
 
-MainWindowHost::MainWindowHost(const QString& databaseFile, ViewContext context,
+MainWindowHost::MainWindowHost(const QString& databaseFile, AbstractSystem& system,
                                CountingSwitch& counting, const ViewWiring::Parts& parts,
                                QObject* parent)
     : QObject(parent)
     , m_databaseFile(databaseFile)
-    , m_context(std::move(context))
     , m_counting(counting)
     , m_parts(parts)
 {
+    m_context.applicationName = [&system](const QString& path) {
+        return system.getApplicationNameCached(path);
+    };
+    m_context.applicationIcon = [&system](const QString& path) {
+        return system.getApplicationIcon(path);
+    };
     m_refresh.setInterval(RefreshMs);
     connect(&m_refresh, &QTimer::timeout, this, &MainWindowHost::refreshInputState);
     connect(&m_counting, &CountingSwitch::pausedChanged, this, &MainWindowHost::refreshInputState);
@@ -55,6 +59,7 @@ void MainWindowHost::create()
     connect(m_window.get(), &MainWindow::resumeRequested, &m_counting, &CountingSwitch::resume);
     connect(m_window.get(), &MainWindow::keyboardCountingRequested, this,
             &MainWindowHost::keyboardCountingRequested);
+    Q_EMIT windowMade(m_window.get());
 }
 
 void MainWindowHost::refreshInputState()

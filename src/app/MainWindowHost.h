@@ -10,6 +10,7 @@
 
 #include <memory>
 
+class AbstractSystem;
 class CountingSwitch;
 class MainWindow;
 
@@ -20,8 +21,9 @@ class MainWindowHost : public QObject
     Q_OBJECT
 
 public:
-    /// The window pauses and resumes `counting`, which outlives this object, as `parts` do.
-    MainWindowHost(const QString& databaseFile, ViewContext context, CountingSwitch& counting,
+    /// The window names applications as `system` does, and pauses and resumes `counting`; both
+    /// outlive this object, as `parts` do.
+    MainWindowHost(const QString& databaseFile, AbstractSystem& system, CountingSwitch& counting,
                    const ViewWiring::Parts& parts, QObject* parent = nullptr);
     ~MainWindowHost() override;
 
@@ -36,6 +38,7 @@ public:
 
 Q_SIGNALS:
     void closed();
+    void windowMade(MainWindow* window); ///< Whoever shows something in it connects to it now.
     void keyboardCountingRequested();
 
 private:

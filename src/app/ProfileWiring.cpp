@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/ProfileWiring.h"
 
+#include "base/Log.h"
 #include "profiles/ProfileDeletion.h"
 #include "profiles/ProfileManager.h"
 #include "stats/Collector.h"
+#include "storage/Settings.h"
 #include "ui/TrayIcon.h"
 
 ProfileWiring::ProfileWiring(ProfileManager& profiles, Collector& collector, TrayIcon& tray,
@@ -27,6 +29,15 @@ ProfileWiring::ProfileWiring(ProfileManager& profiles, Collector& collector, Tra
 void ProfileWiring::refreshTray()
 {
     m_tray.setProfiles(m_profiles.profiles(), m_profiles.getActiveStatsProfileId());
+}
+
+void ProfileWiring::resetToDefault(const char* reason)
+{
+    if (m_profiles.getActiveStatsProfileId() != ProfileManager::DefaultProfileId &&
+        Settings::instance().value(SettingsKeys::ProfilesResetOnSleep)) {
+        Log::info("Resetting to default profile because {} and the setting is enabled.", reason);
+        m_profiles.activateDefaultProfile();
+    }
 }
 
 void ProfileWiring::tellResult(ProfileFold::Result result)

@@ -21,6 +21,9 @@ public:
     ProfileWiring(ProfileManager& profiles, Collector& collector, TrayIcon& tray,
                   QObject* parent = nullptr);
 
+    /// Goes back to the default profile, where the setting wants it; `reason` is logged.
+    void resetToDefault(const char* reason);
+
     /// Deletes profiles at the user's wish; whoever shows its progress connects with it.
     ProfileDeletion& deletion() const { return *m_deletion; }
 

@@ -113,17 +113,45 @@ void Milestones::checkForMilestone()
 void Milestones::lowerBase(Milestone& milestone, MilestoneTotals& totals)
 {
     const std::optional<qint64> total = totals.current(milestone.statsType);
-    if (!total || *total >= milestone.lastStatsWhenTriggered) {
-        return;
+    if (total && *total < milestone.lastStatsWhenTriggered) {
+        setBase(milestone, *total);
     }
+}
+
+void Milestones::setBase(Milestone& milestone, qint64 total)
+{
     DSqlQuery query(Database::instance(),
                     QStringLiteral("UPDATE milestones SET last_stats_when_triggered = ? WHERE id = "
                                    "?"),
                     false);
-    query.bindValue(0, *total);
+    query.bindValue(0, total);
     query.bindValue(1, milestone.id);
     query.exec();
-    milestone.lastStatsWhenTriggered = *total;
+    milestone.lastStatsWhenTriggered = total;
+}
+
+void Milestones::whileChangingTotals(const std::function<void()>& change)
+{
+    MilestoneTotals before(Database::instance());
+    const QList<Milestone> milestones = list();
+    for (const Milestone& milestone : milestones) {
+        progress(milestone, before); // Which asks for the total.
+    }
+    change();
+    MilestoneTotals after(Database::instance());
+    for (const Milestone& milestone : milestones) {
+        if (!MilestoneTotals::isKnown(milestone.statsType)) {
+            continue;
+        }
+        const std::optional<qint64> then = before.current(milestone.statsType);
+        const std::optional<qint64> now = after.current(milestone.statsType);
+        qint64 base = 0;
+        if (then && now && *then != *now &&
+            !qAddOverflow(milestone.lastStatsWhenTriggered, *now - *then, &base)) {
+            setBase(m_milestones[milestone.id], base);
+        }
+    }
+    Q_EMIT signalMilestonesChanged();
 }
 
 std::optional<qint64> Milestones::progress(const Milestone& milestone, MilestoneTotals& totals)

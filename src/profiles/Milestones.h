@@ -8,6 +8,7 @@
 #include <QString>
 #include <QTimer>
 
+#include <functional>
 #include <optional>
 
 class Database;
@@ -68,6 +69,10 @@ public:
 
     void stop();
 
+    /// Lets `change` change the totals without counting that as growth: each milestone stays as far
+    /// as it is, and none fires for it.
+    void whileChangingTotals(const std::function<void()>& change);
+
     QList<Milestone> list() const; ///< In the order in which they were added.
     QList<Hit> log() const;        ///< The newest first.
 
@@ -100,6 +105,7 @@ private:
 
     /// After the statistics were deleted, the total it counted from is out of reach for years.
     static void lowerBase(Milestone& milestone, MilestoneTotals& totals);
+    static void setBase(Milestone& milestone, qint64 total);
     void fire(Milestone& milestone, qint64 total);
     static void logHit(const Milestone& milestone, qint64 total);
 

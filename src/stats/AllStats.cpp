@@ -18,6 +18,15 @@
 #include "stats/UptimeStat.h"
 #include "storage/Settings.h"
 
+namespace {
+
+CountryBandwidthStat* countries(const Collector& collector)
+{
+    return collector.getStat<CountryBandwidthStat>(QStringLiteral("CountryBandwidthStat"));
+}
+
+} // namespace
+
 void AllStats::addTo(Collector& collector, AbstractSystem* system, LiveRates& rates,
                      QObject* parent)
 {
@@ -47,5 +56,18 @@ void AllStats::followSettings(const Collector& collector, bool mayCount)
             statSwitch.enabled = statSwitch.enabled && mayCount;
             statSwitch.applyTo(*stat);
         }
+    }
+}
+
+bool AllStats::canFileCountries(const Collector& collector)
+{
+    const CountryBandwidthStat* statistic = countries(collector);
+    return !statistic->isEnabled() || statistic->hasDatabase();
+}
+
+void AllStats::reloadCountries(const Collector& collector)
+{
+    if (CountryBandwidthStat* statistic = countries(collector); statistic->isEnabled()) {
+        statistic->reloadGeoDB();
     }
 }

@@ -17,4 +17,10 @@ void addTo(Collector& collector, AbstractSystem* system, LiveRates& rates, QObje
 /// Switches each as the settings say; while counting is not allowed, all off.
 void followSettings(const Collector& collector, bool mayCount);
 
+/// Whether traffic can be filed by country; also where that is switched off, as then nothing lacks.
+bool canFileCountries(const Collector& collector);
+
+/// A newer country database lies there.
+void reloadCountries(const Collector& collector);
+
 } // namespace AllStats

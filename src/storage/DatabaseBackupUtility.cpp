@@ -378,8 +378,6 @@ void DatabaseBackupUtility::failPreparing(const QString& message)
     Q_EMIT signalErrorWhilePreparing(text);
 }
 
-/// The database closes, or this object goes. An upload that the end of the client cuts off is not
-/// a failed one: the next run may try again at once.
 void DatabaseBackupUtility::abandon()
 {
     m_abandoned = true;

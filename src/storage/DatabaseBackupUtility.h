@@ -70,6 +70,10 @@ public:
     /// Gives up what is under way, within a moment. The upload ends as a failed one.
     void cancelBackup();
 
+    /// As above, before it returns; an upload is cut off. The client is about to end, so that the
+    /// next run may try again at once.
+    void abandon();
+
     bool isInProgress() const { return m_stage != Stage::Idle; }
 
     qint64 getDatabaseSize() const; ///< Bytes of the copy that was made last; 0 without one.
@@ -125,7 +129,6 @@ private:
     void dropUpload();
     void removed(const FileWork& work);
     void failPreparing(const QString& message);
-    void abandon();
 
     void runOnThread(std::function<FileWork()> work, Next next);
     void threadEnded();

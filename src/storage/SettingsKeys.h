@@ -305,6 +305,8 @@ inline const SettingKey<QDateTime> OnlineLastHeatmapButtons{
 inline const SettingKey<QDateTime> OnlineLastHeatmapButtonsApps{
     QStringLiteral("online_last_heatmap_buttons_apps")};
 
+/// The computers that this database was linked to: "user/computer", joined by ",".
+inline const SettingKey<QString> OnlineLinkedComputers{QStringLiteral("online_linked_computers")};
 /// Numbers of the service's messages that the user has dismissed, joined by ",".
 inline const SettingKey<QString> DismissedWebsiteMessages{
     QStringLiteral("dismissed_website_messages")};
@@ -322,6 +324,9 @@ inline const SettingKey<bool> MainwindowSidebarCollapsed{
 /// The user was told where the program is once its window is closed.
 inline const SettingKey<bool> MainwindowClosingExplained{
     QStringLiteral("mainwindow_closing_explained"), false};
+
+/// The first steps are yet to be shown.
+inline const SettingKey<bool> FirstStepsDue{QStringLiteral("first_steps_due"), false};
 
 // Without a stored default: the Geek Window.
 /// Opens at start.

@@ -105,7 +105,10 @@ void TrayIcon::buildMenu()
     connect(m_countingAction, &QAction::triggered, this, &TrayIcon::toggleCounting);
     m_zurgeAction = addEntry(QStringLiteral("zurge"), QStringLiteral("zurge"), tr("Zurge"));
     connect(m_zurgeAction, &QAction::triggered, this, &TrayIcon::zurgeRequested);
-    connect(m_menu.get(), &QMenu::aboutToShow, this, &TrayIcon::showZurge);
+    connect(m_menu.get(), &QMenu::aboutToShow, this, [this] {
+        Q_EMIT zurgeFactsNeeded();
+        showZurge();
+    });
     m_profileMenu = m_menu->addMenu(tr("Profile"));
     m_profileMenu->setObjectName(QStringLiteral("profiles"));
     m_profileMenu->menuAction()->setVisible(false);
@@ -138,6 +141,7 @@ void TrayIcon::showZurge()
 
 void TrayIcon::zurge()
 {
+    Q_EMIT zurgeFactsNeeded();
     const ZurgeStatus status(m_zurge, QDateTime::currentDateTime());
     if (status.canBegin()) {
         Q_EMIT zurgeRequested();

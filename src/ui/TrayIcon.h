@@ -88,6 +88,7 @@ Q_SIGNALS:
     void pauseRequested();
     void resumeRequested();
     void quitRequested();
+    void zurgeFactsNeeded(); ///< `setZurge` is to bring them up to date before this returns.
     void zurgeRequested();
     void setUpRequested(); ///< The user wants to go through the first steps again.
     void profileRequested(int id, const QString& name);

@@ -187,20 +187,20 @@ void ScreenshotsTest::fillAccount(AccountView& view)
     state.userName = QStringLiteral("ann.example");
     state.email = QStringLiteral("ann.example-with-a-long-name@mail.tallyvane.example");
     state.computer = QStringLiteral("Workshop");
-    state.online = {.keys = 41'730'456,
+    state.totals = {.keys = 41'730'456,
                     .clicks = 7'204'311,
+                    .download = 8'812'345,
+                    .upload = 912'345,
+                    .uptime = 81'234'567,
                     .scrolls = 9'812'001,
-                    .distanceMiles = 412.6,
-                    .downloadMiB = 8'812'345,
-                    .uploadMiB = 912'345,
-                    .uptimeSeconds = 81'234'567,
-                    .keysRank = 1'204,
-                    .clicksRank = 987,
-                    .scrollsRank = 2'311,
-                    .distanceRank = 1'790,
-                    .downloadRank = 12'077,
-                    .uploadRank = 4'010,
-                    .uptimeRank = 96};
+                    .distanceMiles = 412.6};
+    state.ranks = {.keys = 1'204,
+                   .clicks = 987,
+                   .download = 12'077,
+                   .upload = 4'010,
+                   .uptime = 96,
+                   .scrolls = 2'311,
+                   .distance = 1'790};
     state.unzurged = {.keys = 12'403,
                       .clicks = 2'210,
                       .download = 1'234'567'890,

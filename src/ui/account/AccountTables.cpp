@@ -79,24 +79,23 @@ QList<FiguresModel::Column> AccountTables::countsColumns()
 }
 
 QList<FiguresModel::Row> AccountTables::counts(const UnzurgedCounts& unzurged,
-                                               const OnlineFigures& online)
+                                               const OnlineTotals& totals, const OnlineRanks& ranks)
 {
     const auto uptime =
         static_cast<qint64>(std::min(unzurged.uptime, CounterLimit) / MillisecondsPerSecond);
     return {
-        row(Text::tr("Keys"), countText(unzurged.keys), countText(online.keys), online.keysRank),
-        row(Text::tr("Clicks"), countText(unzurged.clicks), countText(online.clicks),
-            online.clicksRank),
-        row(Text::tr("Scroll steps"), countText(unzurged.scrolls), countText(online.scrolls),
-            online.scrollsRank),
+        row(Text::tr("Keys"), countText(unzurged.keys), countText(totals.keys), ranks.keys),
+        row(Text::tr("Clicks"), countText(unzurged.clicks), countText(totals.clicks), ranks.clicks),
+        row(Text::tr("Scroll steps"), countText(unzurged.scrolls), countText(totals.scrolls),
+            ranks.scrolls),
         row(Text::tr("Travel"), lengthText(static_cast<double>(unzurged.distanceInches)),
-            lengthText(online.distanceMiles * InchesPerMile), online.distanceRank),
+            lengthText(totals.distanceMiles * InchesPerMile), ranks.distance),
         row(Text::tr("Downloaded"), Format::bytes(unzurged.download),
-            mebibytesText(online.downloadMiB), online.downloadRank),
-        row(Text::tr("Uploaded"), Format::bytes(unzurged.upload), mebibytesText(online.uploadMiB),
-            online.uploadRank),
-        row(Text::tr("Uptime"), Format::duration(uptime), Format::duration(online.uptimeSeconds),
-            online.uptimeRank)};
+            mebibytesText(totals.download), ranks.download),
+        row(Text::tr("Uploaded"), Format::bytes(unzurged.upload), mebibytesText(totals.upload),
+            ranks.upload),
+        row(Text::tr("Uptime"), Format::duration(uptime), Format::duration(totals.uptime),
+            ranks.uptime)};
 }
 
 QList<FiguresModel::Column> AccountTables::zurgesColumns()

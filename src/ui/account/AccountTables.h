@@ -33,7 +33,8 @@ enum BackupsColumn
 QList<FiguresModel::Column> countsColumns();
 
 /// One row to each quantity, the distance in the user's units; a rank of 0 stays empty.
-QList<FiguresModel::Row> counts(const UnzurgedCounts& unzurged, const OnlineFigures& online);
+QList<FiguresModel::Row> counts(const UnzurgedCounts& unzurged, const OnlineTotals& totals,
+                                const OnlineRanks& ranks);
 
 QList<FiguresModel::Column> zurgesColumns();
 QList<FiguresModel::Row> zurges(const QList<ZurgeRecord>& records);

@@ -103,7 +103,7 @@ void AccountView::addBackups()
 void AccountView::setState(const AccountState& state)
 {
     m_state = state;
-    m_counts->setRows(AccountTables::counts(state.unzurged, state.online));
+    m_counts->setRows(AccountTables::counts(state.unzurged, state.totals, state.ranks));
     m_zurges->setRows(AccountTables::zurges(state.zurges));
     m_zurgesCard->setExplanation(state.zurges.isEmpty() ? tr("They appear here with their outcome")
                                                         : QString());

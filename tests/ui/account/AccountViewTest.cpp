@@ -207,7 +207,8 @@ void AccountViewTest::showsTheCountsInTheUsersUnits()
     Settings::instance().setValue(SettingsKeys::OnlineTotalDownload, qint64(2048));
     Settings::instance().setValue(SettingsKeys::OnlineTotalUpload, qint64(-1));
     Settings::instance().setValue(SettingsKeys::OnlineRankKeys, qint64(4321));
-    state.online = OnlineFigures::stored();
+    state.totals = OnlineFigures::storedTotals();
+    state.ranks = OnlineFigures::storedRanks();
     auto* model = table("accountCounts")->model();
     const QAbstractItemModelTester tester(model,
                                           QAbstractItemModelTester::FailureReportingMode::QtTest);
