@@ -22,8 +22,9 @@ MINUTE = 60 + PATIENCE  # To wait for what the client does each minute.
 PAUSE = 10.5  # Seconds from the beginning of a zurge until another one may begin.
 COUNTERS = ("keys", "clicks", "download", "upload", "uptime", "scrolls", "distance_inches")
 LEFT_BUTTON = 0x110  # linux/input-event-codes.h
-# What the program logs where something is amiss.
-TROUBLE = r"(?m)^\S+ \S+ (warn|error|fatal) "
+# What the program logs where something is amiss; that the window in front is the window manager's own,
+# of no process, is none of it.
+TROUBLE = r"(?m)^\S+ \S+ (warn|error|fatal) (?!XGetWindowProperty _NET_WM_PID )"
 
 
 class Service:
