@@ -44,21 +44,20 @@ class Linking(AccountTest):
 
 class Zurging(AccountTest):
     def test_a_threshold_sends_its_amount(self):
-        self.link_and_end(auto_zurge_keys_enabled=1, auto_zurge_keys_unit=20)
         began = time.monotonic()
+        self.link_and_end(auto_zurge_keys_enabled=1, auto_zurge_keys_unit=20)
         process = self.start()
         self.click(3)
         self.type(25)
         self.expect_total(20, MINUTE)
         self.assertEqual(self.client.terminate(process), 0)
 
-        totals, unzurged, elapsed = (self.service.totals(self.USER), self.client.unzurged(),
-                                     time.monotonic() - began)
+        totals, unzurged = self.service.totals(self.USER), self.client.unzurged()
         self.assertEqual((totals["keys"], unzurged["keys"]), (20, 5))
         self.assertEqual((totals["clicks"], unzurged["clicks"]), (3, 0))
         self.assertEqual(self.client.counted(), {"keys": 25, "clicks": 3})
-        # The client had run a while when it was linked, and it is counted in seconds.
-        self.assertGreaterEqual(totals["uptime"] + unzurged["uptime"] + 10, int(elapsed))
+        self.assertGreater(totals["uptime"], 55, "all of the minute until the check")
+        self.assertLessEqual(totals["uptime"] + unzurged["uptime"], time.monotonic() - began)
         self.assertEqual(self.service.query("SELECT mechanism FROM zurges"), [("auto",)])
         self.assertEqual(self.service.violations(), [])
         self.assertNotRegex(self.client.log(), TROUBLE)
@@ -148,8 +147,8 @@ class Killed(AccountTest):
     """Between the sending of a zurge and its answer."""
 
     def check(self, taken):
-        self.link_and_end()
         began = time.monotonic()
+        self.link_and_end()
         process = self.start()
         self.type(5)
         self.service.ask("fault", type="zurge", kind="hang", act=taken)
@@ -162,7 +161,7 @@ class Killed(AccountTest):
         sent = time.monotonic()
         process = self.start()
         self.assertRegex(self.client.log(), r"warn The last run ended before the service answered to a "
-                         r"zurge: sent at \S+, it is uncertain whether the service has taken keys 5\b")
+                         r"zurge: sent at \S+, it is uncertain whether the service has taken keys 5,")
         self.type(3)
         time.sleep(max(0, PAUSE - (time.monotonic() - sent)))
         self.client.zurge_by_hand()
@@ -174,7 +173,7 @@ class Killed(AccountTest):
         totals, unzurged = self.service.totals(self.USER), self.client.unzurged()
         self.assertEqual((totals["keys"], unzurged["keys"]), (8, 0))
         self.assertEqual(self.client.counted()["keys"], 8)
-        self.assertLessEqual(totals["uptime"] + unzurged["uptime"], time.monotonic() - began + 10)
+        self.assertLessEqual(totals["uptime"] + unzurged["uptime"], time.monotonic() - began)
         self.assertEqual(self.service.violations(), [])
 
     def test_what_was_taken_is_not_sent_again(self):
