@@ -42,7 +42,10 @@ OnlineBackups::OnlineBackups(Database& database, ClientCommunication& communicat
 BackupState OnlineBackups::state() const
 {
     BackupState state = m_progress;
-    state.lastTried = Settings::instance().value(SettingsKeys::OnlineBackupLast);
+    // The setting begins with the first start, so that the first backup comes a week later.
+    const bool isNone = m_isKnown && m_kept.isEmpty() && state.failure.isEmpty();
+    state.lastTried =
+        isNone ? QDateTime() : Settings::instance().value(SettingsKeys::OnlineBackupLast);
     state.isAutomatic = Settings::instance().value(SettingsKeys::OnlineBackupEnabled);
     state.kept = m_kept;
     return state;

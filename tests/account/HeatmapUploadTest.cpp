@@ -13,6 +13,7 @@ private Q_SLOTS:
     void sendsOnceSomethingGrew();
     void sendsPortionsOfWholeDays();
     void keepsBackWhatIsNotWanted();
+    void takesNoAnswerForAnotherAccount();
 };
 
 void HeatmapUploadTest::sendsEachKind()
@@ -109,6 +110,24 @@ void HeatmapUploadTest::keepsBackWhatIsNotWanted()
     set(SettingsKeys::OnlineSendHeatmaps, false);
     QVERIFY(client.exec("UPDATE keypress_frequency SET count = 100"));
     QVERIFY(client.makesNoRequest(&Uploads::uploadHeatmaps));
+}
+
+void HeatmapUploadTest::takesNoAnswerForAnotherAccount()
+{
+    UploadClient client;
+    QVERIFY(client.exec("INSERT INTO keypress_frequency VALUES ('TODAY', 9, 65, 3, 0)"));
+    const auto forget = [](Uploads& uploads) {
+        uploads.uploadHeatmaps();
+        uploads.forget();
+    };
+    QVERIFY(client.makesRequests(forget, {Success}));
+    QVERIFY(!Settings::instance().has(SettingsKeys::OnlineLastHeatmapKeyboard));
+    QVERIFY(client.makesRequests(&Uploads::uploadHeatmaps, {Success}));
+    QVERIFY(value(SettingsKeys::OnlineLastHeatmapKeyboard).isValid());
+    // The next account has none of what the last one has.
+    client.uploads.forget();
+    Settings::instance().del(SettingsKeys::OnlineLastHeatmapKeyboard.name());
+    QVERIFY(client.makesRequests(&Uploads::uploadHeatmaps, {Success}));
 }
 
 REGISTER_TEST(HeatmapUploadTest);

@@ -21,7 +21,6 @@ class MainWindow(DesktopTest):
                        stderr=subprocess.DEVNULL)
         self.client.device()
         self.process = self.client.start_fully()
-        self.desktop.skip_first_steps()
         self.window = self.desktop.main_window()
 
     def press_and_look(self, *keys):

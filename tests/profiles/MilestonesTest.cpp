@@ -21,6 +21,7 @@ private Q_SLOTS:
     void staysSilent();
     void startsFromTheCurrentTotal();
     void keepsItsStartUnlessTheTypeChanges();
+    void takesChangedTotalsForNoGrowth();
 
 private:
     void growTo(int total) const;
@@ -200,6 +201,22 @@ void MilestonesTest::keepsItsStartUnlessTheTypeChanges()
     QVERIFY(milestones.update(id, choice));
     QCOMPARE(milestones.list().constFirst().lastStatsWhenTriggered, 100);
     QVERIFY(!milestones.update(id + 1, choice));
+}
+
+void MilestonesTest::takesChangedTotalsForNoGrowth()
+{
+    QVERIFY(insert(QStringLiteral("Keys"), 20, {}) && insert(QStringLiteral("Clicks"), 20, {}) &&
+            insert(QStringLiteral("hours of sleep"), 20, {}));
+    Milestones milestones;
+    milestones.refreshSettings(Milestones::All);
+    milestones.whileChangingTotals([this] { growTo(5'000); });
+    milestones.checkForMilestone();
+    QCOMPARE(hits(), QString());
+    QCOMPARE(m_test->rows(QStringLiteral("SELECT last_stats_when_triggered FROM milestones")),
+             QStringLiteral("4990,4990,90"));
+    growTo(5'010); // As far as each was before: ten of twenty.
+    milestones.checkForMilestone();
+    QCOMPARE(hits().count(QStringLiteral("Name|")), 2);
 }
 
 REGISTER_TEST(MilestonesTest);

@@ -64,6 +64,10 @@ int main(int argc, char** argv)
     parser.setApplicationDescription(QStringLiteral("An account service for trying the client."));
     parser.addHelpOption();
     parser.addOption(port);
+    const QCommandLineOption plain(
+        QStringLiteral("plain"),
+        QStringLiteral("Without TLS, so that nobody has to trust its certificate."));
+    parser.addOption(plain);
     parser.addPositionalArgument(
         QStringLiteral("directory"),
         QStringLiteral("Where to keep accounts and archives; else in the build directory."),
@@ -75,7 +79,9 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "Cannot make %s\n", qUtf8Printable(directory.path()));
         return 1;
     }
-    AccountService service(directory.absolutePath());
+    AccountService service(directory.absolutePath(), parser.isSet(plain)
+                                                         ? AccountService::Transport::Plain
+                                                         : AccountService::Transport::Tls);
     ServiceControl control(service);
     const quint16 controlPort = control.start();
     if (!service.start(parser.value(port).toUShort()) || controlPort == 0) {

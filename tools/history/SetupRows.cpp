@@ -43,6 +43,7 @@ void SetupRows::writeSettings(const QDateTime& end)
     m_setting.run(MouseDistanceSystem.name(), "metric");
     m_setting.run(LastPruneMousepoints.name(), stored(end));
     m_setting.run(MainwindowClosingExplained.name(), "1");
+    m_setting.run(FirstStepsDue.name(), "0");
     m_lastUpdate.run(stored(end));
     m_ignoredApplication.run("/usr/bin/keepassxc");
     m_ignoredInterface.run("02:42:ac:11:00:02");
