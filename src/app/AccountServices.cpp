@@ -112,8 +112,6 @@ void AccountServices::fetchMissingFiles()
 void AccountServices::start()
 {
     m_autoZurging.start();
-    connect(&m_maintenance, &QTimer::timeout, this, &AccountServices::performMaintenance);
-    m_maintenance.start(MaintenanceMs);
     connect(&m_applicationUpload, &QTimer::timeout, &m_uploads, &Uploads::uploadApplications);
     m_applicationUpload.start(ApplicationUploadMs);
     connect(&m_profileUpload, &QTimer::timeout, &m_uploads, &Uploads::uploadProfiles);
@@ -201,7 +199,7 @@ void AccountServices::signOut()
 
 void AccountServices::stop()
 {
-    for (QTimer* timer : {&m_maintenance, &m_applicationUpload, &m_profileUpload, &m_usageStats}) {
+    for (QTimer* timer : {&m_applicationUpload, &m_profileUpload, &m_usageStats}) {
         timer->stop();
     }
     m_backups.stop();

@@ -27,7 +27,6 @@ class AccountServices : public QObject
     Q_OBJECT
 
 public:
-    static constexpr int MaintenanceMs = 840'000;
     static constexpr int ApplicationUploadMs = 900'000;
     static constexpr int ProfileUploadMs = 600'000;
 
@@ -80,7 +79,7 @@ public:
     void signOut();
 
 public Q_SLOTS:
-    void performMaintenance();
+    void performMaintenance(); ///< To be called every quarter of an hour or so.
     void checkForMessagesFromWebsite();
 
 Q_SIGNALS:
@@ -112,7 +111,6 @@ private:
     DataFileDownload m_ports;
     ServiceAddresses m_addresses;
     AccountIdentity m_identity; ///< As known here.
-    QTimer m_maintenance;
     QTimer m_applicationUpload;
     QTimer m_profileUpload;
     QTimer m_usageStats;

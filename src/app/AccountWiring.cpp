@@ -63,7 +63,7 @@ void AccountWiring::followServices()
     });
     const OnlineBackups* backups = &m_parts.services.backups();
     connect(backups, &OnlineBackups::changed, this, &AccountWiring::refreshView);
-    connect(backups, &OnlineBackups::failed, &m_parts.tray, [this](const QString& text) {
+    connect(backups, &OnlineBackups::failed, this, [this](const QString& text) {
         m_parts.tray.showMessage(tr("The database was not backed up"), text);
     });
 }

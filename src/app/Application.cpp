@@ -44,6 +44,7 @@
 
 namespace {
 
+constexpr int MaintenanceMs = 840'000;
 constexpr int MemoryCleanupMs = 10'000;
 constexpr int PruneMs = 3'600'000;
 
@@ -215,6 +216,8 @@ void Application::slotStartupDelayed()
 {
     Log::info("Starting timers and collector..");
     m_account->start();
+    connect(&m_maintenanceTimer, &QTimer::timeout, this, &Application::slotPerformMaintenace);
+    m_maintenanceTimer.start(MaintenanceMs);
     connect(&m_memoryTimer, &QTimer::timeout, this, &Application::cleanupMemory);
     m_memoryTimer.start(MemoryCleanupMs);
     connect(&m_pruneTimer, &QTimer::timeout, this, &Application::pruneMousePoints);

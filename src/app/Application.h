@@ -152,6 +152,7 @@ private:
     std::unique_ptr<SetupHost> m_setup;
     std::unique_ptr<AccountWiring> m_accountWiring;
 
+    QTimer m_maintenanceTimer;
     QTimer m_memoryTimer;
     QTimer m_pruneTimer;
 };

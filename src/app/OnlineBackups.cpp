@@ -27,11 +27,8 @@ OnlineBackups::OnlineBackups(Database& database, ClientCommunication& communicat
     });
     connect(utility, &DatabaseBackupUtility::signalUploadProgress, this,
             &OnlineBackups::takeUploadProgress);
-    connect(utility, &DatabaseBackupUtility::signalErrorWhilePreparing, this, &OnlineBackups::end);
-    connect(utility, &DatabaseBackupUtility::signalBackupFinished, this, [this](bool successful) {
-        // Why an upload failed was the last status.
-        end(successful ? QString() : m_progress.step);
-    });
+    connect(utility, &DatabaseBackupUtility::signalErrorWhilePreparing, this, &OnlineBackups::fail);
+    connect(utility, &DatabaseBackupUtility::signalBackupFinished, this, &OnlineBackups::takeEnd);
     connect(&m_communication, &ClientCommunication::requestDone, this, &OnlineBackups::takeAnswer);
     connect(&m_communication, &ClientCommunication::requestDropped, this,
             [this](const QString& requestType) {
@@ -89,7 +86,7 @@ void OnlineBackups::startIfDue()
 void OnlineBackups::start()
 {
     if (const QString reason = obstacle(); !reason.isEmpty()) {
-        end(reason);
+        fail(reason);
         return;
     }
     m_utility.backgroundDatabaseBackup(DatabaseBackupUtility::Trigger::Now);
@@ -101,6 +98,12 @@ void OnlineBackups::cancel()
         m_isCancelled = true;
         m_utility.cancelBackup();
     }
+}
+
+void OnlineBackups::stop()
+{
+    m_isCancelled = true;
+    m_utility.abandon();
 }
 
 void OnlineBackups::askForAddress()
@@ -132,14 +135,25 @@ void OnlineBackups::takeUploadProgress(qint64 sent, qint64 total)
     Q_EMIT changed();
 }
 
-void OnlineBackups::end(const QString& failure)
+void OnlineBackups::takeEnd(bool successful)
+{
+    if (!successful) {
+        const QString lastStatus = m_progress.step; // It says why.
+        fail(lastStatus);
+        return;
+    }
+    m_isCancelled = false;
+    m_progress = {};
+    Q_EMIT changed();
+    Q_EMIT made();
+}
+
+void OnlineBackups::fail(const QString& reason)
 {
     const bool isCancelled = std::exchange(m_isCancelled, false);
-    m_progress = {.failure = isCancelled ? QString() : failure};
+    m_progress = {.failure = isCancelled ? QString() : reason};
     Q_EMIT changed();
-    if (failure.isEmpty()) {
-        Q_EMIT made();
-    } else if (!isCancelled) {
-        Q_EMIT failed(failure);
+    if (!isCancelled) {
+        Q_EMIT failed(reason);
     }
 }

@@ -35,7 +35,7 @@ public:
 
     void startIfDue();
 
-    void stop() { m_utility.abandon(); } ///< Ends what is under way before it returns.
+    void stop(); ///< Ends what is under way before it returns, and says nothing of that.
 
 public Q_SLOTS:
     void start();
@@ -59,7 +59,8 @@ private:
     void askForAddress();
     void takeStatus(const QString& status);
     void takeUploadProgress(qint64 sent, qint64 total);
-    void end(const QString& failure);
+    void takeEnd(bool successful);
+    void fail(const QString& reason);
     void takeAnswer(const QString& requestType, int status, const QMap<QString, QVariant>& data,
                     const QString& message);
 

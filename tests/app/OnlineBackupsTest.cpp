@@ -111,10 +111,12 @@ void OnlineBackupsTest::startsWhenDue()
     settings.setValue(SettingsKeys::OnlineBackupLast,
                       QDateTime::currentDateTime().addDays(-daysAgo));
     const QSignalSpy pauses(&client.services->backups(), &OnlineBackups::countingPauseNeeded);
+    const QSignalSpy failures(&client.services->backups(), &OnlineBackups::failed);
     client.services->backups().startIfDue();
     QCOMPARE(pauses.size(), starts ? 1 : 0);
     client.services->stop();
     QVERIFY(!client.database.database()->isLent());
+    QVERIFY(failures.isEmpty()); // The client is about to end.
 }
 
 REGISTER_TEST(OnlineBackupsTest);
