@@ -14,7 +14,9 @@
 #include "ui/MainWindow.h"
 #include "ui/TrayIcon.h"
 
+#include <QAction>
 #include <QApplication>
+#include <QMenu>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QToolButton>
@@ -86,6 +88,7 @@ private Q_SLOTS:
     void tellsWhatTheLastRunLeftOpen();
     void showsOneMessageBox();
     void showsInTheTrayThatNothingIsSent();
+    void offersAZurgeInTheTrayAsSoonAsSomethingIsCounted();
     void showsMessagesUntilTheyAreDismissed();
 };
 
@@ -153,6 +156,24 @@ void AccountWiringTest::showsInTheTrayThatNothingIsSent()
     QCOMPARE(client.tray.shape(), TrayIcon::Shape::Offline);
     client.services->signOut();
     QCOMPARE(client.tray.shape(), TrayIcon::Shape::Counting);
+}
+
+void AccountWiringTest::offersAZurgeInTheTrayAsSoonAsSomethingIsCounted()
+{
+    ShownClient client;
+    client.signIn();
+    QMenu* menu = nullptr;
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+        if (widget->objectName() == QLatin1String("trayMenu")) {
+            menu = qobject_cast<QMenu*>(widget);
+        }
+    }
+    QVERIFY(menu);
+    const auto* zurge = menu->findChild<QAction*>(QStringLiteral("zurge"));
+    QVERIFY(!zurge->isEnabled());
+    client.localStats.increaseKeys(5); // Nobody is told of that.
+    Q_EMIT menu->aboutToShow();
+    QVERIFY(zurge->isEnabled());
 }
 
 void AccountWiringTest::showsMessagesUntilTheyAreDismissed()
