@@ -63,6 +63,9 @@ void AutoZurging::refreshSettings()
 
 void AutoZurging::checkForZurge()
 {
+    if (!m_localStats.isLoggedIn()) {
+        return; // Who stays local is to hear nothing of it, not even in the log.
+    }
     const QDateTime now = m_now();
     if (!zurgeOnCount() && m_clock.enabled) {
         zurgeOnTime(now);

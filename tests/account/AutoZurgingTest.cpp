@@ -22,6 +22,7 @@ private Q_SLOTS:
     void zurgesByTheClock_data();
     void zurgesByTheClock();
     void triesAgainWhatWasRefused();
+    void isSilentWithoutAnAccount();
 
 private:
     void set(const SettingKey<bool>& enabled, const SettingKey<int>& unit, int value);
@@ -203,6 +204,17 @@ void AutoZurgingTest::triesAgainWhatWasRefused()
     m_stats->increaseKeys(1);
     check(m_now.addDays(1));
     QCOMPARE(m_service->requests.size(), 2);
+}
+
+void AutoZurgingTest::isSilentWithoutAnAccount()
+{
+    set(SettingsKeys::AutoZurgeKeysEnabled, SettingsKeys::AutoZurgeKeysUnit, 1);
+    m_stats->signOut();
+    m_stats->increaseKeys(5);
+    const LogCapture log;
+    check(m_now);
+    QCOMPARE(log.text(), QString());
+    QCOMPARE(m_service->requests.size(), 0);
 }
 
 REGISTER_TEST(AutoZurgingTest);

@@ -98,14 +98,15 @@ class Desktop:
         return self.run("xdotool", "search", "--onlyvisible", "--name", title).split()
 
     def main_window(self):
-        """The client's main window. The first steps, which a first start shows above it, are closed."""
-        window = wait_for(lambda: self.windows("^Tallyvane$"), "the main window")[0]
-        time.sleep(0.5)
-        for steps in self.windows("^Set up Tallyvane$"):
-            self.run("xdotool", "windowactivate", "--sync", steps)
-            self.press("Escape")
-            wait_for(lambda: not self.windows("^Set up Tallyvane$"), "the end of the first steps")
-        return window
+        return wait_for(lambda: self.windows("^Tallyvane$"), "the main window")[0]
+
+    def skip_first_steps(self):
+        """Closes the window that the client's first start opens beside the main one."""
+        steps = wait_for(lambda: self.windows("^Set up Tallyvane$"), "the first steps")[0]
+        self.run("xdotool", "windowactivate", "--sync", steps)
+        wait_for(lambda: not self.windows("^Set up Tallyvane$") or self.press("Escape"),
+                 "the end of the first steps")
+        self.run("xdotool", "windowactivate", "--sync", self.main_window())
 
     def picture(self, window, area):
         """A part of a window as it looks now, to be compared."""
@@ -168,6 +169,7 @@ class Client:
         self.data = self.root / "share" / "Tallyvane"
         self.devices = self.root / "input"
         self.devices.mkdir(exist_ok=True)
+        self.mounts = {}  # What the client sees in the place of directories of the machine.
         (self.root / "runtime").mkdir(mode=0o700, exist_ok=True)
         self.environment = os.environ | (desktop.environment if desktop else {}) | {
             "HOME": str(self.root), "XDG_DATA_HOME": str(self.root / "share"),
@@ -178,13 +180,17 @@ class Client:
         self.processes = []
 
     def command(self, arguments, devices):
-        if not devices:
+        mounts = self.mounts | ({"/dev/input": self.devices} if devices else {})
+        if not mounts:
             return [BINARY, *arguments]
         if os.geteuid() != 0 or not shutil.which("unshare"):
-            raise unittest.SkipTest("pipes in place of /dev/input need root and a mount namespace")
-        script = 'mkdir -p /dev/input && mount --bind "$0" /dev/input && exec "$@"'
-        return ["unshare", "--mount", "--propagation", "private", "sh", "-c", script,
-                str(self.devices), BINARY, *arguments]
+            raise unittest.SkipTest(f"something else in place of {', '.join(mounts)} needs root and "
+                                    "a mount namespace")
+        script = ('while [ "$1" != -- ]; do mkdir -p "$1" && mount --bind "$2" "$1" || exit; '
+                  'shift 2; done; shift; exec "$@"')
+        pairs = [str(path) for pair in mounts.items() for path in pair]
+        return ["unshare", "--mount", "--propagation", "private", "sh", "-c", script, "sh", *pairs,
+                "--", BINARY, *arguments]
 
     def start(self, *arguments, devices=True, environment=None):
         """Starts the client without waiting for anything; returns the process."""

@@ -99,6 +99,7 @@ class Counting(DesktopTest):
 
     def test_what_is_typed_during_a_pause_is_not_counted(self):
         process = self.client.start_fully()
+        self.desktop.skip_first_steps()
         window = self.desktop.main_window()
         self.client.wait_for_log("Creating device listener for /dev/input/event0")
 

@@ -11,6 +11,7 @@ class Profiles(DesktopTest):
         super().setUp()
         self.keyboard = self.client.device()
         self.process = self.client.start_fully()
+        self.desktop.skip_first_steps()
         self.window = self.desktop.main_window()
         self.client.wait_for_log("Creating device listener for /dev/input/event0")
         self.desktop.press("ctrl+7")

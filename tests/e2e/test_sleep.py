@@ -78,6 +78,7 @@ class Sleep(DesktopTest):
 
     def begin_profile(self, name):
         """Adds a profile by the window's table and counts under it; returns its id."""
+        self.desktop.skip_first_steps()
         window = self.desktop.main_window()
         self.desktop.run("xdotool", "windowactivate", "--sync", window)
         self.desktop.press("ctrl+7")

@@ -120,7 +120,7 @@ class BesideRunningClient(DesktopTest):
         self.assertEqual(self.client.run("--unknown")[0], 0)
         self.client.wait_for_log(
             "Received message from another instance to open our main window!")
-        wait_for(lambda: self.desktop.windows("Tallyvane"), "the main window")
+        self.desktop.main_window()
         self.assertIn("info Tallyvane is already running! Sending message to running client to bring "
                       "up MainWindow and exiting this instance.", self.client.log())
 

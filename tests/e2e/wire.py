@@ -80,6 +80,19 @@ class Wire:
         self.stack.close()
 
 
+@contextlib.contextmanager
+def inside(namespace):
+    """The sockets that this thread makes within a with-block belong to NAMESPACE."""
+    library = ctypes.CDLL(None, use_errno=True)
+    with open("/proc/thread-self/ns/net") as home, open(f"/run/netns/{namespace}") as there:
+        if library.setns(there.fileno(), CLONE_NEWNET) != 0:
+            raise OSError(ctypes.get_errno(), "setns")
+        try:
+            yield
+        finally:
+            library.setns(home.fileno(), CLONE_NEWNET)
+
+
 class Sniffer:
     """Every frame that crosses the wire's end here, summed up by flow, as long as a with-block runs."""
 
@@ -92,15 +105,8 @@ class Sniffer:
 
     @staticmethod
     def _open(namespace):
-        """A socket belongs to the namespace it was made in; only this thread goes there, and back."""
-        library = ctypes.CDLL(None, use_errno=True)
-        with open("/proc/thread-self/ns/net") as home, open(f"/run/netns/{namespace}") as there:
-            if library.setns(there.fileno(), CLONE_NEWNET) != 0:
-                raise OSError(ctypes.get_errno(), "setns")
-            try:
-                opened = socket.socket(socket.AF_PACKET, socket.SOCK_RAW, 0)
-            finally:
-                library.setns(home.fileno(), CLONE_NEWNET)
+        with inside(namespace):
+            opened = socket.socket(socket.AF_PACKET, socket.SOCK_RAW, 0)
         opened.setsockopt(socket.SOL_SOCKET, SO_RCVBUFFORCE, 64 << 20)
         opened.bind(("wire0", ETH_P_ALL))
         opened.settimeout(0.3)
