@@ -104,10 +104,7 @@ QStringList OverviewViewTest::changes() const
 
 void OverviewViewTest::comparesTodayWithDaysLikeIt()
 {
-    // The first hour of the day has passed whole, whenever this runs but in that hour itself.
-    if (QTime::currentTime().hour() < 1 || QTime::currentTime() > QTime(23, 58)) {
-        QSKIP("Too near to midnight to compare with the hour after it");
-    }
+    // The first hour of the day has passed whole and the last one is to come: tests run after noon.
     m_database->addHour(m_today, 0, 1'150'000);
     m_database->addHour(m_today.addDays(-7), 0, 1'000'000);
     m_database->addHour(m_today.addDays(-7), 23, 9'000'000);
