@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+
+/// Tells the requests of web pages, which the browser of the user makes on behalf of anybody, from
+/// those of programs. A browser says truly which page asks (Origin), and which name the page's
+/// script used (Host): a name that its owner let point to this machine is not one of this machine.
+/// Pure functions, for any thread.
+namespace WebPages {
+
+/// Whether the value of a Host header names this machine as a program would: by an IPv4 or
+/// bracketed IPv6 address, as "localhost", or by `machineName` (also with its domain left out),
+/// each with or without a port, in any case. Without the header, which HTTP/1.0 allows: true.
+bool isOwnHost(const QString& host, const QString& machineName);
+
+/// Whether a request of this Origin comes from a program, or from the API's own page: no Origin,
+/// "null", one of files ("file://"), or "http://" and a host for which `isOwnHost` holds with the
+/// port `httpPort`. Any other web origin is foreign. An origin of neither kind (a browser's
+/// extension) is foreign too.
+bool isOwnOrigin(const QString& origin, quint16 httpPort, const QString& machineName);
+
+} // namespace WebPages

@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+
+#include <optional>
+
+/// A message of a WebSocket client. Plain value; what is not there, or is no text, is empty.
+struct WebsocketMessage
+{
+    QString source;
+    QString action;
+    QString identifier;
+    QString profileName; ///< "profile_name".
+
+    /// Nothing where the text is no JSON object. Depth and size are bounded by who received it.
+    static std::optional<WebsocketMessage> fromJson(const QString& text);
+};
