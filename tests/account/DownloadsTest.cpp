@@ -7,21 +7,16 @@
 #include "support/TestDatabase.h"
 #include "support/TestFiles.h"
 #include "support/TestRegistry.h"
-#include "support/Waiting.h"
 
 #include <QSignalSpy>
+#include <QTest>
 
 namespace {
 
 using Manner = ScriptedServer::Manner;
 
+constexpr std::chrono::milliseconds StallTimeout = std::chrono::seconds(1);
 constexpr int PatienceMs = 60'000;
-
-/// How long a server may stand still: not long where that is what it does.
-std::chrono::milliseconds stallTimeout(Manner manner)
-{
-    return std::chrono::milliseconds(manner == Manner::StandStill ? 500 : PatienceMs);
-}
 
 /// One kept data file, and the server it comes from.
 struct DataFileClient
@@ -29,7 +24,7 @@ struct DataFileClient
     explicit DataFileClient(
         DataFileDownload::DataFile kept = DataFileDownload::DataFile::countryDatabase(),
         Manner manner = Manner::Answer)
-        : stall(stallTimeout(manner))
+        : stall(manner == Manner::StandStill ? StallTimeout : std::chrono::milliseconds(PatienceMs))
         , file(std::move(kept))
     {
         server.script.manner = manner;
@@ -299,7 +294,7 @@ void DownloadsTest::tellsWhyNoBackupCame()
     const QTemporaryDir directory;
     ScriptedServer server;
     server.script = {.manner = static_cast<Manner>(manner), .body = QByteArray(500'000, 'z')};
-    BackupDownload download(directory.path(), nullptr, stallTimeout(server.script.manner));
+    BackupDownload download(directory.path(), nullptr, StallTimeout);
     QSignalSpy finished(&download, &BackupDownload::finished);
     std::optional<FileSizeLimit> limit;
     if (mostBytes > 0) {
@@ -332,7 +327,7 @@ void DownloadsTest::canBeCancelled()
             download.processGetDatabaseBackupDownloadURL(
                 QStringLiteral("get_db_backup_download_url"), 200,
                 {{QStringLiteral("url"), server.url(QStringLiteral("/")).toString()}}, {});
-            QVERIFY(comesTrue([&] { return server.requests.size() == 1; }));
+            QTRY_COMPARE(server.requests.size(), 1);
         }
         download.cancel();
         QCOMPARE(finished.size(), 1);
