@@ -6,17 +6,9 @@
 #include "support/TestDatabase.h"
 #include "support/TestFiles.h"
 #include "support/TestRegistry.h"
-
-#include <QTest>
+#include "support/Waiting.h"
 
 namespace {
-
-const AccountIdentity Someone{.userId = 42,
-                              .computerId = 7,
-                              .email = QStringLiteral("me@tallyvane.example"),
-                              .userName = QStringLiteral("me"),
-                              .computer = QStringLiteral("desk"),
-                              .passwordHash = QStringLiteral("5a1fhash")};
 
 /// A client that speaks to a service, and hears how its requests end.
 struct Client
@@ -47,12 +39,12 @@ struct Client
 
     bool waitForEnds(qsizetype count) const
     {
-        return QTest::qWaitFor([&] { return ended.size() >= count; });
+        return comesTrue([&] { return ended.size() >= count; });
     }
 
     bool waitForRequests(qsizetype count) const
     {
-        return QTest::qWaitFor([&] { return service.envelopes.size() >= count; });
+        return comesTrue([&] { return service.envelopes.size() >= count; });
     }
 
     QString spoken() const { return service.actions().join(QLatin1Char(' ')); }

@@ -382,7 +382,6 @@ void LocalStatsTest::survivesBeingKilled()
     // A kill in the midst of a save leaves the temporary file, which is none of these.
     const QStringList aside{QStringLiteral("tallyvane.tvw.damaged-*")};
     QCOMPARE(QDir(directory()).entryList(aside, QDir::Files), QStringList());
-    QVERIFY(reported > kills);
 }
 
 REGISTER_TEST(LocalStatsTest);

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <array>
-#include <numeric>
 
 bool Fault::actsOnRequest() const
 {
@@ -27,12 +26,6 @@ void ServiceFaults::clear()
 {
     m_ordered.clear();
     m_share = 0;
-}
-
-int ServiceFaults::ordered() const
-{
-    return std::accumulate(m_ordered.begin(), m_ordered.end(), 0,
-                           [](int sum, const Fault& fault) { return sum + fault.times; });
 }
 
 Fault ServiceFaults::take(const QString& requestType)

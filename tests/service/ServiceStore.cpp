@@ -30,18 +30,17 @@ QLatin1String accountName(QLatin1String counter)
 
 ServiceStore::ServiceStore(ServiceDatabase& database)
     : m_database(database)
-    , m_clock(&QDateTime::currentDateTimeUtc)
 {
 }
 
 QString ServiceStore::now() const
 {
-    return m_clock().toUTC().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
+    return QDateTime::currentDateTimeUtc().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
 }
 
 qint64 ServiceStore::nowSeconds() const
 {
-    return m_clock().toSecsSinceEpoch();
+    return QDateTime::currentSecsSinceEpoch();
 }
 
 qint64 ServiceStore::account(const QString& userName, Activation activation)
