@@ -6,6 +6,8 @@
 #include "account/RequestTypes.h"
 #include "storage/Settings.h"
 
+#include <utility>
+
 OnlineBackups::OnlineBackups(Database& database, ClientCommunication& communication,
                              const LocalStats& localStats, QObject* parent)
     : QObject(parent)

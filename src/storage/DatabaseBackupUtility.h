@@ -61,8 +61,9 @@ public:
     /// Whether the settings ask for a backup at `now`.
     static bool isDue(const Settings& settings, const QDateTime& now);
 
-    /// Begins now, or only where a backup is due and none failed in the last day: a service that
-    /// refuses is not to cost a copy of the database every quarter of an hour.
+    /// Begins now, or only where a backup is due, the database is not lent, and none failed in the
+    /// last day: a service that refuses is not to cost a copy of the database every quarter of an
+    /// hour.
     void backgroundDatabaseBackup(Trigger trigger);
 
     void startBackup();

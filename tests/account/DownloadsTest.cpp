@@ -279,6 +279,7 @@ void DownloadsTest::tellsWhyNoBackupCame_data()
     QTest::newRow("the service refuses") << 500 << here << answer << -1;
     QTest::newRow("no address") << 200 << QString() << answer << -1;
     QTest::newRow("a local file") << 200 << QStringLiteral("file:///etc/passwd") << answer << -1;
+    QTest::newRow("not there any more") << 200 << QStringLiteral("missing") << answer << -1;
     QTest::newRow("nobody there") << 200 << QStringLiteral("http://127.0.0.1:1/") << answer << -1;
     QTest::newRow("cut off") << 200 << here << static_cast<int>(Manner::CutAnswer) << -1;
     QTest::newRow("stands still") << 200 << here << static_cast<int>(Manner::StandStill) << -1;
@@ -293,23 +294,30 @@ void DownloadsTest::tellsWhyNoBackupCame()
     QFETCH(int, mostBytes);
     const QTemporaryDir directory;
     ScriptedServer server;
-    server.script = {.manner = static_cast<Manner>(manner), .body = QByteArray(500'000, 'z')};
+    const bool isMissing = address == QLatin1String("missing");
+    server.script = {.manner = static_cast<Manner>(manner),
+                     .status = isMissing ? 404 : 200,
+                     .body = QByteArray(500'000, 'z')};
     BackupDownload download(directory.path(), nullptr, StallTimeout);
     QSignalSpy finished(&download, &BackupDownload::finished);
     std::optional<FileSizeLimit> limit;
     if (mostBytes > 0) {
         limit.emplace(static_cast<rlim_t>(mostBytes));
     }
+    const LogCapture log;
     QVERIFY(download.start(QStringLiteral("backup.zip")));
+    const bool isHere = isMissing || address == QLatin1String("here");
     download.processGetDatabaseBackupDownloadURL(
         QStringLiteral("get_db_backup_download_url"), addressStatus,
         {{QStringLiteral("url"),
-          address == QLatin1String("here") ? server.url(QStringLiteral("/")).toString() : address}},
+          isHere ? server.url(QStringLiteral("/b?right=secret")).toString() : address}},
         QStringLiteral("The service says no."));
     QVERIFY(!finished.isEmpty() || finished.wait(PatienceMs));
     QCOMPARE(finished.last().at(0).value<BackupDownload::Outcome>(),
              BackupDownload::Outcome::Failed);
     QVERIFY(!finished.last().at(1).toString().isEmpty());
+    QVERIFY(!finished.last().at(1).toString().contains(QStringLiteral("secret")));
+    QVERIFY(!log.contains(QStringLiteral("secret")));
     QVERIFY(!download.isRunning());
     QVERIFY(QDir(directory.path()).isEmpty());
 }
@@ -321,13 +329,18 @@ void DownloadsTest::canBeCancelled()
     server.script = {.manner = Manner::StandStill};
     BackupDownload download(directory.path());
     QSignalSpy finished(&download, &BackupDownload::finished);
+    const auto answer = [&](const QString& path) {
+        download.processGetDatabaseBackupDownloadURL(
+            QStringLiteral("get_db_backup_download_url"), 200,
+            {{QStringLiteral("url"), server.url(path).toString()}}, {});
+    };
     for (const bool early : {true, false}) {
         QVERIFY(download.start(QStringLiteral("backup.zip")));
         if (!early) {
-            download.processGetDatabaseBackupDownloadURL(
-                QStringLiteral("get_db_backup_download_url"), 200,
-                {{QStringLiteral("url"), server.url(QStringLiteral("/")).toString()}}, {});
+            answer(QStringLiteral("/of-the-first"));
+            answer(QStringLiteral("/of-the-second"));
             QTRY_COMPARE(server.requests.size(), 1);
+            QCOMPARE(server.requests.last().firstLine(), QByteArray("GET /of-the-second HTTP/1.1"));
         }
         download.cancel();
         QCOMPARE(finished.size(), 1);
