@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "account/FileDownload.h"
 
+#include "account/TlsTrust.h"
 #include "storage/DatabaseFiles.h"
 
 #include <QLocale>
@@ -63,6 +64,7 @@ bool FileDownload::start(const Request& request)
     m_length = -1;
     m_file.setFileName(request.path);
     QNetworkRequest wanted(request.url);
+    wanted.setSslConfiguration(TlsTrust::configuration());
     wanted.setTransferTimeout(static_cast<int>(m_stallTimeout.count()));
     // As it lies there: what is packed on the way could unpack to any size.
     wanted.setRawHeader("Accept-Encoding", "identity");

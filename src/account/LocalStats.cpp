@@ -234,8 +234,7 @@ void LocalStats::increaseAppBandwidth(const QString& path, quint64 download, qui
 
 void LocalStats::setIdentity(const AccountIdentity& identity)
 {
-    const AccountIdentity& known = m_account.identity;
-    if (identity.userId != known.userId || identity.computerId != known.computerId) {
+    if (!identity.isSameComputer(m_account.identity)) {
         reportInFlight(QStringLiteral("The account changes before it answered to a zurge"));
         m_account = {};
         m_zurge->forget();

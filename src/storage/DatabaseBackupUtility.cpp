@@ -14,6 +14,7 @@
 #include <QFileInfo>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
+#include <QSslConfiguration>
 #include <QSslError>
 #include <QThread>
 
@@ -49,6 +50,11 @@ DatabaseBackupUtility::DatabaseBackupUtility(Database& database, Settings& setti
 DatabaseBackupUtility::~DatabaseBackupUtility()
 {
     abandon();
+}
+
+void DatabaseBackupUtility::setTlsConfiguration(const QSslConfiguration& configuration)
+{
+    m_tls = std::make_unique<QSslConfiguration>(configuration);
 }
 
 bool DatabaseBackupUtility::isDue(const Settings& settings, const QDateTime& now)
@@ -300,6 +306,9 @@ void DatabaseBackupUtility::startUpload()
             &DatabaseBackupUtility::uploadFinished);
     connect(m_manager, &QNetworkAccessManager::sslErrors, this, &DatabaseBackupUtility::sslErrors);
     QNetworkRequest request(m_uploadUrl);
+    if (m_tls) {
+        request.setSslConfiguration(*m_tls);
+    }
     request.setTransferTimeout(static_cast<int>(m_stallTimeout.count()));
     // Wherever else the archive was sent, it would not be where the service looks for it.
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,

@@ -23,6 +23,7 @@
 class Database;
 class QNetworkAccessManager;
 class QNetworkReply;
+class QSslConfiguration;
 class QSslError;
 class QThread;
 class Settings;
@@ -57,6 +58,9 @@ public:
     DatabaseBackupUtility(Database& database, Settings& settings, QObject* parent = nullptr,
                           std::chrono::milliseconds stallTimeout = StallTimeout);
     ~DatabaseBackupUtility() override;
+
+    /// Secures uploads, from the next one on, by this instead of Qt's own configuration.
+    void setTlsConfiguration(const QSslConfiguration& configuration);
 
     /// Whether the settings ask for a backup at `now`.
     static bool isDue(const Settings& settings, const QDateTime& now);
@@ -143,6 +147,7 @@ private:
     QTimer m_addressTimer;
     QDeadlineTimer m_automaticPause; ///< Until then no backup begins by itself.
     QUrl m_uploadUrl;
+    std::unique_ptr<QSslConfiguration> m_tls;   ///< Null: Qt's own.
     QFile m_archive;                            ///< Open while it is uploaded.
     QNetworkAccessManager* m_manager = nullptr; ///< Null but for an upload.
     QNetworkReply* m_reply = nullptr;           ///< Likewise; the manager's.

@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "HttpClient.h"
 #include "account/BackupDownload.h"
 #include "account/DataFileDownload.h"
+#include "account/TlsTrust.h"
+#include "service/ServiceCertificates.h"
+#include "storage/DatabaseBackupUtility.h"
 #include "support/FileSizeLimit.h"
 #include "support/LogCapture.h"
 #include "support/ScriptedServer.h"
@@ -69,6 +73,9 @@ class DownloadsTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    // First: any other download would settle whom to trust.
+    void trustsWhomRequestsTrust_data();
+    void trustsWhomRequestsTrust();
     void replacesADataFile_data();
     void replacesADataFile();
     void keepsTheOldFile_data();
@@ -351,6 +358,54 @@ void DownloadsTest::canBeCancelled()
     QTest::qWait(50);
     QCOMPARE(finished.size(), 0);
     QVERIFY(QDir(directory.path()).isEmpty());
+}
+
+void DownloadsTest::trustsWhomRequestsTrust_data()
+{
+    QTest::addColumn<bool>("isKnown");
+    QTest::newRow("known authority") << true;
+    QTest::newRow("unknown authority") << false;
+}
+
+void DownloadsTest::trustsWhomRequestsTrust()
+{
+    QFETCH(bool, isKnown);
+    static const ServiceCertificates known = ServiceCertificates::make();
+    const QSslConfiguration usual = QSslConfiguration::defaultConfiguration();
+    QSslConfiguration wider = usual;
+    wider.addCaCertificate(known.authority);
+    QSslConfiguration::setDefaultConfiguration(wider);
+    const QSslConfiguration& trust = TlsTrust::configuration();
+    QSslConfiguration::setDefaultConfiguration(usual);
+    if (!trust.caCertificates().contains(known.authority)) {
+        QSKIP("Whom to trust was settled by another test class of this run.");
+    }
+    const ServiceCertificates shown = isKnown ? known : ServiceCertificates::make();
+    QSslConfiguration tls = usual;
+    tls.setLocalCertificate(shown.server);
+    tls.setPrivateKey(shown.serverKey);
+    const WireServer server(tls, answerFine);
+    const TestDatabase test;
+
+    FileDownload download;
+    QSignalSpy downloaded(&download, &FileDownload::finished);
+    download.start({.url = QUrl(server.url()),
+                    .path = test.directory() + QStringLiteral("/file"),
+                    .mostBytes = Fine.size()});
+    QVERIFY(downloaded.wait(20'000));
+    QCOMPARE(downloaded.first().first().value<FileDownload::Result>(),
+             isKnown ? FileDownload::Result::Done : FileDownload::Result::Failed);
+
+    DatabaseBackupUtility backup(*test.database(), Settings::instance());
+    backup.setTlsConfiguration(trust);
+    connect(&backup, &DatabaseBackupUtility::signalNeedUploadURL, &backup, [&] {
+        backup.processGetDatabaseBackupUploadURL(QStringLiteral("get_db_backup_upload_url"), 200,
+                                                 {{QStringLiteral("url"), server.url()}}, {});
+    });
+    QSignalSpy uploaded(&backup, &DatabaseBackupUtility::signalBackupFinished);
+    backup.startBackup();
+    QVERIFY(uploaded.wait(20'000));
+    QCOMPARE(uploaded.first().first().toBool(), isKnown);
 }
 
 REGISTER_TEST(DownloadsTest);

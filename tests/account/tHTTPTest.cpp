@@ -272,6 +272,7 @@ void tHTTPTest::logsNoSecrets_data()
     QTest::newRow("spaced number") << QByteArray("{\"token\" :\n 333, \"a\": \"x\"}");
     QTest::newRow("base64") << QByteArray(R"({"passwordhash":"s3\"cret"})").toBase64();
     QTest::newRow("cut") << QByteArray(R"({"status":200,"token":"s3cret)");
+    QTest::newRow("address") << QByteArray(R"({"data":{"url":"https:\/\/x.example\/?s3cret"}})");
 }
 
 void tHTTPTest::logsNoSecrets()
