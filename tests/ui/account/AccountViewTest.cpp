@@ -252,6 +252,11 @@ void AccountViewTest::tellsWhatCameOfEachZurge()
     QCOMPARE(cell(1, AccountTables::OriginColumn), QStringLiteral("By hand"));
     QCOMPARE(cell(1, AccountTables::OutcomeColumn), QStringLiteral("Failed: Wrong token."));
     QVERIFY(cell(2, AccountTables::OutcomeColumn).startsWith(QStringLiteral("Not answered")));
+
+    state.zurges[1].message = QStringLiteral("Words that want more than a line. ").repeated(9);
+    m_view->setState(state);
+    const QTableView* rows = table("zurges");
+    QTRY_VERIFY(rows->rowHeight(1) > rows->rowHeight(0)); // All of it is read.
 }
 
 void AccountViewTest::followsABackup()
