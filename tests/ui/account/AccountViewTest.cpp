@@ -16,6 +16,7 @@
 #include <QSignalSpy>
 #include <QTableView>
 #include <QTest>
+#include <QToolButton>
 
 class AccountViewTest : public QObject
 {
@@ -269,6 +270,10 @@ void AccountViewTest::followsABackup()
     m_view->setState(state);
     QVERIFY(!find<QProgressBar>("backupProgress")->isVisible());
     QCOMPARE(table("backups")->model()->index(0, 0).data().toString(), QStringLiteral("old.zip"));
+    find<QToolButton>("backUpButton")->setFocus();
+    QTest::keyClick(m_view.get(), Qt::Key_Tab);
+    QTest::keyClick(m_view.get(), Qt::Key_Tab);
+    QCOMPARE(m_view->focusWidget(), table("backups")); // Which stands below its buttons.
     find<QAction>("backUp")->trigger();
     find<QAction>("restore")->trigger();
     QCOMPARE(requested.size(), 1);
