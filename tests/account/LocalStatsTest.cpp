@@ -157,6 +157,8 @@ void LocalStatsTest::keepsOldCountsOfARestoredDatabaseOut()
             lost.count(10);
             lost.stats.writeDatabaseCopy();
         }
+    }
+    {
         Run fresh(directory());
         fresh.count(3);
         QVERIFY(fresh.stats.saveSettings());
