@@ -12,7 +12,7 @@
 
 using namespace std::chrono_literals;
 
-class tHTTPConnectionTest : public QObject
+class tHTTPConnectionTest : public QObject // NOLINT(readability-identifier-naming)
 {
     Q_OBJECT
 

@@ -20,7 +20,7 @@ QByteArray base64(const QByteArray& bytes)
 
 } // namespace
 
-class tHTTPTest : public QObject
+class tHTTPTest : public QObject // NOLINT(readability-identifier-naming)
 {
     Q_OBJECT
 
