@@ -35,7 +35,7 @@ Fault ServiceFaults::take(const QString& requestType)
             return fault.requestType.isEmpty() || fault.requestType == requestType;
         });
     if (it != m_ordered.end()) {
-        const Fault fault = *it;
+        Fault fault = *it;
         if (--it->times <= 0) {
             m_ordered.erase(it);
         }
