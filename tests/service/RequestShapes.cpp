@@ -91,7 +91,7 @@ constexpr auto Shapes = R"({
 /// One kind of value.
 struct Kind
 {
-    const char* description;
+    const char* description = nullptr;
     std::function<bool(const QJsonValue&)> fits;
 };
 
@@ -207,7 +207,7 @@ private:
             list = text.isArray() ? QJsonValue(text.array()) : QJsonValue();
         }
         expect(list.isArray(), path, QStringLiteral("a list"));
-        for (const QJsonValue& entry : list.toArray()) {
+        for (const QJsonValue entry : list.toArray()) {
             compare(shape.last(), entry, path + QStringLiteral("[]"));
         }
     }

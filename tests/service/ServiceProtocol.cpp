@@ -288,7 +288,7 @@ ServiceAnswer ServiceProtocol::keepApplications(const ReceivedRequest& request,
                                                 const ServiceComputer&)
 {
     QJsonArray answer;
-    for (const QJsonValue& application :
+    for (const QJsonValue application :
          request.data().value(QLatin1String("applications")).toArray()) {
         answer.append(
             QJsonObject{{QStringLiteral("app_id"), m_uploads.applicationId(application.toObject())},

@@ -109,7 +109,7 @@ void ServiceStore::setArchived(qint64 computerId, bool archived)
 
 QString ServiceStore::newClientToken(const ServiceComputer& computer)
 {
-    const QString token = randomText();
+    QString token = randomText();
     m_database.run(QStringLiteral("DELETE FROM client_tokens WHERE computer_id = ?"),
                    {computer.id});
     m_database.run(QStringLiteral("INSERT INTO client_tokens VALUES (?, ?, ?)"),
@@ -207,7 +207,7 @@ void ServiceStore::keepZurge(qint64 computerId, const ServiceZurge& zurge)
                                 "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"),
                  QVariantList{computerId, now(), zurge.mechanism} + asValues(zurge.counts))
             .lastInsertId();
-    for (const QJsonValue& entry : zurge.applications) {
+    for (const QJsonValue entry : zurge.applications) {
         const QJsonObject application = entry.toObject();
         QVariantList values{id, application.value(QLatin1String("id")).toInteger()};
         for (const QLatin1String counter : ServiceCounterNames) {
