@@ -35,7 +35,7 @@ function(tallyvane_tests room)
   foreach(class IN LISTS arg_CLASSES)
     add_test(NAME ${room}.${class} COMMAND ${target} ${class})
     set_tests_properties(${room}.${class} PROPERTIES
-      ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8"
+      ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8;TZ=Europe/Berlin"
       LABELS "${labels}" TIMEOUT 300)
   endforeach()
 endfunction()

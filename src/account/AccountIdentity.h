@@ -17,5 +17,11 @@ struct AccountIdentity
 
     bool isSignedIn() const { return userId > 0 && computerId > 0 && !passwordHash.isEmpty(); }
 
+    /// Whether both are the same computer of the same account, whatever else of them differs.
+    bool isSameComputer(const AccountIdentity& other) const
+    {
+        return userId == other.userId && computerId == other.computerId;
+    }
+
     friend bool operator==(const AccountIdentity&, const AccountIdentity&) = default;
 };

@@ -14,9 +14,20 @@
 struct AccountRecord
 {
     AccountIdentity identity;
-    QString zurgeToken;                    ///< Goes with the next zurge; never logged.
-    QDateTime lastZurge;                   ///< When the last one began; invalid: never.
-    std::optional<ZurgeInFlight> inFlight; ///< Nothing where every zurge was answered.
+    QString zurgeToken;  ///< Goes with the next zurge; never logged.
+    QDateTime lastZurge; ///< When the last one began; invalid: never.
+
+    /// Nothing where every zurge was answered. May be of an account that was signed in before: it
+    /// is the one to ask, should it come back before another one zurges.
+    std::optional<ZurgeInFlight> inFlight;
+
+    /// Those in flight that are of this account and computer; null where there are none.
+    const ZurgeInFlight* ownInFlight() const
+    {
+        const bool isOwn = inFlight && inFlight->userId == identity.userId &&
+                           inFlight->computerId == identity.computerId;
+        return isOwn ? &*inFlight : nullptr;
+    }
 
     friend bool operator==(const AccountRecord&, const AccountRecord&) = default;
 };

@@ -9,7 +9,6 @@
 #include <optional>
 
 class LocalStats;
-struct UnzurgedCounts;
 
 /// Starts zurges without the user: at a count, at an hour of the day, or every hour. Thread: main.
 class AutoZurging : public QObject
@@ -29,8 +28,8 @@ public Q_SLOTS:
     void checkForZurge(); ///< Starts at most one zurge.
 
 private:
-    /// A counter at which to zurge: at `unit`, in the units of the settings page; nothing where the
-    /// rule is off.
+    /// The counts at which to zurge, in the units of the settings page; nothing where a rule is
+    /// off.
     struct Thresholds
     {
         std::optional<quint64> keys;

@@ -27,7 +27,7 @@ BackupDownload::BackupDownload(const QString& dataDirectory, QObject* parent,
     m_addressTimer.setSingleShot(true);
     m_addressTimer.setInterval(LongestWaitForAddress);
     connect(&m_addressTimer, &QTimer::timeout, this,
-            [this] { end(Outcome::Failed, tr("The account service did not answer.")); });
+            [this] { giveUpAddress(Outcome::Failed, tr("The account service did not answer.")); });
     connect(&m_download, &FileDownload::progress, this, &BackupDownload::progress);
     connect(&m_download, &FileDownload::finished, this, &BackupDownload::takeEnd);
 }
@@ -47,9 +47,23 @@ bool BackupDownload::start(const QString& fileName)
 void BackupDownload::cancel()
 {
     if (m_stage == Stage::WaitingForAddress) {
-        end(Outcome::Cancelled, {});
+        giveUpAddress(Outcome::Cancelled, {});
     } else {
         m_download.cancel();
+    }
+}
+
+/// The answer still comes, and is not to be taken for that of the next backup.
+void BackupDownload::giveUpAddress(Outcome outcome, const QString& message)
+{
+    ++m_unwantedAnswers;
+    end(outcome, message);
+}
+
+void BackupDownload::refuse(const QString& message)
+{
+    if (m_stage == Stage::WaitingForAddress) {
+        end(Outcome::Failed, message);
     }
 }
 
@@ -58,8 +72,14 @@ void BackupDownload::processGetDatabaseBackupDownloadURL(const QString& requestT
                                                          const QString& message)
 {
     constexpr int ok = 200;
-    if (requestType != QLatin1String("get_db_backup_download_url") ||
-        m_stage != Stage::WaitingForAddress) {
+    if (requestType != QLatin1String("get_db_backup_download_url")) {
+        return;
+    }
+    if (m_unwantedAnswers > 0) {
+        --m_unwantedAnswers;
+        return;
+    }
+    if (m_stage != Stage::WaitingForAddress) {
         return;
     }
     if (status != ok) {

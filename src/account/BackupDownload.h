@@ -37,14 +37,17 @@ public:
     QString archive() const { return m_archive; } ///< Where the file is after a `Done`.
 
 public Q_SLOTS:
-    /// The service's answer to "get_db_backup_download_url"; others are passed over. Who cannot
-    /// even ask answers with a status of 0.
+    /// The service's answer to "get_db_backup_download_url"; others are passed over. One to each
+    /// request, in their order.
     void processGetDatabaseBackupDownloadURL(const QString& requestType, int status,
                                              const QMap<QString, QVariant>& data,
                                              const QString& message);
 
+    /// The service cannot be asked, for the reason that `message` gives: no answer will come.
+    void refuse(const QString& message);
+
 Q_SIGNALS:
-    /// `processGetDatabaseBackupDownloadURL` waits for the answer.
+    /// `processGetDatabaseBackupDownloadURL` waits for the answer, unless `refuse` is called.
     void signalNeedDownloadURL(const QString& fileName);
 
     void progress(qint64 received, qint64 total); ///< Bytes; total -1: unknown.
@@ -58,6 +61,7 @@ private:
         Downloading,
     };
 
+    void giveUpAddress(Outcome outcome, const QString& message);
     void takeEnd(FileDownload::Result result, const QString& message);
     void end(Outcome outcome, const QString& message);
 
@@ -65,5 +69,6 @@ private:
     const QString m_archive;
     Stage m_stage = Stage::Idle;
     QTimer m_addressTimer;
+    int m_unwantedAnswers = 0; ///< Still to come, for other backups than the present one.
     FileDownload m_download;
 };

@@ -10,8 +10,6 @@
 #include "storage/Settings.h"
 #include "storage/SettingsKeys.h"
 
-#include <QSet>
-
 #include <utility>
 
 namespace {
@@ -19,17 +17,6 @@ namespace {
 constexpr int MostReLogins = 2;
 
 ClientCommunication* s_instance = nullptr;
-
-bool mayGoWithoutAccount(const QString& requestType)
-{
-    static const QSet<QString> types{RequestTypes::Login,
-                                     RequestTypes::TestProxy,
-                                     RequestTypes::InitAuthorization,
-                                     RequestTypes::CheckAuthorization,
-                                     RequestTypes::UpdateRequest,
-                                     RequestTypes::UsageStats};
-    return types.contains(requestType);
-}
 
 } // namespace
 
@@ -103,6 +90,7 @@ bool ClientCommunication::accept(Pending pending)
         return false;
     }
     abandonStale();
+    pending.account = m_identity;
     m_queue.append(std::move(pending));
     if (m_stage != Stage::Idle || m_queue.size() > 1) {
         Log::info("Communication request queued: {}", type);
@@ -111,10 +99,18 @@ bool ClientCommunication::accept(Pending pending)
     return true;
 }
 
+/// Whether the current request is about an account, or a computer of it, that is signed out by now.
+/// It must not speak for the one that is signed in, nor its answer be taken for that one's.
+bool ClientCommunication::isForEarlierAccount() const
+{
+    return !RequestTypes::needsNoAccount(m_current.request.requestType) &&
+           !m_current.account.isSameComputer(m_identity);
+}
+
 /// Why a request of this type may not go out as things are, logged; empty where it may.
 QString ClientCommunication::refusal(const QString& requestType) const
 {
-    if (mayGoWithoutAccount(requestType)) {
+    if (RequestTypes::needsNoAccount(requestType)) {
         return {};
     }
     if (!m_identity.isSignedIn()) {
@@ -149,7 +145,9 @@ void ClientCommunication::processNextInQueue()
 void ClientCommunication::startCurrent()
 {
     // It may have waited while the user signed out or went offline.
-    if (const QString reason = refusal(m_current.request.requestType); !reason.isEmpty()) {
+    if (isForEarlierAccount()) {
+        endLater(tr("The account that this was meant for is not signed in any more."));
+    } else if (const QString reason = refusal(m_current.request.requestType); !reason.isEmpty()) {
         endLater(reason);
     } else if (needsSignIn()) {
         clientLogin();
@@ -161,7 +159,7 @@ void ClientCommunication::startCurrent()
 bool ClientCommunication::needsSignIn() const
 {
     const Request& request = m_current.request;
-    const bool authenticate = !mayGoWithoutAccount(request.requestType) ||
+    const bool authenticate = !RequestTypes::needsNoAccount(request.requestType) ||
                               (request.needAuthentication && m_identity.isSignedIn());
     return authenticate && (m_token.isEmpty() || m_clock() - m_tokenTime > LongestTokenAgeMs);
 }
@@ -241,7 +239,9 @@ void ClientCommunication::checkHTTPResponse(const Map& answer)
     Log::debug("Answer to {}: {}; data: {}",
                m_stage == Stage::SigningIn ? RequestTypes::ClientLogin : type,
                RequestEnvelope::forLog(answer), RequestEnvelope::forLog(data));
-    if (!status || !std::in_range<int>(*status)) {
+    if (isForEarlierAccount()) {
+        startCurrent(); // Which ends it.
+    } else if (!status || !std::in_range<int>(*status)) {
         checkHTTPError(
             tr("Error while talking to website: %1").arg(tr("its answer has no status")));
     } else if (m_stage == Stage::SigningIn) {
@@ -367,7 +367,8 @@ void ClientCommunication::drop()
 
 bool ClientCommunication::request(const QString& requestType, const Map& inputData)
 {
-    return clientRequest(requestType, inputData, {}, false, !mayGoWithoutAccount(requestType));
+    return clientRequest(requestType, inputData, {}, false,
+                         !RequestTypes::needsNoAccount(requestType));
 }
 
 bool ClientCommunication::initClientAuthorization(const QString& clientUid,

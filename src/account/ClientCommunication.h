@@ -113,7 +113,8 @@ public:
 
 Q_SIGNALS:
     /// One request is over. `status` is the service's code, 0 where the service was not understood
-    /// or not reached; `message` is for the user to read.
+    /// or not reached, or where the account that the request was for is signed out by now;
+    /// `message` is for the user to read.
     void requestDone(const QString& requestType, int status, const QMap<QString, QVariant>& data,
                      const QString& message);
 
@@ -138,7 +139,8 @@ private:
     struct Pending
     {
         Request request;
-        QString filePath; ///< Of the file to upload; empty for a form.
+        QString filePath;             ///< Of the file to upload; empty for a form.
+        AccountIdentity account = {}; ///< Signed in when it was asked for.
     };
 
     bool request(const QString& requestType, const Map& inputData = {});
@@ -147,6 +149,7 @@ private:
     void abandonStale();
     void processNextInQueue();
     void startCurrent();
+    bool isForEarlierAccount() const;
     bool needsSignIn() const;
     void clientLogin();
     void clientReLogin();

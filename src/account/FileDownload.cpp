@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "account/FileDownload.h"
 
+#include "account/TlsTrust.h"
 #include "storage/DatabaseFiles.h"
 
 #include <QLocale>
@@ -31,6 +32,11 @@ int statusOf(const QNetworkReply& reply)
     return reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
 }
 
+QString refusal(int status)
+{
+    return FileDownload::tr("The server answered with the status %1.").arg(status);
+}
+
 } // namespace
 
 FileDownload::FileDownload(QObject* parent, std::chrono::milliseconds stallTimeout)
@@ -58,6 +64,7 @@ bool FileDownload::start(const Request& request)
     m_length = -1;
     m_file.setFileName(request.path);
     QNetworkRequest wanted(request.url);
+    wanted.setSslConfiguration(TlsTrust::configuration());
     wanted.setTransferTimeout(static_cast<int>(m_stallTimeout.count()));
     // As it lies there: what is packed on the way could unpack to any size.
     wanted.setRawHeader("Accept-Encoding", "identity");
@@ -128,9 +135,11 @@ void FileDownload::takeEnd()
 {
     const int status = statusOf(*m_reply);
     if (m_reply->error() != QNetworkReply::NoError) {
-        // A status stands for an answer, unless the connection broke behind it.
+        // A status stands for an answer, unless the connection broke behind it. Of an answer Qt's
+        // text quotes the whole address, with what may be a right to read in it.
         const bool answered = status != 0 && status != StatusOk;
-        end(answered ? Result::Refused : Result::Failed, m_reply->errorString());
+        end(answered ? Result::Refused : Result::Failed,
+            answered ? refusal(status) : m_reply->errorString());
         return;
     }
     if (status == StatusNotModified) {
@@ -138,7 +147,7 @@ void FileDownload::takeEnd()
         return;
     }
     if (status != StatusOk) {
-        end(Result::Refused, tr("The server answered with the status %1.").arg(status));
+        end(Result::Refused, refusal(status));
         return;
     }
     takeBytes(); // An empty file, at least, has to be made yet.

@@ -234,10 +234,11 @@ void LocalStats::increaseAppBandwidth(const QString& path, quint64 download, qui
 
 void LocalStats::setIdentity(const AccountIdentity& identity)
 {
-    const AccountIdentity& known = m_account.identity;
-    if (identity.userId != known.userId || identity.computerId != known.computerId) {
+    if (!identity.isSameComputer(m_account.identity)) {
         reportInFlight(QStringLiteral("The account changes before it answered to a zurge"));
-        m_account = {};
+        AccountRecord account;
+        account.inFlight = std::move(m_account.inFlight);
+        m_account = std::move(account);
         m_zurge->forget();
     }
     m_account.identity = identity;
@@ -350,12 +351,16 @@ void LocalStats::processAccountInfo(int status, const QMap<QString, QVariant>& d
 
 bool LocalStats::recordInFlight(const ZurgeInFlight& amounts)
 {
-    m_account.inFlight = amounts;
+    if (m_account.ownInFlight() == nullptr) {
+        reportInFlight(QStringLiteral("Another account zurges before the last one answered"));
+    }
+    std::optional<ZurgeInFlight> before = std::exchange(m_account.inFlight, amounts);
     noteAccountChange();
     if (m_accountChanged) {
-        m_account.inFlight.reset();
+        m_account.inFlight = std::move(before);
+        return false;
     }
-    return m_account.inFlight.has_value();
+    return true;
 }
 
 void LocalStats::forgetInFlight()
@@ -376,13 +381,18 @@ void LocalStats::settleInFlight(const QString& token)
     }
     m_changed = true;
     ++m_state.settled;
-    setZurgeToken(token);
+    if (!token.isEmpty()) {
+        m_account.zurgeToken = token;
+    }
+    noteAccountChange();
 }
 
 void LocalStats::setZurgeToken(const QString& token)
 {
-    m_account.zurgeToken = token;
-    noteAccountChange();
+    if (m_account.zurgeToken != token) {
+        m_account.zurgeToken = token;
+        noteAccountChange();
+    }
 }
 
 void LocalStats::setLastZurge(const QDateTime& time)

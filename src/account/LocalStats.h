@@ -95,9 +95,9 @@ public:
 
     bool isLoggedIn() const { return m_account.identity.isSignedIn(); }
 
-    /// Forgets what belongs to another account or computer: the zurge token, the time of the last
-    /// zurge, and (logged) amounts of which it is uncertain whether they were taken. The counts
-    /// stay.
+    /// Forgets what belongs to another account or computer: the zurge token and the time of the
+    /// last zurge. The counts stay. So do amounts of which it is uncertain whether they were taken
+    /// (logged): it is found out should that account come back before another one zurges.
     void setIdentity(const AccountIdentity& identity);
 
     /// Becomes the computer that the user has authorised, with its zurge token, totals and ranks.
@@ -135,15 +135,16 @@ public:
     // What the zurge notes. Each is in the file once it returns, unless that could not be written
     // (logged): then it is tried again with the next save.
 
-    /// Puts amounts on record before they are sent. False where the file could not be written: then
-    /// there is no such record, and they must not be sent.
+    /// Puts amounts on record before they are sent, in the place of another account's (logged).
+    /// False where the file could not be written: then there is no such record, and they must not
+    /// be sent.
     bool recordInFlight(const ZurgeInFlight& amounts);
 
     /// The service has not taken the amounts in flight: they are still in the counters.
     void forgetInFlight();
 
     /// The service has taken the amounts in flight: takes them off the counters. `token` goes with
-    /// the next zurge.
+    /// the next zurge; an empty one changes nothing.
     void settleInFlight(const QString& token);
 
     void setZurgeToken(const QString& token);

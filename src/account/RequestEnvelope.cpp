@@ -2,30 +2,21 @@
 #include "account/RequestEnvelope.h"
 
 #include "account/JsonWriter.h"
+#include "account/Redacted.h"
 #include "account/RequestTypes.h"
 #include "base/Log.h"
 #include "base/Version.h"
 
-#include <QSet>
 #include <QStringList>
 
 namespace RequestEnvelope {
 
 namespace {
 
-/// Whoever knows one of these can speak for the account, or be handed it.
-bool isSecret(const QString& name)
-{
-    static const QSet<QString> names{
-        QStringLiteral("passwordhash"), QStringLiteral("password_hash"),
-        QStringLiteral("client_token"), QStringLiteral("token"), QStringLiteral("client_uid")};
-    return names.contains(name);
-}
-
 QString shown(const QString& name, const QVariant& value)
 {
     constexpr qsizetype longest = 200; // Characters.
-    if (isSecret(name)) {
+    if (isSecretField(name)) {
         return QStringLiteral("(hidden)");
     }
     switch (value.typeId()) {

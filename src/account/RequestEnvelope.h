@@ -23,7 +23,7 @@ std::optional<QString> text(const QString& requestType, const QString& clientTok
 std::optional<QString> signInText(const AccountIdentity& identity);
 
 /// What the log may show of a request's or an answer's data: single values, of lists and objects
-/// only how long they are, of tokens and hashes nothing.
+/// only how long they are, of secret fields nothing.
 QString forLog(const Map& data);
 
 } // namespace RequestEnvelope

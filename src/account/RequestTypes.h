@@ -3,7 +3,8 @@
 
 #include <QString>
 
-/// The names of the account service's request types, in the envelope and in `requestDone`.
+/// The names of the account service's request types, in the envelope and in `requestDone`. Any
+/// thread.
 namespace RequestTypes {
 
 inline const QString Login = QStringLiteral("login");
@@ -31,5 +32,8 @@ inline const QString ClientSettings = QStringLiteral("save_client_settings");
 inline const QString ComputerInfo = QStringLiteral("upload_computerinfo");
 inline const QString UsageStats = QStringLiteral("upload_usage_stats");
 inline const QString UploadFile = QStringLiteral("upload_file");
+
+/// Whether the service answers a request of this type where no account is signed in.
+bool needsNoAccount(const QString& requestType);
 
 } // namespace RequestTypes

@@ -37,14 +37,17 @@ private:
             return;
         }
         const QByteArray text = file.readAll();
+        const QByteArray header = QByteArrayLiteral("-----BEGIN CERTIFICATE-----");
         const QByteArray footer = QByteArrayLiteral("-----END CERTIFICATE-----");
-        for (qsizetype start = 0, end = 0;; start = end) {
-            start = text.indexOf("-----BEGIN CERTIFICATE-----", start);
-            end = text.indexOf(footer, start) + footer.size();
-            if (start < 0 || end < start) {
-                return;
+        qsizetype start = text.indexOf(header);
+        while (start >= 0) {
+            const qsizetype last = text.indexOf(footer, start);
+            if (last < 0) {
+                return; // Cut off.
             }
+            const qsizetype end = last + footer.size();
             addCertificate(text.sliced(start, end - start));
+            start = text.indexOf(header, end);
         }
     }
 

@@ -6,7 +6,7 @@
 #include <QSslConfiguration>
 #include <QString>
 
-/// How connections to the account service are secured. Main thread.
+/// How connections to the account service, and those that fetch files, are secured. Main thread.
 namespace TlsTrust {
 
 /// The configuration for every request: the TLS version is left to the TLS library; the certificate

@@ -7,7 +7,6 @@
 
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 #include <QSysInfo>
 
 namespace {
@@ -130,13 +129,25 @@ bool TvwFile::save(const TvwContent& content)
         Log::error("Unable to encrypt {}", m_path);
         return false;
     }
-    QSaveFile file(m_path);
-    // Flushed by hand: Qt 6.4 commits although its own flush at the end failed, and so puts
-    // a cut file in place where the disk is full.
-    if (!file.open(QIODevice::WriteOnly) ||
-        !file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner) ||
-        file.write(*bytes) != bytes->size() || !file.flush() || !file.commit()) {
-        Log::error("Unable to write {}: {}", m_path, file.errorString());
+    return write(*bytes);
+}
+
+/// Not by QSaveFile, which puts a cut file in place where the disk turns out to be full only as the
+/// content is forced onto it, and leaves the new name to reach the disk some time later.
+bool TvwFile::write(const QByteArray& bytes) const
+{
+    const QString part = m_path + QStringLiteral(".part");
+    QFile file(part);
+    if (!DatabaseFiles::createEmpty(part) || !file.open(QIODevice::WriteOnly) ||
+        file.write(bytes) != bytes.size() || !file.flush()) {
+        Log::error("Unable to write {}: {}", part, qt_error_string());
+        QFile::remove(part);
+        return false;
+    }
+    file.close();
+    if (!DatabaseFiles::replace(part, m_path)) {
+        Log::error("Unable to replace {}: {}", m_path, qt_error_string());
+        QFile::remove(part);
         return false;
     }
     return true;

@@ -32,7 +32,8 @@ public:
     std::optional<TvwContent> load();
 
     /// Writes the file, readable by this user alone, so that at any instant the old or the new one
-    /// is there whole. False, and a log line, where it could not; always false before `load`.
+    /// is there whole; the new one is on the disk once this returns. False, and a log line, where
+    /// it could not; always false before `load`.
     bool save(const TvwContent& content);
 
     bool exists() const;
@@ -40,6 +41,7 @@ public:
 private:
     void moveAside(const QString& reason);
     std::optional<QByteArray> read();
+    bool write(const QByteArray& bytes) const;
 
     QString m_path;
     MachineIdSource m_machineId;

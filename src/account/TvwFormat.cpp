@@ -151,6 +151,8 @@ QCborMap toMap(const ZurgeInFlight& inFlight)
                  {ApplicationsField, toMap(inFlight.applications)}};
     insertText(map, TokenField, inFlight.token);
     insertTime(map, TimeField, inFlight.time);
+    insertNumber(map, UserIdField, inFlight.userId);
+    insertNumber(map, ComputerIdField, inFlight.computerId);
     return map;
 }
 
@@ -224,7 +226,12 @@ std::optional<ZurgeInFlight> inFlightFrom(const QCborValue& value)
     }
     const QCborMap map = value.toMap();
     FieldReader fields(map);
-    ZurgeInFlight inFlight{fields.text(TokenField), fields.time(TimeField), {}, {}};
+    ZurgeInFlight inFlight{.token = fields.text(TokenField),
+                           .time = fields.time(TimeField),
+                           .totals = {},
+                           .applications = {},
+                           .userId = fields.number(UserIdField),
+                           .computerId = fields.number(ComputerIdField)};
     const auto totals = countsFrom(map.value(TotalsField));
     auto applications = applicationsFrom(map.value(ApplicationsField));
     if (!fields.isWellFormed() || !totals || !applications) {

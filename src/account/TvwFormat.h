@@ -39,8 +39,9 @@ struct TvwContent
 ///
 ///  - "user_id", "computer_id" (integers); "email", "user_name", "computer", "password_hash",
 ///    "zurge_token" (texts); "last_zurge" (integer, milliseconds since the epoch);
-///  - "in_flight" (map): "token" (text), "time" (as "last_zurge"), "totals", "applications" (as
-///    above). Absent where every zurge was answered.
+///  - "in_flight" (map): "token" (text), "time" (as "last_zurge"), "totals", "applications",
+///    "user_id", "computer_id" (as above, of those who sent it). Absent where every zurge was
+///    answered.
 ///
 /// Fields this version does not know are skipped and not written again: a change that an older
 /// client must not lose raises the version.

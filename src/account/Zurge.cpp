@@ -49,6 +49,15 @@ void inTransaction(Work work)
     }
 }
 
+/// None while the database, which knows their ids, is not at hand.
+ZurgeApplications applicationsOf(const QHash<QString, UnzurgedCounts>& counts)
+{
+    Database* database = writableDatabase();
+    return database != nullptr && Settings::instance().value(SettingsKeys::OnlineSendApplications)
+               ? ZurgeApplications::from(*database, counts)
+               : ZurgeApplications();
+}
+
 ClientCommunication::ZurgeRequest requestOf(const ZurgeInFlight& amounts)
 {
     const UnzurgedCounts& totals = amounts.totals;
@@ -93,7 +102,7 @@ bool Zurge::begin(ZurgeStart start, const ZurgeWish& wish)
     }
     m_stats.setLastZurge(m_now());
     const Asked asked{start, wish};
-    return m_stats.account().inFlight ? askFirst(asked) : send(asked);
+    return m_stats.account().ownInFlight() != nullptr ? askFirst(asked) : send(asked);
 }
 
 void Zurge::forget()
@@ -186,25 +195,38 @@ bool Zurge::send(const Asked& asked)
         setInProgress(false);
         return false;
     }
-    ZurgeApplications applications;
-    Database* database = writableDatabase();
-    if (database != nullptr && Settings::instance().value(SettingsKeys::OnlineSendApplications)) {
-        applications = ZurgeApplications::from(*database, m_stats.unzurgedPerApplication());
-    }
-    const ZurgeInFlight amounts{m_stats.account().zurgeToken, m_now(), totals,
-                                std::move(applications.amounts)};
+    ZurgeApplications applications = applicationsOf(m_stats.unzurgedPerApplication());
+    const AccountIdentity& identity = m_stats.identity();
+    const ZurgeInFlight amounts{.token = m_stats.account().zurgeToken,
+                                .time = m_now(),
+                                .totals = totals,
+                                .applications = std::move(applications.amounts),
+                                .userId = identity.userId,
+                                .computerId = identity.computerId};
     if (!m_stats.recordInFlight(amounts)) {
         fail(asked.start, tr("The counts were not sent, because they could not be noted as sent "
                              "first. Is the disk full?"));
         return false;
     }
     m_sentBy = asked.start;
+    m_isRepeated = false;
     if (!transmit(amounts, applications.list)) {
         m_stats.forgetInFlight();
         fail(asked.start, tr("The counts could not be sent."));
         return false;
     }
     return true;
+}
+
+/// They are on record since they were sent first.
+void Zurge::sendAgain(ZurgeStart start, const ZurgeInFlight& amounts)
+{
+    m_sentBy = start;
+    m_isRepeated = true;
+    const bool canName = amounts.applications.isEmpty() || writableDatabase() != nullptr;
+    if (!canName || !transmit(amounts, applicationsOf(amounts.applications).list)) {
+        fail(start, tr("The counts could not be sent."));
+    }
 }
 
 bool Zurge::transmit(const ZurgeInFlight& amounts, const QVariantList& applications)
@@ -225,10 +247,14 @@ void Zurge::takeAnswer(int status, const Map& data, const QString& message)
         Log::warn("Passing over the answer to a zurge that is settled already");
         return;
     }
+    if (m_stats.account().ownInFlight() == nullptr) {
+        takeAnswerToOther(status, data);
+        return;
+    }
     const ZurgeInFlight sent = *m_stats.account().inFlight;
     if (!ResultCodes::isSuccess(status)) {
         record(sent,
-               isRefusal(status) ? ZurgeRecord::Outcome::Failed : ZurgeRecord::Outcome::Unanswered,
+               isUntaken(status) ? ZurgeRecord::Outcome::Failed : ZurgeRecord::Outcome::Unanswered,
                message);
         refused(status, message);
         return;
@@ -242,6 +268,23 @@ void Zurge::takeAnswer(int status, const Map& data, const QString& message)
     record(sent, ZurgeRecord::Outcome::Unanswered);
     fail(m_sentBy, tr("The answer of the service was not understood. Your counts are kept; the "
                       "next zurge finds out whether this one was taken."));
+}
+
+/// Of an account that was signed in before: its counts are the same, its token and figures are not.
+void Zurge::takeAnswerToOther(int status, const Map& data)
+{
+    if (ResultCodes::isSuccess(status) && ZurgeAnswer::from(data)) {
+        Log::info("The service has taken the last zurge of the account that was signed in before");
+        m_stats.settleInFlight({});
+    } else if (isUntaken(status)) {
+        m_stats.forgetInFlight();
+    }
+}
+
+/// Whether the service has said that it did not take the zurge, nor the same one before.
+bool Zurge::isUntaken(int status) const
+{
+    return isRefusal(status) && !m_isRepeated;
 }
 
 void Zurge::record(const ZurgeInFlight& amounts, ZurgeRecord::Outcome outcome,
@@ -259,7 +302,7 @@ void Zurge::record(const ZurgeInFlight& amounts, ZurgeRecord::Outcome outcome,
 
 void Zurge::refused(int status, const QString& message)
 {
-    if (isRefusal(status)) {
+    if (isUntaken(status)) {
         m_stats.forgetInFlight();
     } else {
         Log::warn("It is uncertain whether the service took the zurge; asking before the next one");
@@ -298,48 +341,60 @@ void Zurge::takeAccountInfo(int status, const Map& data, const QString& message)
     if (!m_stats.isLoggedIn()) {
         return;
     }
-    if (ResultCodes::isSuccess(status)) {
-        takeAccountInfo(AccountInfo::from(data));
+    const bool isTold = ResultCodes::isSuccess(status);
+    const AccountInfo info = isTold ? AccountInfo::from(data) : AccountInfo();
+    if (isTold) {
+        takeAccountInfo(info);
     }
     if (asked) {
-        goOn(*asked, ResultCodes::isSuccess(status)
-                         ? tr("The service does not say whether it took the last "
-                              "zurge. Nothing was sent.")
-                         : message);
+        goOn(*asked, info.token,
+             isTold ? tr("The service does not say whether it took the last zurge. Nothing was "
+                         "sent.")
+                    : message);
     }
 }
 
-/// Sends what had to wait, unless `failure` has left the last zurge uncertain.
-void Zurge::goOn(const Asked& asked, const QString& failure)
+/// Sends what had to wait: the last zurge again where the service still has its token, another one
+/// where it is settled. `failure` tells why neither may be.
+void Zurge::goOn(const Asked& asked, const QString& token, const QString& failure)
 {
-    if (!m_stats.account().inFlight) {
-        setInProgress(true);
-        m_buttonTimer.start();
-        send(asked);
-    } else if (m_awaited) {
+    const ZurgeInFlight* uncertain = m_stats.account().ownInFlight();
+    if (uncertain != nullptr && m_awaited) {
         Log::info("The last zurge is still under way; not sending another");
         setInProgress(false);
-    } else {
+        return;
+    }
+    if (uncertain != nullptr && (token.isEmpty() || token != uncertain->token)) {
         fail(asked.start, failure);
+        return;
+    }
+    setInProgress(true);
+    m_buttonTimer.start();
+    if (uncertain != nullptr) {
+        sendAgain(asked.start, ZurgeInFlight(*uncertain));
+    } else {
+        send(asked);
     }
 }
 
 void Zurge::takeAccountInfo(const AccountInfo& info)
 {
-    const std::optional<ZurgeInFlight>& inFlight = m_stats.account().inFlight;
-    if (inFlight && m_awaited) {
+    const ZurgeInFlight* inFlight = m_stats.account().ownInFlight();
+    if (inFlight != nullptr && m_awaited) {
         return;
     }
     if (info.token.isEmpty()) {
         Log::warn("The service's account information comes without a zurge token");
-    } else if (!inFlight) {
+    } else if (inFlight == nullptr) {
         m_stats.setZurgeToken(info.token);
-    } else if (info.token == inFlight->token || inFlight->token.isEmpty()) {
-        // Without a token, it was none that the service takes.
-        Log::info("The service has not taken the last zurge; its counts go with the next one");
+    } else if (inFlight->token.isEmpty()) {
+        Log::info("The last zurge went without a token, with which the service takes none");
         record(*inFlight, ZurgeRecord::Outcome::Failed,
                tr("The service did not take it; its counts go with the next one."));
         m_stats.forgetInFlight();
+        m_stats.setZurgeToken(info.token);
+    } else if (info.token == inFlight->token) {
+        Log::info("The service has not taken the last zurge; the next one sends it again");
         m_stats.setZurgeToken(info.token);
     } else {
         Log::info("The service has taken the last zurge");

@@ -39,13 +39,22 @@ enum class ZurgeStart
 ///                        |-- no answer, 500, an answer not understood, a kill -------> Uncertain
 ///
 ///     Uncertain --begin--> account info asked for
-///                        |-- with the token that was sent: not taken, forgotten ---> as in Clear
+///                        |-- with the token that was sent: the same amounts sent again --> below
 ///                        |-- with another token: taken, and taken off -------------> as in Clear
 ///                        |-- without a token, or no answer: told to the user ------> Uncertain
+///
+///     Sent again --200, understood: amounts taken off, new token and figures ------------> Clear
+///                |--anything else --------------------------------------------------> Uncertain
+///
+/// The amounts of one token never change once they went out: a service that takes the first of them
+/// late after all refuses the second for its token, and whichever it took, the same is taken off.
 ///
 /// Account info that arrives before the outcome of a zurge says nothing about it: the question may
 /// have gone out first.
 /// After a refusal for a wrong token it is asked for as well, since it brings the right one.
+///
+/// Where another account is signed in, or none, by the time of the answer, the amounts are taken
+/// off or forgotten all the same, and nothing else changes.
 class Zurge : public QObject
 {
     Q_OBJECT
@@ -112,8 +121,11 @@ private:
     bool isThrottled();
     bool askFirst(const Asked& asked);
     bool send(const Asked& asked);
+    void sendAgain(ZurgeStart start, const ZurgeInFlight& amounts);
     bool transmit(const ZurgeInFlight& amounts, const QVariantList& applications);
-    void goOn(const Asked& asked, const QString& failure);
+    void goOn(const Asked& asked, const QString& token, const QString& failure);
+    void takeAnswerToOther(int status, const Map& data);
+    bool isUntaken(int status) const;
     void refused(int status, const QString& message);
     void succeed(const ZurgeAnswer& answer);
     void fail(ZurgeStart start, const QString& message);
@@ -129,6 +141,7 @@ private:
     bool m_inProgress = false;
     ZurgeStart m_sentBy = ZurgeStart::Manual; ///< Who started the one in flight.
     bool m_awaited = false;                   ///< One was sent, and its outcome is still to come.
+    bool m_isRepeated = false;                ///< The one in flight went out before.
     std::optional<Asked> m_waiting;           ///< What goes out once the account info is there.
 
     int m_failures = 0;         ///< Automatic ones in a row.

@@ -27,6 +27,8 @@ struct ZurgeInFlight
     QDateTime time;
     UnzurgedCounts totals;
     QHash<QString, UnzurgedCounts> applications; ///< By executable path.
+    qint64 userId = 0;                           ///< Whose they are; see `AccountIdentity`.
+    qint64 computerId = 0;
 
     friend bool operator==(const ZurgeInFlight&, const ZurgeInFlight&) = default;
 };

@@ -35,13 +35,12 @@ QDateTime startOfSeries()
 /// Whole MiB of one row; what the service would take for damage counts as nothing.
 qint64 wholeMebibytes(qint64 bytes)
 {
-    constexpr qint64 bytesPerMebibyte = 1'048'576;
-    constexpr unsigned mebibyteBits = 20;
+    constexpr auto bytesPerMebibyte = static_cast<qint64>(BytesPerMiB);
     constexpr qint64 mostMebibytes = 1'000'000'000;
     if (bytes <= bytesPerMebibyte) {
         return 0;
     }
-    const qint64 mebibytes = bytes >> mebibyteBits;
+    const qint64 mebibytes = bytes / bytesPerMebibyte;
     return mebibytes > mostMebibytes ? 0 : mebibytes;
 }
 
@@ -326,8 +325,7 @@ void ZurgeGenerateTimeSeries::add(Entry& entry, const Counter& counter, const QV
     }
     qint64 amount = std::max<qint64>(stored.toLongLong(), 0);
     if (counter.unit == Unit::Milliseconds) {
-        constexpr qint64 millisecondsPerSecond = 1'000;
-        amount /= millisecondsPerSecond;
+        amount /= static_cast<qint64>(MsecsPerSecond);
     } else if (counter.unit == Unit::Bytes) {
         amount = wholeMebibytes(amount);
     }

@@ -212,7 +212,7 @@ void AccountServices::stop()
 void AccountServices::followIdentity()
 {
     const AccountIdentity& identity = m_localStats.identity();
-    if (identity.userId != m_identity.userId || identity.computerId != m_identity.computerId) {
+    if (!identity.isSameComputer(m_identity)) {
         m_uploads.forget();
         m_backups.forget();
         AccountMarks::forget(m_database);

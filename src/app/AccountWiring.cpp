@@ -29,7 +29,7 @@ AccountWiring::AccountWiring(const Parts& parts, QObject* parent)
 {
     m_viewTimer.setInterval(ViewMs);
     connect(&m_viewTimer, &QTimer::timeout, this, &AccountWiring::refreshView);
-    if (const auto& sent = m_parts.localStats.account().inFlight) {
+    if (const ZurgeInFlight* sent = m_parts.localStats.account().ownInFlight()) {
         m_zurges.append({.time = sent->time,
                          .outcome = ZurgeRecord::Outcome::Unanswered,
                          .keys = sent->totals.keys,

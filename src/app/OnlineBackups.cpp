@@ -4,7 +4,10 @@
 #include "account/ClientCommunication.h"
 #include "account/LocalStats.h"
 #include "account/RequestTypes.h"
+#include "account/TlsTrust.h"
 #include "storage/Settings.h"
+
+#include <utility>
 
 OnlineBackups::OnlineBackups(Database& database, ClientCommunication& communication,
                              const LocalStats& localStats, QObject* parent)
@@ -108,6 +111,8 @@ void OnlineBackups::stop()
 
 void OnlineBackups::askForAddress()
 {
+    // Not before: reading the certificates for it takes its time.
+    m_utility.setTlsConfiguration(TlsTrust::configuration());
     if (!m_communication.getDatabaseBackupUploadURL()) {
         takeAnswer(RequestTypes::BackupUploadUrl, 0, {},
                    tr("The account service could not be asked."));

@@ -4,7 +4,6 @@
 #include "account/ClientCommunication.h"
 #include "account/EarlierTotals.h"
 #include "account/LocalStats.h"
-#include "account/RequestTypes.h"
 #include "account/SettingsRestore.h"
 #include "app/AccountServices.h"
 #include "app/CountingSwitch.h"
@@ -18,6 +17,8 @@
 #include <QDesktopServices>
 #include <QMessageBox>
 #include <QPushButton>
+
+#include <utility>
 
 namespace {
 
@@ -121,8 +122,7 @@ void SetupHost::follow(const SetupWizard& wizard)
             m_authorization->cancel();
         }
     });
-    connect(&wizard, &SetupWizard::restoreRequested, this,
-            [this](const OnlineBackup& backup) { m_download->start(backup.fileName); });
+    connect(&wizard, &SetupWizard::restoreRequested, this, &SetupHost::restoreBackup);
     connect(&wizard, &SetupWizard::restoreFromFileRequested, this, &SetupHost::restoreFile);
     connect(&wizard, &SetupWizard::restoreCancelled, this, [this] {
         m_download->cancel();
@@ -296,11 +296,18 @@ void SetupHost::withDatabase(const std::function<void()>& work)
     }
 }
 
+void SetupHost::restoreBackup(const OnlineBackup& backup)
+{
+    // One that was cancelled, with the window closed, may take a moment to end.
+    if (m_restore->isRunning() || !m_download->start(backup.fileName)) {
+        m_wizard->showRestoreFailed(tr("Another backup is being restored."));
+    }
+}
+
 void SetupHost::askForAddress(const QString& fileName)
 {
     if (!m_parts.services.communication().getDatabaseBackupDownloadURL(fileName)) {
-        m_download->processGetDatabaseBackupDownloadURL(
-            RequestTypes::BackupDownloadUrl, 0, {}, tr("The account service could not be asked."));
+        m_download->refuse(tr("The account service could not be asked."));
     }
 }
 

@@ -76,6 +76,7 @@ private:
     void takeAuthorization(const Authorization& authorization);
     void importEarlierTotals(const Authorization& authorization);
     void restoreSettings();
+    void restoreBackup(const OnlineBackup& backup);
     void restoreFile(const QString& path);
     void askForAddress(const QString& fileName);
     void takeDownload(BackupDownload::Outcome outcome, const QString& message);

@@ -2,9 +2,11 @@
 #include "storage/DatabaseArchive.h"
 
 #include "storage/DatabaseFiles.h"
+#include "storage/DiskSpace.h"
 
 #include <QCoreApplication>
 #include <QFile>
+#include <QFileInfo>
 #include <quazip/quazip.h>
 #include <quazip/quazipfile.h>
 #include <quazip/quazipnewinfo.h>
@@ -77,9 +79,18 @@ FileWork packInto(QFile& archive, QFile& source, const QString& entryName,
     if (!entry.open(QIODevice::WriteOnly, info, nullptr, 0, Z_DEFLATED, Z_BEST_SPEED)) {
         return FileWork::failed(failure);
     }
-    const Pumped pumped = pump(source, entry, source.size(), progress);
+    const QString directory = QFileInfo(archive.fileName()).absolutePath();
+    bool hasSpace = true;
+    const Pumped pumped = pump(source, entry, source.size(), [&](qint64 done, qint64 total) {
+        hasSpace = DiskSpace::usable(directory) > 0; // How large it gets, nobody knows before.
+        return hasSpace && progress(done, total);
+    });
     entry.close();
     zip.close();
+    if (!hasSpace) {
+        return FileWork::failed(
+            QCoreApplication::translate("DatabaseArchive", "There is not enough free disk space."));
+    }
     if (pumped == Pumped::Abandoned) {
         return FileWork::abandoned();
     }

@@ -14,6 +14,7 @@
 #include <QFileInfo>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
+#include <QSslConfiguration>
 #include <QSslError>
 #include <QThread>
 
@@ -51,6 +52,11 @@ DatabaseBackupUtility::~DatabaseBackupUtility()
     abandon();
 }
 
+void DatabaseBackupUtility::setTlsConfiguration(const QSslConfiguration& configuration)
+{
+    m_tls = std::make_unique<QSslConfiguration>(configuration);
+}
+
 bool DatabaseBackupUtility::isDue(const Settings& settings, const QDateTime& now)
 {
     return settings.value(SettingsKeys::OnlineBackupEnabled) &&
@@ -59,8 +65,8 @@ bool DatabaseBackupUtility::isDue(const Settings& settings, const QDateTime& now
 
 void DatabaseBackupUtility::backgroundDatabaseBackup(Trigger trigger)
 {
-    if (trigger == Trigger::Now ||
-        (m_automaticPause.hasExpired() && isDue(m_settings, QDateTime::currentDateTime()))) {
+    if (trigger == Trigger::Now || (m_automaticPause.hasExpired() && !m_database.isLent() &&
+                                    isDue(m_settings, QDateTime::currentDateTime()))) {
         startBackup();
     }
 }
@@ -300,6 +306,9 @@ void DatabaseBackupUtility::startUpload()
             &DatabaseBackupUtility::uploadFinished);
     connect(m_manager, &QNetworkAccessManager::sslErrors, this, &DatabaseBackupUtility::sslErrors);
     QNetworkRequest request(m_uploadUrl);
+    if (m_tls) {
+        request.setSslConfiguration(*m_tls);
+    }
     request.setTransferTimeout(static_cast<int>(m_stallTimeout.count()));
     // Wherever else the archive was sent, it would not be where the service looks for it.
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
@@ -330,12 +339,15 @@ void DatabaseBackupUtility::uploadFinished(QNetworkReply* reply)
     constexpr int firstSuccess = 200;
     constexpr int firstNoSuccess = 300;
     const int status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-    const bool successful = reply->error() == QNetworkReply::NoError && status >= firstSuccess &&
-                            status < firstNoSuccess;
+    const bool accepted = status >= firstSuccess && status < firstNoSuccess;
+    const bool successful = accepted && reply->error() == QNetworkReply::NoError;
     if (!successful) {
-        Log::error("The backup was not uploaded: {} (HTTP status {})", reply->errorString(),
-                   status);
-        Q_EMIT signalUpdateStatus(tr("The backup was not uploaded: %1").arg(reply->errorString()));
+        // Of a refusal Qt's text quotes the whole address, with the right to write in it.
+        const QString reason = status == 0 || accepted
+                                   ? reply->errorString()
+                                   : tr("the server answered with the status %1").arg(status);
+        Log::error("The backup was not uploaded: {}", reason);
+        Q_EMIT signalUpdateStatus(tr("The backup was not uploaded: %1").arg(reason));
     }
     dropUpload();
     m_stage = Stage::Removing;

@@ -23,6 +23,7 @@
 class Database;
 class QNetworkAccessManager;
 class QNetworkReply;
+class QSslConfiguration;
 class QSslError;
 class QThread;
 class Settings;
@@ -58,11 +59,15 @@ public:
                           std::chrono::milliseconds stallTimeout = StallTimeout);
     ~DatabaseBackupUtility() override;
 
+    /// Secures uploads, from the next one on, by this instead of Qt's own configuration.
+    void setTlsConfiguration(const QSslConfiguration& configuration);
+
     /// Whether the settings ask for a backup at `now`.
     static bool isDue(const Settings& settings, const QDateTime& now);
 
-    /// Begins now, or only where a backup is due and none failed in the last day: a service that
-    /// refuses is not to cost a copy of the database every quarter of an hour.
+    /// Begins now, or only where a backup is due, the database is not lent, and none failed in the
+    /// last day: a service that refuses is not to cost a copy of the database every quarter of an
+    /// hour.
     void backgroundDatabaseBackup(Trigger trigger);
 
     void startBackup();
@@ -142,6 +147,7 @@ private:
     QTimer m_addressTimer;
     QDeadlineTimer m_automaticPause; ///< Until then no backup begins by itself.
     QUrl m_uploadUrl;
+    std::unique_ptr<QSslConfiguration> m_tls;   ///< Null: Qt's own.
     QFile m_archive;                            ///< Open while it is uploaded.
     QNetworkAccessManager* m_manager = nullptr; ///< Null but for an upload.
     QNetworkReply* m_reply = nullptr;           ///< Likewise; the manager's.

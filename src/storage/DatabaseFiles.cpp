@@ -35,18 +35,6 @@ bool canWrite(const QString& path)
     return ::faccessat(AT_FDCWD, QFile::encodeName(path).constData(), W_OK, AT_EACCESS) == 0;
 }
 
-/// Forces a file's content, or a directory's entries, to the disk.
-bool syncToDisk(const QString& path)
-{
-    const int descriptor = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
-    if (descriptor < 0) {
-        return false;
-    }
-    const bool ok = ::fsync(descriptor) == 0;
-    ::close(descriptor);
-    return ok;
-}
-
 bool rename(const QString& from, const QString& to)
 {
     return ::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
@@ -227,6 +215,17 @@ std::optional<QString> DatabaseFiles::copy(const QString& source, const QString&
     return std::nullopt;
 }
 
+bool DatabaseFiles::syncToDisk(const QString& path)
+{
+    const int descriptor = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
+    if (descriptor < 0) {
+        return false;
+    }
+    const bool ok = ::fsync(descriptor) == 0;
+    ::close(descriptor);
+    return ok;
+}
+
 bool DatabaseFiles::replace(const QString& source, const QString& target)
 {
     if (!syncToDisk(source) || !rename(source, target)) {
@@ -315,15 +314,18 @@ bool DatabaseFiles::keepReplaced() const
     }
     if (QFileInfo::exists(kept)) {
         const QString older = datedName(kept);
+        moveCompanions(kept, older);
         if (!rename(kept, older)) {
+            moveCompanions(older, kept);
             return false;
         }
-        moveCompanions(kept, older);
     }
+    // Before the database: where it cannot have two names, nothing may be left beside the first.
+    moveCompanions(m_fileName, kept);
     if (!linkOrMove(m_fileName, kept)) {
+        moveCompanions(kept, m_fileName);
         return false;
     }
-    moveCompanions(m_fileName, kept);
     return true;
 }
 
@@ -360,6 +362,14 @@ bool DatabaseFiles::replaceBy(const QString& file) const
         takeBackReplaced();
     }
     return replaced;
+}
+
+void DatabaseFiles::remove() const
+{
+    QFile::remove(m_fileName);
+    for (const QString& suffix : companionSuffixes()) {
+        QFile::remove(m_fileName + suffix);
+    }
 }
 
 bool DatabaseFiles::startEmpty() const

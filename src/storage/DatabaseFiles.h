@@ -66,6 +66,9 @@ public:
     /// Creates an empty file, mode 0600, or empties the one that is there. True if it did.
     static bool createEmpty(const QString& path);
 
+    /// Forces a file's content, or a directory's entries, to the disk. True if it did.
+    static bool syncToDisk(const QString& path);
+
     /// Writes a finished file to the disk and lets it take the place of `target`. True if it did.
     static bool replace(const QString& source, const QString& target);
 
@@ -91,6 +94,10 @@ public:
     /// as `ReplacedName`, together with its journal. One kept before moves on to a dated name. On
     /// failure the database is what it was (false).
     bool replaceBy(const QString& file) const;
+
+    /// Removes the database and what SQLite kept beside it, which it would apply to the next file
+    /// of that name.
+    void remove() const;
 
     /// Puts an empty file, mode 0600, in the place of the database. True if it did.
     bool startEmpty() const;

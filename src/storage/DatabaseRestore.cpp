@@ -181,11 +181,17 @@ DatabaseRestore::End DatabaseRestore::check()
 
 DatabaseRestore::End DatabaseRestore::putInPlace()
 {
+    const QString staged = m_directory + QLatin1Char('/') + DatabaseFiles::RestoreName;
+    // On a slow disk this takes long enough for a change of mind; what follows does not.
+    const bool isSynced = DatabaseFiles::syncToDisk(m_part);
     if (m_cancelled) {
         return {Outcome::Cancelled};
     }
-    const QString staged = m_directory + QLatin1Char('/') + DatabaseFiles::RestoreName;
-    if (!DatabaseFiles::replace(m_part, staged)) {
+    if (isSynced) {
+        // A start that was cut short may have left a journal beside one that waited there.
+        DatabaseFiles(staged).remove();
+    }
+    if (!isSynced || !DatabaseFiles::replace(m_part, staged)) {
         return {Outcome::Failed, tr("The database could not be written to %1.").arg(m_directory)};
     }
     return {Outcome::Staged};

@@ -18,6 +18,9 @@ bool applyPendingRestore(const QString& dataDirectory)
         return false;
     }
     const DatabaseFiles files(dataDirectory + QLatin1Char('/') + DatabaseFiles::Name);
+    // Before it takes its place, and before its header is read: a start that was cut short here has
+    // left a journal. A file that cannot be written to is found out when it is opened.
+    HistoryStamp::renewFile(restored);
     // Checked when it was staged; whoever put another file there, or an older client, gets no
     // further than this.
     const std::optional<int> version = DatabaseFiles(restored).storedVersion();
@@ -25,8 +28,6 @@ bool applyPendingRestore(const QString& dataDirectory)
         Log::warn("Unable to rename restored database: {} to: {}", restored, files.fileName());
         return false;
     }
-    // Before it takes its place. A file that cannot be written to is found out when it is opened.
-    HistoryStamp::renewFile(restored);
     if (!files.replaceBy(restored)) {
         Log::warn("Unable to rename restored database: {} to: {}", restored, files.fileName());
         return false;

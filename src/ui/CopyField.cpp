@@ -2,6 +2,7 @@
 #include "ui/CopyField.h"
 
 #include "ui/Icons.h"
+#include "ui/PlainText.h"
 #include "ui/Theme.h"
 
 #include <QApplication>
@@ -28,7 +29,7 @@ CopyField::CopyField(const QString& name, const QString& meaning, const QString&
     m_line->setMinimumHeight(4 * Theme::Rhythm);
     m_copy->setObjectName(QStringLiteral("copy") + name.at(0).toUpper() + name.mid(1));
     m_copy->setMinimumHeight(4 * Theme::Rhythm);
-    m_copy->setMinimumWidth(m_copy->sizeHint().width());
+    m_copy->setMinimumWidth(m_copy->sizeHint().width() + 2 * Theme::Rhythm);
     connect(m_copy, &QPushButton::clicked, this, &CopyField::copy);
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -45,7 +46,7 @@ void CopyField::setText(const QString& text)
     }
     m_line->setText(text);
     m_line->setCursorPosition(0);
-    m_line->setToolTip(text);
+    m_line->setToolTip(PlainText::toolTip(text));
 }
 
 void CopyField::copy()

@@ -3,6 +3,7 @@
 
 #include "base/Format.h"
 #include "ui/CountsModel.h"
+#include "ui/PlainText.h"
 
 #include <QDate>
 
@@ -119,8 +120,9 @@ QVariant FiguresModel::data(const QModelIndex& index, int role) const
     case Qt::DisplayRole:
         return column.text ? column.text(raw) : raw.toString();
     case Qt::ToolTipRole:
-        return raw.typeId() == QMetaType::QString && raw.toString().size() > RoomyText ? raw
-                                                                                       : QVariant();
+        return raw.typeId() == QMetaType::QString && raw.toString().size() > RoomyText
+                   ? PlainText::toolTip(raw.toString())
+                   : QVariant();
     case Qt::TextAlignmentRole:
         return QVariant::fromValue(column.alignment);
     case CountsModel::SortRole:

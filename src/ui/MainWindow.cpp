@@ -246,6 +246,7 @@ void MainWindow::setInputState(InputState state)
 void MainWindow::setMessages(const QList<WindowMessage>& messages)
 {
     m_messages->setMessages(messages);
+    m_messages->orderTabs(m_countingButton);
 }
 
 void MainWindow::setProfiles(const QList<ProfileFilter::Entry>& profiles)

@@ -3,6 +3,7 @@
 
 #include "account/WindowMessages.h"
 #include "ui/Icons.h"
+#include "ui/PlainText.h"
 #include "ui/Theme.h"
 
 #include <QEvent>
@@ -27,37 +28,32 @@ QString shortened(const QString& text, qsizetype longest)
 
 } // namespace
 
-MessageBanner::MessageBanner(const WindowMessage& message, QWidget* parent)
+MessageBanner::MessageBanner(QWidget* parent)
     : QFrame(parent)
     , m_icon(new QLabel(this))
-    , m_title(new QLabel(shortened(message.title, LongestTitle), this))
-    , m_text(new QLabel(shortened(message.text, LongestText), this))
+    , m_title(new QLabel(this))
+    , m_text(new QLabel(this))
     , m_link(new QPushButton(this))
     , m_dismiss(new QToolButton(this))
 {
     setObjectName(QStringLiteral("banner"));
-    setAccessibleName(message.title.isEmpty() ? tr("Message") : m_title->text());
-    setAccessibleDescription(m_text->text());
-    m_title->setTextFormat(Qt::PlainText);
-    m_title->setVisible(!message.title.isEmpty());
+    for (QLabel* label : {m_title, m_text}) {
+        label->setTextFormat(Qt::PlainText);
+        label->setWordWrap(true);
+        // Whatever it says, the window can be as small as without it.
+        label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    }
     m_text->setObjectName(QStringLiteral("bannerText"));
-    m_text->setTextFormat(Qt::PlainText);
-    m_text->setWordWrap(true);
     m_text->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    // An ampersand would mark a shortcut.
-    m_link->setText(shortened(message.buttonText, LongestButton)
-                        .replace(QLatin1Char('&'), QStringLiteral("&&")));
     m_link->setObjectName(QStringLiteral("bannerLink"));
-    m_link->setToolTip(message.link.toString());
     m_link->setMinimumHeight(4 * Theme::Rhythm);
-    m_link->setVisible(!message.buttonText.isEmpty() && message.link.isValid());
     m_dismiss->setObjectName(QStringLiteral("dismiss"));
     m_dismiss->setIcon(Icons::symbol(QStringLiteral("close")));
     m_dismiss->setAutoRaise(true);
     m_dismiss->setFocusPolicy(Qt::StrongFocus);
     m_dismiss->setToolTip(tr("Dismiss for good"));
     m_dismiss->setAccessibleName(tr("Dismiss this message for good"));
-    connect(m_link, &QPushButton::clicked, this, &MessageBanner::linkPressed);
+    connect(m_link, &QPushButton::clicked, this, [this] { Q_EMIT linkPressed(m_url); });
     connect(m_dismiss, &QToolButton::clicked, this, &MessageBanner::dismissPressed);
 
     auto* words = new QVBoxLayout;
@@ -72,6 +68,31 @@ MessageBanner::MessageBanner(const WindowMessage& message, QWidget* parent)
     layout->addWidget(m_link);
     layout->addWidget(m_dismiss);
     applyTheme();
+}
+
+void MessageBanner::setMessage(const WindowMessage& message)
+{
+    const QString title = shortened(message.title, LongestTitle);
+    const QString text = shortened(message.text, LongestText);
+    setAccessibleName(title.isEmpty() ? tr("Message") : title);
+    setAccessibleDescription(text);
+    m_title->setText(PlainText::breakable(title));
+    m_title->setVisible(!title.isEmpty());
+    m_text->setText(PlainText::breakable(text));
+    // An ampersand would mark a shortcut.
+    m_link->setText(shortened(message.buttonText, LongestButton)
+                        .replace(QLatin1Char('&'), QStringLiteral("&&")));
+    m_link->setMinimumWidth(m_link->sizeHint().width() + 2 * Theme::Rhythm);
+    m_url = message.link;
+    m_link->setToolTip(PlainText::toolTip(m_url.toString()));
+    m_link->setVisible(!message.buttonText.isEmpty() && m_url.isValid());
+}
+
+QWidget* MessageBanner::orderTabs(QWidget* previous)
+{
+    setTabOrder(previous, m_link);
+    setTabOrder(m_link, m_dismiss);
+    return m_dismiss;
 }
 
 void MessageBanner::changeEvent(QEvent* event)

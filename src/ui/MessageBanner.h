@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QFrame>
+#include <QUrl>
 
 struct WindowMessage;
 class QLabel;
@@ -15,10 +16,15 @@ class MessageBanner : public QFrame
     Q_OBJECT
 
 public:
-    explicit MessageBanner(const WindowMessage& message, QWidget* parent = nullptr);
+    explicit MessageBanner(QWidget* parent = nullptr);
+
+    void setMessage(const WindowMessage& message);
+
+    /// Lets Tab lead from `previous` to the buttons here; returns the last of them.
+    QWidget* orderTabs(QWidget* previous);
 
 Q_SIGNALS:
-    void linkPressed();
+    void linkPressed(const QUrl& url);
     void dismissPressed();
 
 protected:
@@ -33,4 +39,5 @@ private:
     QLabel* m_text;
     QPushButton* m_link;
     QToolButton* m_dismiss;
+    QUrl m_url;
 };

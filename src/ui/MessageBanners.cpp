@@ -40,9 +40,10 @@ void MessageBanners::setMessages(const QList<WindowMessage>& messages)
         const WindowMessage& message = messages.at(messages.size() - 1 - i);
         MessageBanner* banner = m_banners.value(message.id);
         if (banner == nullptr) {
-            banner = makeBanner(message);
+            banner = makeBanner(message.id);
             m_banners.insert(message.id, banner);
         }
+        banner->setMessage(message);
         left.remove(message.id);
         m_layout->insertWidget(static_cast<int>(i), banner);
     }
@@ -56,13 +57,20 @@ void MessageBanners::setMessages(const QList<WindowMessage>& messages)
     setVisible(!messages.isEmpty());
 }
 
-MessageBanner* MessageBanners::makeBanner(const WindowMessage& message)
+void MessageBanners::orderTabs(QWidget* previous)
 {
-    auto* banner = new MessageBanner(message, this);
-    connect(banner, &MessageBanner::dismissPressed, this,
-            [this, id = message.id] { Q_EMIT dismissed(id); });
-    connect(banner, &MessageBanner::linkPressed, this,
-            [this, url = message.link] { Q_EMIT linkRequested(url); });
+    for (int i = 0; i < m_layout->count(); ++i) {
+        if (auto* banner = qobject_cast<MessageBanner*>(m_layout->itemAt(i)->widget())) {
+            previous = banner->orderTabs(previous);
+        }
+    }
+}
+
+MessageBanner* MessageBanners::makeBanner(qint64 id)
+{
+    auto* banner = new MessageBanner(this);
+    connect(banner, &MessageBanner::dismissPressed, this, [this, id] { Q_EMIT dismissed(id); });
+    connect(banner, &MessageBanner::linkPressed, this, &MessageBanners::linkRequested);
     return banner;
 }
 

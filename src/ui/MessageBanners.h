@@ -20,8 +20,11 @@ class MessageBanners : public QWidget
 public:
     explicit MessageBanners(QWidget* parent = nullptr);
 
-    /// Oldest first. A banner that is shown already keeps its place and its focus.
+    /// Oldest first. A banner that is shown already keeps its focus.
     void setMessages(const QList<WindowMessage>& messages);
+
+    /// Lets Tab lead from `previous` through the banners, from top to bottom.
+    void orderTabs(QWidget* previous);
 
 Q_SIGNALS:
     void dismissed(qint64 id); ///< The message stays until it is missing from `setMessages`.
@@ -31,7 +34,7 @@ protected:
     void changeEvent(QEvent* event) override;
 
 private:
-    MessageBanner* makeBanner(const WindowMessage& message);
+    MessageBanner* makeBanner(qint64 id);
 
     QMap<qint64, MessageBanner*> m_banners; ///< Those shown, by the message's id.
     QVBoxLayout* m_layout;

@@ -359,15 +359,20 @@ void TrayIcon::explainClosedWindow()
 
 void TrayIcon::onActivated(QSystemTrayIcon::ActivationReason reason)
 {
+    if (reason != QSystemTrayIcon::Trigger && reason != QSystemTrayIcon::DoubleClick) {
+        return;
+    }
     const bool zurges =
         m_zurge.isSignedIn && Settings::instance().value(SettingsKeys::TrayDoubleclickZurge);
-    if (reason == QSystemTrayIcon::Trigger && zurges) {
-        m_secondClick.start(QApplication::doubleClickInterval());
-    } else if (reason == QSystemTrayIcon::DoubleClick && zurges) {
+    // Trays that are told of clicks over D-Bus know single ones only.
+    const bool isDouble = reason == QSystemTrayIcon::DoubleClick || m_secondClick.isActive();
+    if (!zurges) {
+        Q_EMIT openRequested();
+    } else if (isDouble) {
         m_secondClick.stop();
         zurge();
-    } else if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::DoubleClick) {
-        Q_EMIT openRequested();
+    } else {
+        m_secondClick.start(QApplication::doubleClickInterval());
     }
 }
 

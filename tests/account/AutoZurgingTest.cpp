@@ -133,7 +133,7 @@ void AutoZurgingTest::zurgesAtAThreshold()
 
     // What was counted beyond the threshold stays, up to once more as much.
     answer();
-    increase(2 * threshold * unit);
+    increase(quint64{2} * threshold * unit);
     check(m_now.addSecs(60));
     const ClientCommunication::ZurgeRequest& request = m_service->requests.constLast();
     const quint64 sent = request.keys + request.clicks + request.uptimeSeconds / 3600 +
@@ -179,7 +179,7 @@ void AutoZurgingTest::zurgesByTheClock()
     const QDateTime begin(QDate(2026, 11, 21), QTime(22, 0));
     for (int minutes = 0; minutes < 240; minutes += 10) {
         m_stats->increaseKeys(1);
-        check(begin.addSecs(minutes * 60));
+        check(begin.addSecs(qint64{60} * minutes));
         if (!m_service->requests.isEmpty()) {
             zurges << QLocale::c().toString(m_now, QStringLiteral("ddd HH:mm"));
             answer();

@@ -3,6 +3,7 @@
 #include "account/BrowserAuthorization.h"
 #include "account/ClientCommunication.h"
 #include "support/TestRegistry.h"
+#include "support/Waiting.h"
 
 #include <QSignalSpy>
 #include <QSysInfo>
@@ -18,6 +19,9 @@ struct Attempt
     Attempt()
     {
         communication.setClientURL(service.url());
+        const auto end = [this](const QString& type) { ended << type; };
+        QObject::connect(&communication, &ClientCommunication::requestDone, &communication, end);
+        QObject::connect(&communication, &ClientCommunication::requestDropped, &communication, end);
         QObject::connect(&authorization, &BrowserAuthorization::failed, &authorization,
                          [this](const QString& text) { heard << text; });
         QObject::connect(&authorization, &BrowserAuthorization::browserNeeded, &authorization,
@@ -34,15 +38,26 @@ struct Attempt
 
     bool waitToHear(qsizetype count) const
     {
-        return QTest::qWaitFor([&] { return heard.size() >= count; });
+        return comesTrue([&] { return heard.size() >= count; });
     }
 
-    /// Waits until so many requests have come, and a little longer for their answers.
     bool waitForRequests(qsizetype count) const
     {
-        const bool came = QTest::qWaitFor([&] { return service.envelopes.size() >= count; });
-        QTest::qWait(20);
-        return came && service.envelopes.size() == count;
+        return comesTrue([&] { return service.envelopes.size() >= count; });
+    }
+
+    bool waitForEnds(qsizetype count) const
+    {
+        return comesTrue([&] { return ended.size() >= count; });
+    }
+
+    /// Requests are sent in turn: one that was asked for comes before the one that is added here.
+    bool hasAskedNoMore()
+    {
+        const qsizetype before = service.envelopes.size();
+        communication.testProxy();
+        return comesTrue([&] { return ended.contains(QStringLiteral("testproxy")); }) &&
+               service.envelopes.size() == before + 1;
     }
 
     qint64 now = 0;
@@ -50,6 +65,7 @@ struct Attempt
     ClientCommunication communication{nullptr, [this] { return now; }};
     BrowserAuthorization authorization{communication,
                                        QUrl(QStringLiteral("https://www.tallyvane.example"))};
+    QStringList ended; ///< The types of requests, in turn.
     QStringList heard; ///< "browser", "authorized", or why it failed.
     QUrl page;
     Authorization account;
@@ -128,7 +144,7 @@ void BrowserAuthorizationTest::readsTheAccount()
     }
     QCOMPARE(names, (QStringList{QStringLiteral("new.zip 11"), QStringLiteral("old.zip 10")}));
     attempt.authorization.checkNow();
-    QVERIFY(attempt.waitForRequests(2)); // It is over.
+    QVERIFY(attempt.hasAskedNoMore()); // It is over.
 }
 
 void BrowserAuthorizationTest::meetsEveryAnswer_data()
@@ -186,10 +202,10 @@ void BrowserAuthorizationTest::meetsEveryAnswer()
     }
     attempt.service.expect({toCheck, NotYet});
     attempt.authorization.checkNow();
-    QVERIFY(attempt.waitForRequests(2));
+    QVERIFY(attempt.waitForEnds(2));
     attempt.authorization.checkNow();
     // Whoever still waits for the user asks again.
-    QVERIFY(attempt.waitForRequests(outcome.isEmpty() ? 3 : 2));
+    QVERIFY(outcome.isEmpty() ? attempt.waitForRequests(3) : attempt.hasAskedNoMore());
     attempt.heard.removeFirst();
     QCOMPARE(attempt.heard.join(QLatin1Char(' ')), outcome);
 }

@@ -6,17 +6,9 @@
 #include "support/TestDatabase.h"
 #include "support/TestFiles.h"
 #include "support/TestRegistry.h"
-
-#include <QTest>
+#include "support/Waiting.h"
 
 namespace {
-
-const AccountIdentity Someone{.userId = 42,
-                              .computerId = 7,
-                              .email = QStringLiteral("me@tallyvane.example"),
-                              .userName = QStringLiteral("me"),
-                              .computer = QStringLiteral("desk"),
-                              .passwordHash = QStringLiteral("5a1fhash")};
 
 /// A client that speaks to a service, and hears how its requests end.
 struct Client
@@ -47,12 +39,12 @@ struct Client
 
     bool waitForEnds(qsizetype count) const
     {
-        return QTest::qWaitFor([&] { return ended.size() >= count; });
+        return comesTrue([&] { return ended.size() >= count; });
     }
 
     bool waitForRequests(qsizetype count) const
     {
-        return QTest::qWaitFor([&] { return service.envelopes.size() >= count; });
+        return comesTrue([&] { return service.envelopes.size() >= count; });
     }
 
     QString spoken() const { return service.actions().join(QLatin1Char(' ')); }
@@ -88,6 +80,7 @@ private Q_SLOTS:
     void abandonsWhatIsNotAnswered_data();
     void abandonsWhatIsNotAnswered();
     void goesOfflineWithAnArchivedComputer();
+    void followsTheAccount_data();
     void followsTheAccount();
     void needsAnAccountForMostTypes();
     void succeedsInUploadingWhateverTheCode();
@@ -309,29 +302,66 @@ void ClientCommunicationTest::goesOfflineWithAnArchivedComputer()
     QVERIFY(client.communication.refreshAccountInfo());
 }
 
+void ClientCommunicationTest::followsTheAccount_data()
+{
+    QTest::addColumn<QStringList>("orders");
+    QTest::addColumn<QByteArray>("lateAnswer"); // After the account has changed.
+    QTest::addColumn<AccountIdentity>("account");
+    QTest::addColumn<QString>("spoken");
+    QTest::addColumn<QString>("ended");
+    QTest::addColumn<QString>("token"); // Of the last request.
+    const auto other = [](const auto& change) {
+        AccountIdentity account = Someone;
+        change(account);
+        return account;
+    };
+    const auto account = other([](auto& identity) { identity.userId = 43; });
+    const auto computer = other([](auto& identity) { identity.computerId = 8; });
+    const auto hash = other([](auto& identity) { identity.passwordHash = QStringLiteral("new"); });
+    const QStringList signingIn = words("silent");
+    const QStringList requesting = words("200 silent");
+    const QByteArray token = R"({"status":200,"data":{"client_token":"of-the-other"}})";
+    const QByteArray info = R"({"status":200,"data":{"token":"of-the-other"}})";
+    const QString none = QStringLiteral("refresh_account_info 0 zurge 0 testproxy 200");
+    const QString all = QStringLiteral("refresh_account_info 200 zurge 200 testproxy 200");
+    QTest::newRow("other account, signing in")
+        << signingIn << token << account << "client_login client_login testproxy" << none
+        << "token-1";
+    QTest::newRow("signed out, signing in")
+        << signingIn << token << AccountIdentity() << "client_login testproxy" << none << "";
+    QTest::newRow("other hash, signing in")
+        << signingIn << token << hash
+        << "client_login client_login refresh_account_info zurge testproxy" << all << "token-1";
+    const QString afresh =
+        QStringLiteral("client_login refresh_account_info client_login testproxy");
+    QTest::newRow("other account") << requesting << info << account << afresh << none << "token-2";
+    QTest::newRow("other computer")
+        << requesting << info << computer << afresh << none << "token-2";
+    QTest::newRow("signed out") << requesting << info << AccountIdentity()
+                                << "client_login refresh_account_info testproxy" << none << "";
+    QTest::newRow("other hash") << requesting << info << hash
+                                << "client_login refresh_account_info client_login zurge testproxy"
+                                << all << "token-2";
+    QTest::newRow("other account, the earlier one archived")
+        << requesting << QByteArray(R"({"status":900})") << account << afresh << none << "token-2";
+}
+
 void ClientCommunicationTest::followsTheAccount()
 {
+    QFETCH(QStringList, orders);
+    QFETCH(QByteArray, lateAnswer);
+    QFETCH(AccountIdentity, account);
     Client client;
-    AccountIdentity other = Someone;
-    other.userId = 43;
-    client.service.expect(words("silent"));
-    client.ask(words("zurge"));
-    QVERIFY(client.waitForRequests(1));
-    // The answer to the sign-in of the account before is of no use.
-    client.communication.setIdentity(other);
-    client.service.answerLate(R"({"status":200,"data":{"client_token":"of-the-other"}})");
-    QVERIFY(client.waitForEnds(1));
-    QCOMPARE(client.spoken(), QStringLiteral("client_login client_login zurge"));
-    QCOMPARE(client.service.envelopes.last()[QLatin1String("client_token")].toString(),
-             QStringLiteral("token-1"));
-    client.service.expect(words("silent"));
-    client.ask(words("zurge refresh_account_info"));
-    QVERIFY(client.waitForRequests(4));
-    client.communication.setIdentity({});
-    client.service.answerLate(R"({"status":200})");
+    client.service.expect(orders);
+    client.ask(words("refresh_account_info zurge testproxy"));
+    QVERIFY(client.waitForRequests(orders.size()));
+    client.communication.setIdentity(account);
+    client.service.answerLate(lateAnswer);
     QVERIFY(client.waitForEnds(3));
-    QCOMPARE(client.ended.last(), QStringLiteral("refresh_account_info 0"));
-    QCOMPARE(client.service.envelopes.size(), 4);
+    QTEST(client.spoken(), "spoken");
+    QTEST(client.ended.join(QLatin1Char(' ')), "ended");
+    QTEST(client.service.envelopes.last()[QLatin1String("client_token")].toString(), "token");
+    QCOMPARE(client.archived, 0);
 }
 
 void ClientCommunicationTest::needsAnAccountForMostTypes()
@@ -380,14 +410,15 @@ void ClientCommunicationTest::logsNoSecret()
     client.communication.doZurge(
         {.token = QStringLiteral("zurgesecret"), .applications = {}, .timeSeries = {}});
     client.communication.checkClientAuthorization(QStringLiteral("uidsecret"), {});
-    client.service.expect({QStringLiteral(
-        R"({"status":200,"data":{"passwordhash":"5a1fhash","token":"zurgesecret"}})")});
+    client.service.expect(
+        {QStringLiteral(R"({"status":200,"data":{"passwordhash":"5a1fhash","token":"zurgesecret",)"
+                        R"("url":"urlsecret"}})")});
     QVERIFY(client.waitForEnds(2));
     for (const char* line :
          {"Got error 500 back!", "Original request: zurge", "with input data: clickcount: 0, "}) {
         QVERIFY2(log.contains(QString::fromLatin1(line)), line);
     }
-    for (const char* secret : {"5a1fhash", "token-1", "zurgesecret", "uidsecret"}) {
+    for (const char* secret : {"5a1fhash", "token-1", "zurgesecret", "uidsecret", "urlsecret"}) {
         QVERIFY2(!log.contains(QString::fromLatin1(secret)), secret);
     }
 }

@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "HttpClient.h"
 #include "account/BackupDownload.h"
 #include "account/DataFileDownload.h"
+#include "account/TlsTrust.h"
+#include "service/ServiceCertificates.h"
+#include "storage/DatabaseBackupUtility.h"
 #include "support/FileSizeLimit.h"
 #include "support/LogCapture.h"
 #include "support/ScriptedServer.h"
@@ -16,14 +20,18 @@ namespace {
 using Manner = ScriptedServer::Manner;
 
 constexpr std::chrono::milliseconds StallTimeout = std::chrono::seconds(1);
+constexpr int PatienceMs = 60'000;
 
 /// One kept data file, and the server it comes from.
 struct DataFileClient
 {
     explicit DataFileClient(
-        DataFileDownload::DataFile kept = DataFileDownload::DataFile::countryDatabase())
-        : file(std::move(kept))
+        DataFileDownload::DataFile kept = DataFileDownload::DataFile::countryDatabase(),
+        Manner manner = Manner::Answer)
+        : stall(manner == Manner::StandStill ? StallTimeout : std::chrono::milliseconds(PatienceMs))
+        , file(std::move(kept))
     {
+        server.script.manner = manner;
         download.setReleaseAddress(server.url(QStringLiteral("/release/")));
     }
 
@@ -37,9 +45,11 @@ struct DataFileClient
     bool update(DataFileDownload::Trigger trigger = DataFileDownload::Trigger::Now)
     {
         download.update(trigger, DataFileDownload::Asker::User);
-        return (!finished.isEmpty() || finished.wait(20'000)) && finished.takeLast().at(1).toBool();
+        return (!finished.isEmpty() || finished.wait(PatienceMs)) &&
+               finished.takeLast().at(1).toBool();
     }
 
+    std::chrono::milliseconds stall;
     TestDatabase test;
     ScriptedServer server;
     DataFileDownload::DataFile file;
@@ -52,7 +62,7 @@ struct DataFileClient
                               },
                               Settings::instance(),
                               nullptr,
-                              StallTimeout};
+                              stall};
     QSignalSpy finished{&download, &DataFileDownload::finished};
 };
 
@@ -63,6 +73,9 @@ class DownloadsTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    // First: any other download would settle whom to trust.
+    void trustsWhomRequestsTrust_data();
+    void trustsWhomRequestsTrust();
     void replacesADataFile_data();
     void replacesADataFile();
     void keepsTheOldFile_data();
@@ -96,6 +109,7 @@ void DownloadsTest::replacesADataFile()
                                 : DataFileDownload::DataFile::countryDatabase());
     QVERIFY(writeFile(client.path(), "old"));
     client.server.script.body = "good" + QByteArray(3'000'000, 'x');
+    const qint64 begin = QDateTime::currentSecsSinceEpoch();
     const LogCapture log;
     QVERIFY(client.update());
     QVERIFY(log.contains(line));
@@ -104,7 +118,8 @@ void DownloadsTest::replacesADataFile()
     const ScriptedServer::Request& request = client.server.requests.first();
     QCOMPARE(request.firstLine(), "GET /release/" + client.file.fileName.toLatin1() + " HTTP/1.1");
     QCOMPARE(request.header("Accept-Encoding"), QByteArray("identity"));
-    QVERIFY(qAbs(client.lastCheck() - QDateTime::currentSecsSinceEpoch()) < 60);
+    QVERIFY(begin <= client.lastCheck() &&
+            client.lastCheck() <= QDateTime::currentSecsSinceEpoch());
 }
 
 void DownloadsTest::keepsTheOldFile_data()
@@ -133,11 +148,12 @@ void DownloadsTest::keepsTheOldFile()
     QFETCH(int, status);
     QFETCH(QByteArray, body);
     QFETCH(bool, counts);
-    DataFileClient client(DataFileDownload::DataFile::portDescriptions());
+    DataFileClient client(DataFileDownload::DataFile::portDescriptions(),
+                          static_cast<Manner>(manner));
     QVERIFY(writeFile(client.path(), "old"));
     client.server.script = {.manner = static_cast<Manner>(manner), .status = status, .body = body};
     client.download.update(DataFileDownload::Trigger::Now, DataFileDownload::Asker::Client);
-    QVERIFY(client.finished.wait(20'000));
+    QVERIFY(client.finished.wait(PatienceMs));
     QCOMPARE(client.finished.last().at(0).toString(),
              QStringLiteral("download_networkportdescriptions"));
     QCOMPARE(client.finished.last().at(1).toBool(), false);
@@ -187,7 +203,7 @@ void DownloadsTest::checksWhenDue()
                                   QDateTime::currentSecsSinceEpoch() - hoursSince * 3600);
     client.download.update(DataFileDownload::Trigger::WhenDue, DataFileDownload::Asker::Client);
     QCOMPARE(client.download.isRunning(), due);
-    QVERIFY(!due || client.finished.wait(20'000));
+    QVERIFY(!due || client.finished.wait(PatienceMs));
     QCOMPARE(readFile(client.path()), due ? "good" : (hasFile ? "old" : QByteArray()));
 }
 
@@ -248,7 +264,7 @@ void DownloadsTest::fetchesABackup()
     QCOMPARE(server.requests.size(), 0);
     download.processGetDatabaseBackupDownloadURL(QStringLiteral("get_db_backup_download_url"), 200,
                                                  data, {});
-    QVERIFY(finished.wait(20'000));
+    QVERIFY(finished.wait(PatienceMs));
     QCOMPARE(finished.last().at(0).value<BackupDownload::Outcome>(), BackupDownload::Outcome::Done);
     QCOMPARE(download.archive(), directory.filePath(QStringLiteral("tallyvane-restore.db.zip")));
     QVERIFY(readFile(download.archive()) == server.script.body);
@@ -270,6 +286,7 @@ void DownloadsTest::tellsWhyNoBackupCame_data()
     QTest::newRow("the service refuses") << 500 << here << answer << -1;
     QTest::newRow("no address") << 200 << QString() << answer << -1;
     QTest::newRow("a local file") << 200 << QStringLiteral("file:///etc/passwd") << answer << -1;
+    QTest::newRow("not there any more") << 200 << QStringLiteral("missing") << answer << -1;
     QTest::newRow("nobody there") << 200 << QStringLiteral("http://127.0.0.1:1/") << answer << -1;
     QTest::newRow("cut off") << 200 << here << static_cast<int>(Manner::CutAnswer) << -1;
     QTest::newRow("stands still") << 200 << here << static_cast<int>(Manner::StandStill) << -1;
@@ -284,23 +301,30 @@ void DownloadsTest::tellsWhyNoBackupCame()
     QFETCH(int, mostBytes);
     const QTemporaryDir directory;
     ScriptedServer server;
-    server.script = {.manner = static_cast<Manner>(manner), .body = QByteArray(500'000, 'z')};
+    const bool isMissing = address == QLatin1String("missing");
+    server.script = {.manner = static_cast<Manner>(manner),
+                     .status = isMissing ? 404 : 200,
+                     .body = QByteArray(500'000, 'z')};
     BackupDownload download(directory.path(), nullptr, StallTimeout);
     QSignalSpy finished(&download, &BackupDownload::finished);
     std::optional<FileSizeLimit> limit;
     if (mostBytes > 0) {
         limit.emplace(static_cast<rlim_t>(mostBytes));
     }
+    const LogCapture log;
     QVERIFY(download.start(QStringLiteral("backup.zip")));
+    const bool isHere = isMissing || address == QLatin1String("here");
     download.processGetDatabaseBackupDownloadURL(
         QStringLiteral("get_db_backup_download_url"), addressStatus,
         {{QStringLiteral("url"),
-          address == QLatin1String("here") ? server.url(QStringLiteral("/")).toString() : address}},
+          isHere ? server.url(QStringLiteral("/b?right=secret")).toString() : address}},
         QStringLiteral("The service says no."));
-    QVERIFY(!finished.isEmpty() || finished.wait(20'000));
+    QVERIFY(!finished.isEmpty() || finished.wait(PatienceMs));
     QCOMPARE(finished.last().at(0).value<BackupDownload::Outcome>(),
              BackupDownload::Outcome::Failed);
     QVERIFY(!finished.last().at(1).toString().isEmpty());
+    QVERIFY(!finished.last().at(1).toString().contains(QStringLiteral("secret")));
+    QVERIFY(!log.contains(QStringLiteral("secret")));
     QVERIFY(!download.isRunning());
     QVERIFY(QDir(directory.path()).isEmpty());
 }
@@ -312,13 +336,18 @@ void DownloadsTest::canBeCancelled()
     server.script = {.manner = Manner::StandStill};
     BackupDownload download(directory.path());
     QSignalSpy finished(&download, &BackupDownload::finished);
+    const auto answer = [&](const QString& path) {
+        download.processGetDatabaseBackupDownloadURL(
+            QStringLiteral("get_db_backup_download_url"), 200,
+            {{QStringLiteral("url"), server.url(path).toString()}}, {});
+    };
     for (const bool early : {true, false}) {
         QVERIFY(download.start(QStringLiteral("backup.zip")));
         if (!early) {
-            download.processGetDatabaseBackupDownloadURL(
-                QStringLiteral("get_db_backup_download_url"), 200,
-                {{QStringLiteral("url"), server.url(QStringLiteral("/")).toString()}}, {});
+            answer(QStringLiteral("/of-the-first"));
+            answer(QStringLiteral("/of-the-second"));
             QTRY_COMPARE(server.requests.size(), 1);
+            QCOMPARE(server.requests.last().firstLine(), QByteArray("GET /of-the-second HTTP/1.1"));
         }
         download.cancel();
         QCOMPARE(finished.size(), 1);
@@ -329,6 +358,54 @@ void DownloadsTest::canBeCancelled()
     QTest::qWait(50);
     QCOMPARE(finished.size(), 0);
     QVERIFY(QDir(directory.path()).isEmpty());
+}
+
+void DownloadsTest::trustsWhomRequestsTrust_data()
+{
+    QTest::addColumn<bool>("isKnown");
+    QTest::newRow("known authority") << true;
+    QTest::newRow("unknown authority") << false;
+}
+
+void DownloadsTest::trustsWhomRequestsTrust()
+{
+    QFETCH(bool, isKnown);
+    static const ServiceCertificates known = ServiceCertificates::make();
+    const QSslConfiguration usual = QSslConfiguration::defaultConfiguration();
+    QSslConfiguration wider = usual;
+    wider.addCaCertificate(known.authority);
+    QSslConfiguration::setDefaultConfiguration(wider);
+    const QSslConfiguration& trust = TlsTrust::configuration();
+    QSslConfiguration::setDefaultConfiguration(usual);
+    if (!trust.caCertificates().contains(known.authority)) {
+        QSKIP("Whom to trust was settled by another test class of this run.");
+    }
+    const ServiceCertificates shown = isKnown ? known : ServiceCertificates::make();
+    QSslConfiguration tls = usual;
+    tls.setLocalCertificate(shown.server);
+    tls.setPrivateKey(shown.serverKey);
+    const WireServer server(tls, answerFine);
+    const TestDatabase test;
+
+    FileDownload download;
+    QSignalSpy downloaded(&download, &FileDownload::finished);
+    download.start({.url = QUrl(server.url()),
+                    .path = test.directory() + QStringLiteral("/file"),
+                    .mostBytes = Fine.size()});
+    QVERIFY(downloaded.wait(20'000));
+    QCOMPARE(downloaded.first().first().value<FileDownload::Result>(),
+             isKnown ? FileDownload::Result::Done : FileDownload::Result::Failed);
+
+    DatabaseBackupUtility backup(*test.database(), Settings::instance());
+    backup.setTlsConfiguration(trust);
+    connect(&backup, &DatabaseBackupUtility::signalNeedUploadURL, &backup, [&] {
+        backup.processGetDatabaseBackupUploadURL(QStringLiteral("get_db_backup_upload_url"), 200,
+                                                 {{QStringLiteral("url"), server.url()}}, {});
+    });
+    QSignalSpy uploaded(&backup, &DatabaseBackupUtility::signalBackupFinished);
+    backup.startBackup();
+    QVERIFY(uploaded.wait(20'000));
+    QCOMPARE(uploaded.first().first().toBool(), isKnown);
 }
 
 REGISTER_TEST(DownloadsTest);

@@ -41,12 +41,14 @@ public:
     }
 
     /// Takes the last request, as the service does. False: its token is the wrong one.
-    bool take()
+    bool take() { return take(requests.constLast()); }
+
+    bool take(const ClientCommunication::ZurgeRequest& request)
     {
-        if (requests.constLast().token != ZurgeLedger::text(m_ledger.token)) {
+        if (request.token != ZurgeLedger::text(m_ledger.token)) {
             return false;
         }
-        m_ledger.keys += requests.constLast().keys;
+        m_ledger.keys += request.keys;
         ++m_ledger.token;
         return true;
     }

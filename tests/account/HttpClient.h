@@ -3,9 +3,9 @@
 
 #include "WireServer.h"
 #include "account/tHTTP.h"
+#include "support/Waiting.h"
 
 #include <QSignalSpy>
-#include <QTest>
 #include <QVariantMap>
 
 #include <memory>
@@ -33,8 +33,7 @@ public:
     /// False where not exactly one signal came, or more than that followed.
     bool finishes()
     {
-        constexpr int patienceMs = 30000;
-        return QTest::qWaitFor([this] { return signalCount() > 0; }, patienceMs) && !another();
+        return comesTrue([this] { return signalCount() > 0; }) && !another();
     }
 
     bool another()

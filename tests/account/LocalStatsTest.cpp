@@ -157,6 +157,8 @@ void LocalStatsTest::keepsOldCountsOfARestoredDatabaseOut()
             lost.count(10);
             lost.stats.writeDatabaseCopy();
         }
+    }
+    {
         Run fresh(directory());
         fresh.count(3);
         QVERIFY(fresh.stats.saveSettings());
@@ -382,7 +384,6 @@ void LocalStatsTest::survivesBeingKilled()
     // A kill in the midst of a save leaves the temporary file, which is none of these.
     const QStringList aside{QStringLiteral("tallyvane.tvw.damaged-*")};
     QCOMPARE(QDir(directory()).entryList(aside, QDir::Files), QStringList());
-    QVERIFY(reported > kills);
 }
 
 REGISTER_TEST(LocalStatsTest);

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <QDate>
-#include <QHash>
 #include <QMap>
 #include <QString>
 #include <QStringList>
@@ -157,39 +156,21 @@ private:
     {
         const bool bytes = QByteArrayView(table) == "application_bandwidth";
         std::map<std::pair<QString, QString>, double> ofPaths;
-        forEach(column, table, "path", [&](const Row& row) {
+        const std::string known = std::string(table) + " JOIN applications USING (path)";
+        forEach(column, known.c_str(), "online_app_id || ' ' || path", [&](const Row& row) {
             ofPaths[{row.hour, row.owner}] += row.value;
         });
         for (const auto& [key, value] : ofPaths) {
-            const QString id = onlineIds().value(key.second);
-            if (!id.isEmpty()) {
+            const QString id = key.second.section(QLatin1Char(' '), 0, 0);
+            if (id.toLongLong() > 0) {
                 entry({key.first, {}, 0}, id)[QLatin1String(counter)] +=
                     bytes ? mebibytes(value) : value;
             }
         }
     }
 
-    const QHash<QString, QString>& onlineIds()
-    {
-        if (m_onlineIds.isEmpty()) {
-            sqlite3_stmt* statement = nullptr;
-            sqlite3_prepare_v2(m_database, "SELECT path, online_app_id FROM applications", -1,
-                               &statement, nullptr);
-            while (sqlite3_step(statement) == SQLITE_ROW) {
-                if (sqlite3_column_int64(statement, 1) > 0) {
-                    m_onlineIds.insert(QString::fromUtf8(reinterpret_cast<const char*>(
-                                           sqlite3_column_text(statement, 0))),
-                                       QString::number(sqlite3_column_int64(statement, 1)));
-                }
-            }
-            sqlite3_finalize(statement);
-        }
-        return m_onlineIds;
-    }
-
     sqlite3* m_database = nullptr;
     std::string m_from;
     std::string m_to;
-    QHash<QString, QString> m_onlineIds;
     Series m_series;
 };

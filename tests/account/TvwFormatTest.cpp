@@ -31,7 +31,7 @@ TvwContent sample()
                                    QStringLiteral("Äda"),
                                    QStringLiteral("desk"),
                                    QStringLiteral("5a1f")};
-    const ZurgeInFlight inFlight{QStringLiteral("9d0e77"), time, {.keys = 1}, {}};
+    const ZurgeInFlight inFlight{QStringLiteral("9d0e77"), time, {.keys = 1}, {}, 41, 6};
     return {sampleCounts(), {identity, QStringLiteral("9d0e77"), time, inFlight}};
 }
 

@@ -7,15 +7,9 @@
 #include "account/Uploads.h"
 #include "profiles/ProfileManager.h"
 #include "support/TestDatabase.h"
+#include "support/Waiting.h"
 
-#include <QTest>
-
-inline const AccountIdentity Someone{.userId = 42,
-                                     .computerId = 7,
-                                     .email = QStringLiteral("me@tallyvane.example"),
-                                     .userName = QStringLiteral("me"),
-                                     .computer = QStringLiteral("desk"),
-                                     .passwordHash = QStringLiteral("5a1fhash")};
+#include <QJsonArray>
 
 inline const QString Success = QStringLiteral("200");
 inline const QString Failure = QStringLiteral("400");
@@ -61,10 +55,10 @@ struct UploadClient
         const qsizetype before = service.envelopes.size();
         ended.clear();
         upload(uploads);
-        bool complete = QTest::qWaitFor([&] { return ended.size() >= answers.size(); });
+        bool complete = comesTrue([&] { return ended.size() >= answers.size(); });
         // Requests are sent in turn: what was one too many comes before this one.
         communication.testProxy();
-        complete = complete && QTest::qWaitFor([&] { return ended.contains(last); });
+        complete = complete && comesTrue([&] { return ended.contains(last); });
         sent = service.envelopes.mid(before);
         sent.removeIf([&](const QJsonObject& envelope) {
             const QString action = envelope[QLatin1String("action")].toString();

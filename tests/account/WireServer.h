@@ -1,16 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "service/ServiceCertificates.h"
+
 #include <QByteArray>
 #include <QList>
 #include <QObject>
-#include <QProcess>
 #include <QSslConfiguration>
-#include <QSslKey>
 #include <QSslServer>
 #include <QTcpServer>
 #include <QTcpSocket>
-#include <QTemporaryDir>
 #include <QUrl>
 
 #include <functional>
@@ -134,30 +133,12 @@ inline void passOn(QTcpSocket& client, const QByteArray& request)
     }
 }
 
-/// What a server needs to speak TLS, with a certificate of a minute ago that nobody vouches for.
-/// Null where it could not be made.
-inline QSslConfiguration selfSignedTls()
+/// What a server needs to speak TLS, with a certificate for another name, that nobody vouches for.
+inline QSslConfiguration untrustedTls()
 {
-    const QTemporaryDir directory;
-    const QString key = directory.filePath(QStringLiteral("key.pem"));
-    const QString certificate = directory.filePath(QStringLiteral("certificate.pem"));
-    QProcess openssl;
-    openssl.start(QStringLiteral("openssl"),
-                  {QStringLiteral("req"), QStringLiteral("-x509"), QStringLiteral("-nodes"),
-                   QStringLiteral("-newkey"), QStringLiteral("ec"), QStringLiteral("-pkeyopt"),
-                   QStringLiteral("ec_paramgen_curve:prime256v1"), QStringLiteral("-days"),
-                   QStringLiteral("1"), QStringLiteral("-subj"),
-                   QStringLiteral("/CN=service.example"), QStringLiteral("-keyout"), key,
-                   QStringLiteral("-out"), certificate});
-    if (!openssl.waitForFinished() || openssl.exitCode() != 0) {
-        return {};
-    }
-    QFile keyFile(key);
-    if (!keyFile.open(QIODevice::ReadOnly)) {
-        return {};
-    }
+    const ServiceCertificates made = ServiceCertificates::make("DNS:service.example");
     QSslConfiguration tls = QSslConfiguration::defaultConfiguration();
-    tls.setPrivateKey(QSslKey(&keyFile, QSsl::Ec));
-    tls.setLocalCertificateChain(QSslCertificate::fromPath(certificate));
+    tls.setPrivateKey(made.serverKey);
+    tls.setLocalCertificate(made.server);
     return tls;
 }

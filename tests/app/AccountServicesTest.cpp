@@ -107,7 +107,7 @@ void AccountServicesTest::beginsAnewForAnotherAccount()
     settings.setValue(SettingsKeys::ProfilesHaveChanged, false);
     QVERIFY(client.database.exec(
         QStringLiteral("INSERT INTO computer_info VALUES ('ComputerModel', 'desk')")));
-    client.services->backups().setKept({{.fileName = QStringLiteral("a.zip")}});
+    client.services->backups().setKept({{.fileName = QStringLiteral("a.zip"), .createdAt = {}}});
     const QSignalSpy replaced(client.services.get(), &AccountServices::accountReplaced);
     if (next.isEmpty()) {
         client.services->signOut();

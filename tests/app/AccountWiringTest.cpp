@@ -118,15 +118,19 @@ void AccountWiringTest::tellsWhatTheLastRunLeftOpen()
 {
     ShownClient client;
     client.signIn();
-    QVERIFY(client.localStats.recordInFlight({.token = client.localStats.account().zurgeToken,
+    const AccountIdentity& identity = client.localStats.identity();
+    QVERIFY(client.localStats.recordInFlight({.token = QStringLiteral("the one before"),
                                               .time = minute(0),
-                                              .totals = {.keys = 9}}));
+                                              .totals = {.keys = 9},
+                                              .applications = {},
+                                              .userId = identity.userId,
+                                              .computerId = identity.computerId}));
     client.begin();
     QCOMPARE(client.wiring->state().zurges.value(0).outcome, ZurgeRecord::Outcome::Unanswered);
     QCOMPARE(client.wiring->state().zurges.value(0).keys, 9U);
     QVERIFY(client.services->refreshAccountInfo());
     QVERIFY(LinkedClient::comes([&] {
-        return client.wiring->state().zurges.value(0).outcome == ZurgeRecord::Outcome::Failed;
+        return client.wiring->state().zurges.value(0).outcome == ZurgeRecord::Outcome::Sent;
     }));
     QCOMPARE(client.wiring->state().zurges.size(), 1);
 }

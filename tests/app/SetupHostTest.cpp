@@ -169,8 +169,10 @@ void SetupHostTest::importsEarlierTotalsOnce()
         desk.id, {.token = desk.zurgeToken, .counts = {5'000, 0, 0, 0, 0, 0, 0}}));
     QVERIFY(client.database.exec(QStringLiteral(
         "INSERT INTO keypresses (day, hour, count, profile_id) VALUES ('2026-01-01', 9, 70, 0)")));
-    QVERIFY(client.milestones.add(
-        {.name = QStringLiteral("Keys"), .statsType = QStringLiteral("Keys"), .statsAmount = 100}));
+    QVERIFY(client.milestones.add({.name = QStringLiteral("Keys"),
+                                   .statsType = QStringLiteral("Keys"),
+                                   .statsAmount = 100,
+                                   .customMessage = {}}));
     const QSignalSpy hits(&client.milestones, &Milestones::signalNeedTrayIconMessage);
     QVERIFY(client.link());
     QCOMPARE(client.imported(), 5'000);

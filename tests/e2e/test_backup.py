@@ -6,12 +6,10 @@ import os
 import shutil
 import sqlite3
 import subprocess
-import time
 import unittest
 import zipfile
 
 from account import TROUBLE, AccountTest, Wizard
-from harness import PATIENCE
 
 MAKE_HISTORY = os.environ.get("TALLYVANE_MAKE_HISTORY", "")
 NAME = "tallyvane.db"
@@ -25,24 +23,7 @@ def tables(path):
         return {name: sorted(database.execute(f'SELECT * FROM "{name}"'), key=repr) for name in names}
 
 
-class BackupTest(AccountTest):
-    def archive(self):
-        """The database in the newest backup that the service keeps, unpacked."""
-        (content,), = self.service.query("SELECT content FROM backups ORDER BY id DESC LIMIT 1")
-        with zipfile.ZipFile(io.BytesIO(content)) as archive:
-            self.assertEqual(archive.namelist(), [NAME])
-            return archive.extract(NAME, self.service.root)
-
-    def keep(self, content):
-        """Makes CONTENT the account's one backup at the service."""
-        path = self.service.root / "service.db"
-        with contextlib.closing(sqlite3.connect(path, timeout=PATIENCE)) as database, database:
-            database.execute("DELETE FROM backups")
-            database.execute("INSERT INTO backups (account_id, filename, created_at, content) "
-                             "SELECT id, 'one.zip', '2026-01-02 03:04:05', ? FROM accounts", [content])
-
-
-class Restoring(BackupTest):
+class Restoring(AccountTest):
     # What each run writes of itself.
     NOTES = {"online_backup_enabled", "online_backup_last", "time_series_last_sent", "history_stamp"}
     # What time adds to while the client runs: the rows of the present hour, of one application or two.
@@ -53,6 +34,13 @@ class Restoring(BackupTest):
         super().setUp()
         if not MAKE_HISTORY:
             self.skipTest("TALLYVANE_MAKE_HISTORY names no maker of histories")
+
+    def archive(self):
+        """The database in the backup that the service keeps, unpacked."""
+        (content,), = self.service.query("SELECT content FROM backups")
+        with zipfile.ZipFile(io.BytesIO(content)) as archive:
+            self.assertEqual(archive.namelist(), [NAME])
+            return archive.extract(NAME, self.service.root)
 
     def back_up(self):
         """Lets the client make a backup, which was due long ago, and returns what lies in it."""
@@ -110,61 +98,6 @@ class Restoring(BackupTest):
                     self.assertGreaterEqual(len(tables[name]), len(rows))
                 elif name not in self.UNZURGED:
                     self.assertEqual(tables[name], rows)
-
-
-class Refusing(BackupTest):
-    def packed(self, version=None):
-        """The client's database in an archive, as a backup holds it."""
-        copy = self.service.root / NAME
-        with contextlib.closing(sqlite3.connect(self.client.data / NAME)) as source:
-            with contextlib.closing(sqlite3.connect(copy)) as target:
-                source.backup(target)
-                if version:
-                    target.execute(f"PRAGMA user_version = {version}")
-        content = io.BytesIO()
-        with zipfile.ZipFile(content, "w", zipfile.ZIP_DEFLATED) as archive:
-            archive.write(copy, NAME)
-        copy.unlink()
-        return content.getvalue()
-
-    def refused(self, content):
-        """Lets the wizard restore CONTENT; returns what it says against that."""
-        self.keep(content)
-        said = "error Unable to restore the database: "
-        before = self.client.log().count(said)
-        self.desktop.press("Return")  # on the backup, which the list has chosen
-        self.client.wait_for_log(said, before + 1)
-        time.sleep(0.5)  # The list is back, with the focus.
-        return self.client.log().rpartition(said)[2].splitlines()[0]
-
-    def test_what_is_unfit_replaces_nothing(self):
-        self.service.ask("computer", username=self.USER, computer=self.COMPUTER)
-        self.keep(b"")
-        process, _ = self.link()
-        self.type(3)
-        good = self.packed()
-        middle = len(good) // 2
-        flipped = good[:middle] + bytes([good[middle] ^ 1]) + good[middle + 1:]
-        for name, content, reason in (
-                ("cut", good[:middle], "The archive is damaged."),
-                ("flipped", flipped, "The archive is damaged."),
-                ("other", b"no archive at all" * 99,
-                 "The file is neither a database nor a zip archive of one."),
-                ("newer", self.packed(version=99),
-                 "The database comes from a newer version of Tallyvane. Please install the latest version "
-                 "and try again.")):
-            with self.subTest(name):
-                self.assertEqual(self.refused(content), reason)
-                self.assertEqual(list(self.client.data.glob("tallyvane-*restore*")), [])
-        self.keep(good)
-        self.desktop.press("Return")
-        self.client.wait_for_log("info The restored database takes its place at the next start.")
-        self.client.data.joinpath("tallyvane-restore.db").unlink()
-        self.assertEqual(self.client.terminate(process), 0)
-        process = self.start()
-        self.type(2)
-        self.assertEqual(self.client.terminate(process), 0)
-        self.assertEqual(self.client.counted()["keys"], 5)
 
 
 if __name__ == "__main__":

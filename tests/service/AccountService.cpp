@@ -50,9 +50,8 @@ void checkHeaders(const HttpRequest& request, ReceivedRequest& received)
 
 } // namespace
 
-AccountService::AccountService(const QString& directory, Transport transport, QObject* parent)
-    : QObject(parent)
-    , m_transport(transport)
+AccountService::AccountService(const QString& directory, Transport transport)
+    : m_transport(transport)
     , m_releaseDirectory(directory + QStringLiteral("/release"))
     , m_database(directory + QStringLiteral("/service.db"))
     , m_store(m_database)
@@ -162,7 +161,6 @@ void AccountService::handleApi(const HttpRequest& request, QTcpSocket& socket)
     entry.request = received;
     m_requests.append(entry);
     deliver({.body = answer.json()}, fault, socket);
-    Q_EMIT served(received.type());
 }
 
 void AccountService::handlePage(const HttpRequest& request, QTcpSocket& socket)

@@ -12,7 +12,6 @@
 #include "service/ServiceUploads.h"
 
 #include <QList>
-#include <QObject>
 #include <QStringList>
 
 /// What one request to the API address came to. Plain value.
@@ -27,10 +26,8 @@ struct ServedRequest
 /// thread, only a turning event loop. It keeps everything in "service.db" and serves the files of
 /// "release/", both in its directory. Bodies are held in memory several times over, so that
 /// archives of some 100 MiB are the most that it is good for.
-class AccountService : public QObject
+class AccountService
 {
-    Q_OBJECT
-
 public:
     enum class Transport
     {
@@ -38,8 +35,7 @@ public:
         Plain,
     };
 
-    explicit AccountService(const QString& directory, Transport transport = Transport::Tls,
-                            QObject* parent = nullptr);
+    explicit AccountService(const QString& directory, Transport transport = Transport::Tls);
 
     /// Listens on the port, or on a free one for 0. False where it could not.
     bool start(quint16 port = 0);
@@ -60,10 +56,6 @@ public:
 
     ServiceStore& store() { return m_store; }
 
-    ServiceUploads& uploads() { return m_uploads; }
-
-    ServiceArchives& archives() { return m_archives; }
-
     ServiceProtocol& protocol() { return m_protocol; }
 
     ServiceFaults& faults() { return m_faults; }
@@ -75,9 +67,6 @@ public:
     QStringList requestTypes() const; ///< In the order of their coming.
     QStringList violations() const;   ///< Of all requests, each after its request type.
     void forgetRequests();
-
-Q_SIGNALS:
-    void served(const QString& requestType); ///< A request has been acted upon, or refused.
 
 private:
     void handle(const HttpRequest& request, QTcpSocket& socket);

@@ -1,148 +1,60 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "service/AccountService.h"
-#include "service/ServiceControl.h"
-#include "support/TestFiles.h"
 #include "support/TestRegistry.h"
+#include "support/Waiting.h"
 
-#include <QJsonArray>
 #include <QJsonDocument>
-#include <QNetworkAccessManager>
-#include <QNetworkReply>
-#include <QSignalSpy>
-#include <QSslConfiguration>
 #include <QTcpSocket>
 #include <QTemporaryDir>
-#include <QTest>
 
 namespace {
 
 using Kind = Fault::Kind;
 using When = Fault::When;
 
-const QString Version = QStringLiteral("5.8.3474");
+const QString Zurge = QStringLiteral("zurge");
 
-/// One client of the service, as a computer of an account.
-class Client
+QByteArray encoded(const QJsonObject& object)
 {
-public:
-    Client(AccountService& service, const QString& userName)
-        : m_service(service)
-        , m_computer(service.store().computerNamed(service.store().account(userName),
-                                                   QStringLiteral("desk")))
-    {
-        m_clientToken = service.store().newClientToken(m_computer);
-    }
-
-    const ServiceComputer& computer() const { return m_computer; }
-
-    QByteArray body(const QString& type, const QJsonObject& data) const
-    {
-        const QJsonObject envelope{{QStringLiteral("action"), type},
-                                   {QStringLiteral("client_token"), m_clientToken},
-                                   {QStringLiteral("client_version"), Version},
-                                   {QStringLiteral("data"), data},
-                                   {QStringLiteral("type_os"), QStringLiteral("linux")}};
-        const QJsonObject account{
-            {QStringLiteral("user_id"), QString::number(m_computer.accountId)},
-            {QStringLiteral("computer_id"), QString::number(m_computer.id)},
-            {QStringLiteral("password_hash"), m_computer.passwordHash}};
-        return "client_version=5.8.3474&p=" + encoded(envelope) + "&ci=" + encoded(account);
-    }
-
-    /// Over TLS, believing nobody but the service's authority.
-    QJsonObject ask(const QString& type, const QJsonObject& data = {})
-    {
-        QNetworkRequest request(QUrl(m_service.apiUrl()));
-        request.setHeader(QNetworkRequest::ContentTypeHeader,
-                          QStringLiteral("application/x-www-form-urlencoded"));
-        return QJsonDocument::fromJson(
-                   finished(m_manager.post(prepared(request), body(type, data))))
-            .object();
-    }
-
-    QByteArray get(const QUrl& url)
-    {
-        return finished(m_manager.get(prepared(QNetworkRequest(url))));
-    }
-
-    int put(const QUrl& url, const QByteArray& content)
-    {
-        finished(m_manager.put(prepared(QNetworkRequest(url)), content));
-        return m_httpStatus;
-    }
-
-    QByteArray post(const QUrl& url, const QByteArray& form)
-    {
-        QNetworkRequest request(url);
-        request.setHeader(QNetworkRequest::ContentTypeHeader,
-                          QStringLiteral("application/x-www-form-urlencoded"));
-        return finished(m_manager.post(prepared(request), form));
-    }
-
-private:
-    static QByteArray encoded(const QJsonObject& object)
-    {
-        return QJsonDocument(object).toJson(QJsonDocument::Compact).toBase64().toPercentEncoding();
-    }
-
-    QNetworkRequest prepared(QNetworkRequest request) const
-    {
-        QSslConfiguration tls = QSslConfiguration::defaultConfiguration();
-        tls.setCaCertificates({m_service.authority()});
-        request.setSslConfiguration(tls);
-        request.setHeader(QNetworkRequest::UserAgentHeader,
-                          QStringLiteral("Tallyvane Client ") + Version);
-        return request;
-    }
-
-    QByteArray finished(QNetworkReply* reply)
-    {
-        const std::unique_ptr<QNetworkReply> owned(reply);
-        // Unlike QTest::qWaitFor, which sleeps between two looks, this lets megabytes flow.
-        if (!QSignalSpy(reply, &QNetworkReply::finished).wait()) {
-            return {};
-        }
-        m_httpStatus = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-        return reply->readAll();
-    }
-
-    AccountService& m_service;
-    ServiceComputer m_computer;
-    QString m_clientToken;
-    QNetworkAccessManager m_manager;
-    int m_httpStatus = 0;
-};
-
-QJsonObject zurge(const QString& token, const QString& keys)
-{
-    const QString none = QStringLiteral("0");
-    return {{QStringLiteral("token"), token},
-            {QStringLiteral("keycount"), keys},
-            {QStringLiteral("clickcount"), none},
-            {QStringLiteral("uptime"), none},
-            {QStringLiteral("download"), none},
-            {QStringLiteral("upload"), none},
-            {QStringLiteral("scrolls"), none},
-            {QStringLiteral("distance_inches"), QStringLiteral("95040")},
-            {QStringLiteral("zurge_mechanism"), QStringLiteral("manual")}};
+    return QJsonDocument(object).toJson(QJsonDocument::Compact).toBase64().toPercentEncoding();
 }
 
-qint64 keysAt(AccountService& service, const Client& client)
-{
-    return service.store()
-        .totals(client.computer().accountId)
-        .value(QLatin1String("keys"))
-        .toInteger();
-}
-
-/// A connection without any library's help, on which one zurge was sent.
+/// A service with an account, and a zurge of five keys that was sent to it on a connection without
+/// any library's help.
 class RawZurge
 {
 public:
-    RawZurge(const AccountService& service, const Client& client)
+    RawZurge()
+        : service(m_directory.path(), AccountService::Transport::Plain)
     {
-        const QJsonObject data = zurge(client.computer().zurgeToken, QStringLiteral("5"));
-        const QByteArray body = client.body(QStringLiteral("zurge"), data);
+    }
+
+    void send(const QJsonObject& changes = {})
+    {
+        service.start();
+        ServiceStore& store = service.store();
+        m_account = store.account(QStringLiteral("ann"));
+        const ServiceComputer computer = store.computerNamed(m_account, QStringLiteral("desk"));
+        QJsonObject data{{QStringLiteral("token"), computer.zurgeToken},
+                         {QStringLiteral("keycount"), QStringLiteral("5")},
+                         {QStringLiteral("zurge_mechanism"), QStringLiteral("manual")}};
+        for (const char* none :
+             {"clickcount", "uptime", "download", "upload", "scrolls", "distance_inches"}) {
+            data.insert(QLatin1String(none), QStringLiteral("0"));
+        }
+        for (auto change = changes.begin(); change != changes.end(); ++change) {
+            data.insert(change.key(), change.value());
+        }
+        const QJsonObject envelope{{QStringLiteral("action"), Zurge},
+                                   {QStringLiteral("client_token"), store.newClientToken(computer)},
+                                   {QStringLiteral("client_version"), QStringLiteral("5.8.3474")},
+                                   {QStringLiteral("data"), data},
+                                   {QStringLiteral("type_os"), QStringLiteral("linux")}};
+        const QJsonObject account{{QStringLiteral("user_id"), QString::number(m_account)},
+                                  {QStringLiteral("computer_id"), QString::number(computer.id)},
+                                  {QStringLiteral("password_hash"), computer.passwordHash}};
+        const QByteArray body =
+            "client_version=5.8.3474&p=" + encoded(envelope) + "&ci=" + encoded(account);
         m_socket.connectToHost(QStringLiteral("127.0.0.1"),
                                static_cast<quint16>(QUrl(service.apiUrl()).port()));
         m_socket.write("POST /api HTTP/1.1\r\nHost: x\r\nUser-Agent: Tallyvane Client 5.8.3474\r\n"
@@ -157,6 +69,15 @@ public:
         m_received += m_socket.readAll();
         return m_received;
     }
+
+    qint64 keys() { return service.store().totals(m_account)[QLatin1String("keys")].toInteger(); }
+
+private:
+    QTemporaryDir m_directory;
+    qint64 m_account = 0;
+
+public:
+    AccountService service;
 
 private:
     QTcpSocket m_socket;
@@ -179,154 +100,23 @@ public:
     Q_ENUM(Connection)
 
 private Q_SLOTS:
-    void countsZurgeOnce();
-    void takesEveryType_data();
-    void takesEveryType();
     void refusesWrongTypes();
-    void keepsBackups();
-    void authorizesOnThePage();
     void doesFaults_data();
     void doesFaults();
-    void repeatsSoak();
 };
-
-void AccountServiceTest::countsZurgeOnce()
-{
-    const QTemporaryDir directory;
-    AccountService service(directory.path());
-    QVERIFY(service.start());
-    Client first(service, QStringLiteral("ann"));
-    Client second(service, QStringLiteral("bob"));
-    const QString type = QStringLiteral("zurge");
-    const QJsonObject sent = zurge(first.computer().zurgeToken, QStringLiteral("9007199254740993"));
-
-    const QJsonObject answer = first.ask(type, sent).value(QLatin1String("data")).toObject();
-    const QString next = answer.value(QLatin1String("token")).toString();
-    QCOMPARE(answer.value(QLatin1String("new_totals"))[QLatin1String("keys")].toInteger(),
-             9007199254740993);
-    QCOMPARE(answer.value(QLatin1String("new_totals"))[QLatin1String("distance")].toDouble(), 1.5);
-    QCOMPARE(first.ask(type, sent).value(QLatin1String("status")).toInt(), 303);
-    QCOMPARE(keysAt(service, first), 9007199254740993);
-    QCOMPARE(first.ask(QStringLiteral("refresh_account_info"))
-                 .value(QLatin1String("data"))[QLatin1String("token")]
-                 .toString(),
-             next);
-
-    // A second account, with more keys and as much travel.
-    const QJsonObject other =
-        second.ask(type, zurge(second.computer().zurgeToken, QStringLiteral("9007199254740994")))
-            .value(QLatin1String("data"))
-            .toObject();
-    const QJsonValue ranks = other.value(QLatin1String("new_ranks"));
-    QCOMPARE(ranks[QLatin1String("keys")].toInt(), 1);
-    QCOMPARE(ranks[QLatin1String("distance")].toInt(), 1);
-    QCOMPARE(ranks[QLatin1String("clicks")].toInt(), 0);
-    QCOMPARE(service.store().ranks(first.computer().accountId).value(QLatin1String("keys")).toInt(),
-             2);
-    QCOMPARE(service.violations(), QStringList());
-}
-
-void AccountServiceTest::takesEveryType_data()
-{
-    // One request of each type, but for those whose data a test has to make up.
-    const QJsonObject requests =
-        QJsonDocument::fromJson(
-            readFile(QStringLiteral(TALLYVANE_SOURCE_DIR "/tests/service/requests.json")))
-            .object();
-    QTest::addColumn<QJsonObject>("data");
-    QCOMPARE(requests.size(), 17);
-    for (auto it = requests.begin(); it != requests.end(); ++it) {
-        QTest::newRow(qUtf8Printable(it.key())) << it.value().toObject();
-    }
-}
-
-void AccountServiceTest::takesEveryType()
-{
-    QFETCH(QJsonObject, data);
-    const QTemporaryDir directory;
-    AccountService service(directory.path());
-    QVERIFY(service.start());
-    Client client(service, QStringLiteral("ann"));
-    const QString type = QString::fromLatin1(QTest::currentDataTag());
-    const bool forgets = type == QLatin1String("reset_token");
-    // Twice: an upload may be repeated, and is not added to itself.
-    QCOMPARE(client.ask(type, data).value(QLatin1String("status")).toInt(), 200);
-    QCOMPARE(client.ask(type, data).value(QLatin1String("status")).toInt(), forgets ? 600 : 200);
-    QCOMPARE(service.violations(), QStringList());
-    QCOMPARE(service.database().value(QStringLiteral("SELECT IFNULL(MAX(count), 7) FROM heatmaps")),
-             QVariant(7));
-}
 
 void AccountServiceTest::refusesWrongTypes()
 {
-    const QTemporaryDir directory;
-    AccountService service(directory.path());
-    QVERIFY(service.start());
-    Client client(service, QStringLiteral("ann"));
-    QJsonObject data = zurge(client.computer().zurgeToken, QStringLiteral("5"));
-    data.insert(QStringLiteral("keycount"), 5);
-    data.insert(QStringLiteral("time_series"),
-                QJsonObject{{QStringLiteral("2026-11-21_09_totals"), QJsonObject()}});
-    QCOMPARE(client.ask(QStringLiteral("zurge"), data).value(QLatin1String("status")).toInt(), 501);
-    QCOMPARE(keysAt(service, client), 0);
-    QCOMPARE(service.violations(),
+    RawZurge zurge;
+    zurge.send({{QStringLiteral("keycount"), 5},
+                {QStringLiteral("time_series"),
+                 QJsonObject{{QStringLiteral("2026-11-21_09_totals"), QJsonObject()}}}});
+    QVERIFY(comesTrue([&] { return zurge.received().contains("\"status\":501"); }));
+    QCOMPARE(zurge.keys(), 0);
+    QCOMPARE(zurge.service.violations(),
              (QStringList{QStringLiteral("zurge: data.keycount is not a whole number as text"),
                           QStringLiteral("zurge: data.time_series has the name "
                                          "2026-11-21_09_totals")}));
-}
-
-void AccountServiceTest::keepsBackups()
-{
-    const QTemporaryDir directory;
-    AccountService service(directory.path());
-    QVERIFY(service.start());
-    Client client(service, QStringLiteral("ann"));
-    const auto url = [&client](const QString& type, const QJsonObject& data) {
-        return QUrl(
-            client.ask(type, data).value(QLatin1String("data"))[QLatin1String("url")].toString());
-    };
-    const QByteArray archive(5 * 1024 * 1024, 'z');
-    const QUrl target = url(QStringLiteral("get_db_backup_upload_url"), {});
-    QCOMPARE(client.put(target, archive), 200);
-    QCOMPARE(client.put(target, "again"), 404);
-
-    const QJsonArray backups = client.ask(QStringLiteral("refresh_account_info"))
-                                   .value(QLatin1String("data"))[QLatin1String("database_backups")]
-                                   .toArray();
-    QCOMPARE(backups.size(), 1);
-    QCOMPARE(backups.at(0)[QLatin1String("size")].toInteger(), archive.size());
-    const QUrl source =
-        url(QStringLiteral("get_db_backup_download_url"),
-            {{QStringLiteral("filename"), backups.at(0)[QLatin1String("filename")]}});
-    QCOMPARE(client.get(source), archive);
-    QCOMPARE(service.violations(), QStringList());
-}
-
-void AccountServiceTest::authorizesOnThePage()
-{
-    const QTemporaryDir directory;
-    AccountService service(directory.path());
-    QVERIFY(service.start());
-    Client client(service, QStringLiteral("ann"));
-    const QString uid = QStringLiteral("6f1c2a44-0b1d-4d3a-9a51-3e8f6f0d5c11");
-    const QJsonObject data{{QStringLiteral("client_uid"), uid},
-                           {QStringLiteral("organization_id"), QString()}};
-    const auto check = [&client, &data] {
-        return client.ask(QStringLiteral("client_check_authorization"), data);
-    };
-    QCOMPARE(check().value(QLatin1String("status")).toInt(), 300);
-    client.ask(QStringLiteral("client_init_authorization"), data);
-    QCOMPARE(check().value(QLatin1String("data")).toObject(), QJsonObject());
-
-    QUrl page(service.websiteUrl() + QStringLiteral("/dashboard/my/client/") + uid);
-    page.setQuery(QStringLiteral("id=%1&name=<desk>%20%26 more").arg(uid));
-    QVERIFY(client.get(page).contains("value=\"&lt;desk&gt; &amp; more\""));
-    QVERIFY(client.post(page, "username=J%C3%BCrg+K&computer=desk").contains("Linked"));
-    const QJsonValue answer = check().value(QLatin1String("data"));
-    QCOMPARE(answer[QLatin1String("username")].toString(), QStringLiteral("Jürg K"));
-    QCOMPARE(answer[QLatin1String("computer")].toString(), QStringLiteral("desk"));
-    QVERIFY(service.store().computer(answer[QLatin1String("userid")].toInteger(),
-                                     answer[QLatin1String("computerid")].toInteger()));
 }
 
 void AccountServiceTest::doesFaults_data()
@@ -366,43 +156,22 @@ void AccountServiceTest::doesFaults()
     QFETCH(qsizetype, bytes);
     QFETCH(Connection, connection);
     QFETCH(qint64, keys);
-    const QTemporaryDir directory;
-    AccountService service(directory.path(), AccountService::Transport::Plain);
-    QVERIFY(service.start());
-    const Client client(service, QStringLiteral("ann"));
-    fault.requestType = QStringLiteral("zurge");
-    service.faults().add(fault);
-
-    RawZurge sent(service, client);
-    QTRY_COMPARE(service.requestTypes(), QStringList{QStringLiteral("zurge")});
-    QTRY_VERIFY(sent.received().size() >= bytes);
+    RawZurge zurge;
+    fault.requestType = Zurge;
+    zurge.service.faults().add(fault);
+    zurge.send();
+    QVERIFY(comesTrue([&] { return !zurge.service.requests().isEmpty(); }));
+    QVERIFY(comesTrue([&] { return zurge.received().size() >= bytes; }));
     if (connection == Connection::Ends) {
-        QTRY_VERIFY(!sent.isOpen());
+        QVERIFY(comesTrue([&] { return !zurge.isOpen(); }));
     } else if (bytes == 0) {
         QTest::qWait(100);
     }
-    QCOMPARE(sent.isOpen(), connection == Connection::Stays);
-    QVERIFY2(sent.received().contains(pattern), sent.received().left(1000).constData());
-    QCOMPARE(sent.received().isEmpty(), bytes == 0);
-    QCOMPARE(service.violations(), QStringList());
-    QCOMPARE(keysAt(service, client), keys);
-    QCOMPARE(service.faults().ordered(), 0);
-}
-
-void AccountServiceTest::repeatsSoak()
-{
-    const auto kinds = [] {
-        ServiceFaults faults;
-        faults.soak(7, 0.5);
-        QList<Kind> taken;
-        for (int i = 0; i < 200; ++i) {
-            taken << faults.take(QStringLiteral("zurge")).kind;
-        }
-        return taken;
-    };
-    QCOMPARE(kinds(), kinds());
-    const auto whole = kinds().count(Kind::None);
-    QVERIFY(whole > 80 && whole < 140);
+    QCOMPARE(zurge.isOpen(), connection == Connection::Stays);
+    QVERIFY2(zurge.received().contains(pattern), zurge.received().left(1000).constData());
+    QCOMPARE(zurge.received().isEmpty(), bytes == 0);
+    QCOMPARE(zurge.service.violations(), QStringList());
+    QCOMPARE(zurge.keys(), keys);
 }
 
 REGISTER_TEST(AccountServiceTest);

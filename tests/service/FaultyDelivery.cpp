@@ -24,7 +24,7 @@ QJsonValue changeLeaves(const QJsonValue& value, const Change& change)
     }
     if (value.isArray()) {
         QJsonArray array;
-        for (const QJsonValue& entry : value.toArray()) {
+        for (const QJsonValue entry : value.toArray()) {
             array.append(changeLeaves(entry, change));
         }
         return array;

@@ -3,30 +3,17 @@
 
 #include <QJsonDocument>
 #include <QList>
+#include <QMap>
 #include <QRegularExpression>
-
-#include <algorithm>
+#include <QUrlQuery>
 
 namespace {
-
-struct FormField
-{
-    QString name;
-    QByteArray value;
-};
 
 struct Part
 {
     QMap<QByteArray, QByteArray> headers; ///< By name in lower case.
     QByteArray content;
 };
-
-bool isPercentEncoded(const QByteArray& text)
-{
-    static const QRegularExpression pattern(
-        QStringLiteral("^([A-Za-z0-9._~-]|%[0-9A-Fa-f]{2})*\\z"));
-    return pattern.match(QString::fromLatin1(text)).hasMatch();
-}
 
 QByteArray fromBase64(const QByteArray& text, const QString& field, QStringList& violations)
 {
@@ -47,68 +34,25 @@ QJsonObject jsonObject(const QByteArray& text, const QString& field, QStringList
     return document.object();
 }
 
-QList<FormField> formFields(const QByteArray& body, QStringList& violations)
+void setEnvelope(ReceivedRequest& request, const QByteArray& base64)
 {
-    QList<FormField> fields;
-    for (const QByteArray& pair : body.split('&')) {
-        const qsizetype equals = pair.indexOf('=');
-        const QByteArray name = pair.left(equals);
-        const QByteArray value = equals < 0 ? QByteArray() : pair.mid(equals + 1);
-        if (equals < 0 || !isPercentEncoded(name) || !isPercentEncoded(value)) {
-            violations << QStringLiteral("the field %1 is not percent-encoded")
-                              .arg(QString::fromLatin1(name));
-        }
-        fields.append({QString::fromUtf8(QByteArray::fromPercentEncoding(name)),
-                       QByteArray::fromPercentEncoding(value)});
-    }
-    return fields;
-}
-
-/// `client_version`, `p`, perhaps `ci`, then the further ones by name.
-bool isInOrder(const QList<FormField>& fields)
-{
-    const auto rank = [](const QString& name) {
-        static const QStringList first{QStringLiteral("client_version"), QStringLiteral("p"),
-                                       QStringLiteral("ci")};
-        const auto place = first.indexOf(name);
-        return place < 0 ? first.size() : place;
-    };
-    return std::is_sorted(
-        fields.begin(), fields.end(), [&rank](const FormField& left, const FormField& right) {
-            const auto leftRank = rank(left.name);
-            const auto rightRank = rank(right.name);
-            return leftRank != rightRank ? leftRank < rightRank : left.name < right.name;
-        });
-}
-
-void setText(ReceivedRequest& request, const QByteArray& base64)
-{
-    request.text = fromBase64(base64, QStringLiteral("p"), request.violations);
-    request.envelope = jsonObject(request.text, QStringLiteral("p"), request.violations);
+    const QString field = QStringLiteral("p");
+    request.envelope =
+        jsonObject(fromBase64(base64, field, request.violations), field, request.violations);
 }
 
 void decodeForm(ReceivedRequest& request, const QByteArray& body)
 {
-    const QList<FormField> fields = formFields(body, request.violations);
-    QMap<QString, QByteArray> byName;
-    for (const FormField& field : fields) {
-        if (byName.contains(field.name)) {
-            request.violations << QStringLiteral("the field %1 came twice").arg(field.name);
-        }
-        byName.insert(field.name, field.value);
-    }
-    if (!isInOrder(fields)) {
-        request.violations << QStringLiteral("the fields are not in order");
-    }
-    request.clientVersion = QString::fromUtf8(byName.take(QStringLiteral("client_version")));
-    setText(request, byName.take(QStringLiteral("p")));
-    if (byName.contains(QStringLiteral("ci"))) {
-        const QString field = QStringLiteral("ci");
-        request.account = jsonObject(fromBase64(byName.take(field), field, request.violations),
-                                     field, request.violations);
-    }
-    for (auto it = byName.cbegin(); it != byName.cend(); ++it) {
-        request.further.insert(it.key(), QString::fromUtf8(it.value()));
+    const QUrlQuery fields(QString::fromLatin1(body));
+    const auto value = [&fields](const QString& name) {
+        return fields.queryItemValue(name, QUrl::FullyDecoded).toUtf8();
+    };
+    request.clientVersion = QString::fromUtf8(value(QStringLiteral("client_version")));
+    setEnvelope(request, value(QStringLiteral("p")));
+    const QString account = QStringLiteral("ci");
+    if (fields.hasQueryItem(account)) {
+        request.account = jsonObject(fromBase64(value(account), account, request.violations),
+                                     account, request.violations);
     }
 }
 
@@ -205,7 +149,7 @@ void decodeUpload(ReceivedRequest& request, const QByteArray& boundary, const QB
     if (!isPlainPart(parts->at(0), "p") || !isPlainPart(parts->at(1), "client_version")) {
         request.violations << QStringLiteral("the first two parts' headers are other ones");
     }
-    setText(request, parts->at(0).content);
+    setEnvelope(request, parts->at(0).content);
     request.clientVersion = QString::fromUtf8(parts->at(1).content);
     setFile(request, parts->at(2));
 }

@@ -3,7 +3,6 @@
 
 #include <QByteArray>
 #include <QJsonObject>
-#include <QMap>
 #include <QString>
 #include <QStringList>
 
@@ -21,10 +20,8 @@ struct ReceivedFile
 struct ReceivedRequest
 {
     QString clientVersion;
-    QByteArray text;      ///< The envelope as JSON text.
-    QJsonObject envelope; ///< Empty where the text is no JSON object.
-    QJsonObject account;  ///< The field "ci"; empty where it is absent.
-    QMap<QString, QString> further;
+    QJsonObject envelope;             ///< Empty where the text is no JSON object.
+    QJsonObject account;              ///< The field "ci"; empty where it is absent.
     std::optional<ReceivedFile> file; ///< Only of an upload.
 
     /// How the request departs from docs/account-protocol.md, one sentence each.

@@ -1,28 +1,27 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "service/Shape.h"
-
-#include <QHash>
+#include <QJsonValue>
 #include <QList>
 #include <QString>
+#include <QStringList>
 
 /// One kind of heat map. Plain value.
 struct HeatmapKind
 {
-    enum class Scope
-    {
-        Computer,
-        Application, ///< A row says which one.
-    };
-
     QString requestType;
     QString field;   ///< Of the request's data.
     QString subject; ///< The field of a row that says what was counted.
-    Scope scope = Scope::Computer;
 };
 
 const QList<HeatmapKind>& heatmapKinds();
 
-/// What the data of each request type has to look like, by type: all types there are.
-const QHash<QString, Shape>& requestShapes();
+/// What a look at the data of a request found. Plain value.
+struct ShapeFindings
+{
+    QStringList faults;  ///< Missing, or of the wrong type: the data is of no use.
+    QStringList unknown; ///< Fields that nobody asked for.
+};
+
+/// Compares the data of a request of this type with what docs/account-protocol.md says of it.
+ShapeFindings checkShape(const QString& requestType, const QJsonValue& data);

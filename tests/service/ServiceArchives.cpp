@@ -25,7 +25,7 @@ std::optional<QString> ServiceArchives::ticketToGet(qint64 accountId, const QStr
 
 QString ServiceArchives::newTicket(qint64 accountId, const QVariant& fileName)
 {
-    const QString ticket = QUuid::createUuid().toString(QUuid::WithoutBraces);
+    QString ticket = QUuid::createUuid().toString(QUuid::WithoutBraces);
     m_database.run(QStringLiteral("INSERT INTO tickets VALUES (?, ?, ?, ?)"),
                    {ticket, accountId, fileName, m_store.nowSeconds()});
     return ticket;

@@ -9,9 +9,9 @@
 struct ServiceCertificates
 {
     QSslCertificate authority;
-    QSslCertificate server; ///< For 127.0.0.1 and localhost.
+    QSslCertificate server;
     QSslKey serverKey;
 
-    /// The parts are null where OpenSSL failed.
-    static ServiceCertificates make();
+    /// For a server of these names, as OpenSSL lists them. The parts are null where OpenSSL failed.
+    static ServiceCertificates make(const char* names = "IP:127.0.0.1,DNS:localhost");
 };

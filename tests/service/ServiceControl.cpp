@@ -77,12 +77,10 @@ const QHash<QString, ServiceControl::Handler>& ServiceControl::handlers()
         {QStringLiteral("soak"), &Self::soak},
         {QStringLiteral("clear_faults"), &Self::clearFaults},
         {QStringLiteral("computer"), &Self::addComputer},
-        {QStringLiteral("agree"), &Self::agree},
         {QStringLiteral("agree_at_once"), &Self::agreeAtOnce},
         {QStringLiteral("archive"), &Self::archive},
         {QStringLiteral("message"), &Self::addMessage},
         {QStringLiteral("forget_client_tokens"), &Self::forgetClientTokens},
-        {QStringLiteral("zurge_interval"), &Self::setZurgeInterval},
         {QStringLiteral("state"), &Self::state},
         {QStringLiteral("forget_requests"), &Self::forgetRequests},
         {QStringLiteral("stop"), &Self::stop},
@@ -144,19 +142,6 @@ QJsonObject ServiceControl::addComputer(const QJsonObject& command)
             {QStringLiteral("token"), computer.zurgeToken}};
 }
 
-QJsonObject ServiceControl::agree(const QJsonObject& command)
-{
-    ServiceStore& store = m_service.store();
-    const QString clientUid = textOf(command, QLatin1String("client_uid"));
-    if (!store.isExpected(clientUid)) {
-        return failure(QStringLiteral("nobody expects this client"));
-    }
-    const qint64 account = store.account(textOf(command, QLatin1String("username")));
-    store.agree(clientUid,
-                store.computerNamed(account, textOf(command, QLatin1String("computer"))));
-    return {};
-}
-
 QJsonObject ServiceControl::agreeAtOnce(const QJsonObject& command)
 {
     const ServiceAgreement agreement{.userName = textOf(command, QLatin1String("username")),
@@ -186,13 +171,6 @@ QJsonObject ServiceControl::forgetClientTokens(const QJsonObject&)
     return {};
 }
 
-QJsonObject ServiceControl::setZurgeInterval(const QJsonObject& command)
-{
-    m_service.protocol().setZurgeIntervalSeconds(
-        command.value(QLatin1String("seconds")).toInteger());
-    return {};
-}
-
 QJsonObject ServiceControl::state(const QJsonObject&)
 {
     QJsonArray requests;
@@ -200,8 +178,7 @@ QJsonObject ServiceControl::state(const QJsonObject&)
         requests.append(described(served));
     }
     return {{QStringLiteral("requests"), requests},
-            {QStringLiteral("violations"), QJsonArray::fromStringList(m_service.violations())},
-            {QStringLiteral("faults_left"), m_service.faults().ordered()}};
+            {QStringLiteral("violations"), QJsonArray::fromStringList(m_service.violations())}};
 }
 
 QJsonObject ServiceControl::forgetRequests(const QJsonObject&)

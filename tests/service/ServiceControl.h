@@ -27,12 +27,10 @@ private:
     QJsonObject soak(const QJsonObject& command);
     QJsonObject clearFaults(const QJsonObject& command);
     QJsonObject addComputer(const QJsonObject& command);
-    QJsonObject agree(const QJsonObject& command);
     QJsonObject agreeAtOnce(const QJsonObject& command);
     QJsonObject archive(const QJsonObject& command);
     QJsonObject addMessage(const QJsonObject& command);
     QJsonObject forgetClientTokens(const QJsonObject& command);
-    QJsonObject setZurgeInterval(const QJsonObject& command);
     QJsonObject state(const QJsonObject& command);
     QJsonObject forgetRequests(const QJsonObject& command);
     QJsonObject stop(const QJsonObject& command);

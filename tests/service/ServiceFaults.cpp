@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <array>
-#include <numeric>
 
 bool Fault::actsOnRequest() const
 {
@@ -29,12 +28,6 @@ void ServiceFaults::clear()
     m_share = 0;
 }
 
-int ServiceFaults::ordered() const
-{
-    return std::accumulate(m_ordered.begin(), m_ordered.end(), 0,
-                           [](int sum, const Fault& fault) { return sum + fault.times; });
-}
-
 Fault ServiceFaults::take(const QString& requestType)
 {
     const auto it =
@@ -42,7 +35,7 @@ Fault ServiceFaults::take(const QString& requestType)
             return fault.requestType.isEmpty() || fault.requestType == requestType;
         });
     if (it != m_ordered.end()) {
-        const Fault fault = *it;
+        Fault fault = *it;
         if (--it->times <= 0) {
             m_ordered.erase(it);
         }

@@ -59,8 +59,7 @@ public:
     /// same ones for the same seed and the same requests. Share 0 ends it.
     void soak(quint32 seed, double share);
 
-    void clear();        ///< Ordered faults and soak.
-    int ordered() const; ///< How many requests they will still befall.
+    void clear(); ///< Ordered faults and soak.
 
     Fault take(const QString& requestType);
 

@@ -20,13 +20,8 @@ ServiceAnswer refusal(int status, const QString& message)
 /// False where the data is of no use.
 bool checkData(ReceivedRequest& request)
 {
-    ShapeFindings findings;
-    const auto shape = requestShapes().value(request.type());
-    if (shape) {
-        shape(request.envelope.value(QLatin1String("data")), QStringLiteral("data"), findings);
-    } else {
-        findings.faults << QStringLiteral("there is no request type \"%1\"").arg(request.type());
-    }
+    ShapeFindings findings =
+        checkShape(request.type(), request.envelope.value(QLatin1String("data")));
     if ((request.type() == QLatin1String("upload_file")) != request.file.has_value()) {
         findings.faults << QStringLiteral("a file came where none belongs, or none where one does");
     }
@@ -210,15 +205,6 @@ ServiceAnswer ServiceProtocol::keepReport(const ReceivedRequest& request)
     return {};
 }
 
-bool ServiceProtocol::isTooSoon(const ServiceComputer& computer) const
-{
-    QDateTime last =
-        QDateTime::fromString(computer.lastZurge, QStringLiteral("yyyy-MM-dd HH:mm:ss"));
-    last.setTimeSpec(Qt::UTC);
-    return last.isValid() &&
-           m_store.nowSeconds() - last.toSecsSinceEpoch() < m_zurgeIntervalSeconds;
-}
-
 ServiceAnswer ServiceProtocol::zurge(const ReceivedRequest& request,
                                      const ServiceComputer& computer)
 {
@@ -228,9 +214,6 @@ ServiceAnswer ServiceProtocol::zurge(const ReceivedRequest& request,
                              .counts = zurgeCounts(data),
                              .applications = data.value(QLatin1String("applications")).toArray(),
                              .timeSeries = data.value(QLatin1String("time_series")).toObject()};
-    if (zurge.token == computer.zurgeToken && isTooSoon(computer)) {
-        return refusal(305, QStringLiteral("Too soon"));
-    }
     const auto token = m_store.takeZurge(computer.id, zurge);
     if (!token) {
         return refusal(303, QStringLiteral("Wrong token"));
@@ -305,7 +288,7 @@ ServiceAnswer ServiceProtocol::keepApplications(const ReceivedRequest& request,
                                                 const ServiceComputer&)
 {
     QJsonArray answer;
-    for (const QJsonValue& application :
+    for (const QJsonValue application :
          request.data().value(QLatin1String("applications")).toArray()) {
         answer.append(
             QJsonObject{{QStringLiteral("app_id"), m_uploads.applicationId(application.toObject())},

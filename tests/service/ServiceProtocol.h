@@ -40,9 +40,6 @@ public:
 
     void setAgreement(const std::optional<ServiceAgreement>& agreement) { m_agreement = agreement; }
 
-    /// Zurges within so many seconds of the last are refused; 0 at first.
-    void setZurgeIntervalSeconds(qint64 seconds) { m_zurgeIntervalSeconds = seconds; }
-
     /// What is wrong with the request's data is added to its violations.
     ServiceAnswer answer(ReceivedRequest& request);
 
@@ -75,7 +72,6 @@ private:
     ServiceAnswer keepComputerInfo(const ReceivedRequest& request, const ServiceComputer& computer);
     ServiceAnswer keepFile(const ReceivedRequest& request, const ServiceComputer& computer);
 
-    bool isTooSoon(const ServiceComputer& computer) const;
     QJsonObject fullInfo(const ServiceComputer& computer);
 
     ServiceStore& m_store;
@@ -83,5 +79,4 @@ private:
     ServiceArchives& m_archives;
     QString m_archiveAddress;
     std::optional<ServiceAgreement> m_agreement;
-    qint64 m_zurgeIntervalSeconds = 0;
 };

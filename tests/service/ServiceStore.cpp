@@ -30,18 +30,17 @@ QLatin1String accountName(QLatin1String counter)
 
 ServiceStore::ServiceStore(ServiceDatabase& database)
     : m_database(database)
-    , m_clock(&QDateTime::currentDateTimeUtc)
 {
 }
 
 QString ServiceStore::now() const
 {
-    return m_clock().toUTC().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
+    return QDateTime::currentDateTimeUtc().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
 }
 
 qint64 ServiceStore::nowSeconds() const
 {
-    return m_clock().toSecsSinceEpoch();
+    return QDateTime::currentSecsSinceEpoch();
 }
 
 qint64 ServiceStore::account(const QString& userName, Activation activation)
@@ -110,7 +109,7 @@ void ServiceStore::setArchived(qint64 computerId, bool archived)
 
 QString ServiceStore::newClientToken(const ServiceComputer& computer)
 {
-    const QString token = randomText();
+    QString token = randomText();
     m_database.run(QStringLiteral("DELETE FROM client_tokens WHERE computer_id = ?"),
                    {computer.id});
     m_database.run(QStringLiteral("INSERT INTO client_tokens VALUES (?, ?, ?)"),
@@ -208,7 +207,7 @@ void ServiceStore::keepZurge(qint64 computerId, const ServiceZurge& zurge)
                                 "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"),
                  QVariantList{computerId, now(), zurge.mechanism} + asValues(zurge.counts))
             .lastInsertId();
-    for (const QJsonValue& entry : zurge.applications) {
+    for (const QJsonValue entry : zurge.applications) {
         const QJsonObject application = entry.toObject();
         QVariantList values{id, application.value(QLatin1String("id")).toInteger()};
         for (const QLatin1String counter : ServiceCounterNames) {

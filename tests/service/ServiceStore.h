@@ -10,7 +10,6 @@
 #include <QString>
 
 #include <array>
-#include <functional>
 #include <optional>
 
 /// The names of the counters, in the order of `ServiceCounts`.
@@ -39,18 +38,16 @@ struct ServiceComputer
 struct ServiceZurge
 {
     QString token;
-    QString mechanism;
+    QString mechanism = {};
     ServiceCounts counts{};
-    QJsonArray applications;
-    QJsonObject timeSeries;
+    QJsonArray applications = {};
+    QJsonObject timeSeries = {};
 };
 
 /// Accounts, their computers, who is signed in, and what was zurged.
 class ServiceStore
 {
 public:
-    using Clock = std::function<QDateTime()>;
-
     enum class Activation
     {
         Done,
@@ -61,8 +58,6 @@ public:
     static constexpr qint64 AuthorizationSeconds = 3600;
 
     explicit ServiceStore(ServiceDatabase& database);
-
-    void setClock(const Clock& clock) { m_clock = clock; } ///< The system's at first.
 
     QString now() const; ///< UTC, as the protocol tells times.
     qint64 nowSeconds() const;
@@ -108,5 +103,4 @@ private:
     void keepHour(qint64 computerId, const QString& hour, const QJsonObject& counts);
 
     ServiceDatabase& m_database;
-    Clock m_clock;
 };

@@ -31,7 +31,7 @@ void ServiceUploads::keepHeatmap(qint64 computerId, const HeatmapKind& kind,
                                   "AND day BETWEEN ? AND ?"),
                    {computerId, kind.field, heatmap.value(QLatin1String("from")).toString(),
                     heatmap.value(QLatin1String("to")).toString()});
-    for (const QJsonValue& entry : heatmap.value(QLatin1String("rows")).toArray()) {
+    for (const QJsonValue entry : heatmap.value(QLatin1String("rows")).toArray()) {
         const QJsonObject row = entry.toObject();
         m_database.run(QStringLiteral("INSERT INTO heatmaps VALUES (?, ?, ?, ?, ?, ?, ?) "
                                       "ON CONFLICT DO UPDATE SET count = count + excluded.count"),

@@ -128,6 +128,8 @@ void DatabaseRestoreTest::stagesWhatIsFit()
     QFETCH(bool, stays);
     const DataDirectory data;
     QVERIFY(writeFile(data.path(name), content));
+    QVERIFY(writeFile(data.path(DatabaseFiles::RestoreName + QStringLiteral("-journal")),
+                      "of the one before"));
     DatabaseRestore restore(data.directory.path());
     QSignalSpy finished(&restore, &DatabaseRestore::finished);
     QSignalSpy progress(&restore, &DatabaseRestore::progress);

@@ -10,6 +10,7 @@
 
 #include <QTest>
 
+#include <sys/wait.h>
 #include <unistd.h>
 
 /// What is done to the database beside counting: pruning, and what a start puts right.
@@ -25,6 +26,7 @@ private Q_SLOTS:
     void staysWithTheOldDatabaseWhereRenamingFails();
     void keepsWhatARestoreReplaces();
     void takesNoNewerDatabase();
+    void goesOnAfterAStartCutShort();
     void removesNegativeDistances();
 };
 
@@ -161,6 +163,30 @@ void UpkeepTest::takesNoNewerDatabase()
         QCOMPARE(readFile(file), QByteArray("the old one"));
     }
     QCOMPARE(log.count(QStringLiteral("warn Unable to rename restored database: ")), 2);
+}
+
+void UpkeepTest::goesOnAfterAStartCutShort()
+{
+    const QTemporaryDir directory(fastTemporaryDirectory());
+    const QString staged = directory.filePath(DatabaseFiles::RestoreName);
+    SampleDatabase::create(staged, 10);
+    const pid_t child = ::fork();
+    if (child == 0) {
+        SampleDatabase sample(staged);
+        for (const char* statement :
+             {"PRAGMA cache_size = 1", "BEGIN", "DELETE FROM keypresses",
+              "CREATE TABLE t AS WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n "
+              "WHERE i < 1000) SELECT i, randomblob(100) AS b FROM n"}) {
+            sample.exec(QString::fromLatin1(statement));
+        }
+        ::_exit(0);
+    }
+    ::waitpid(child, nullptr, 0);
+    QVERIFY(QFileInfo(staged + QStringLiteral("-journal")).size() > 0);
+    QVERIFY(StartupRepair::applyPendingRestore(directory.path()));
+    SampleDatabase database(directory.filePath(DatabaseFiles::Name));
+    QVERIFY(database.isSound());
+    QCOMPARE(database.rows(QStringLiteral("SELECT COUNT(*) FROM keypresses")), QStringLiteral("2"));
 }
 
 void UpkeepTest::removesNegativeDistances()

@@ -11,8 +11,8 @@ class FileSizeLimit
 {
 public:
     explicit FileSizeLimit(rlim_t bytes)
+        : m_handler(std::signal(SIGXFSZ, SIG_IGN))
     {
-        m_handler = std::signal(SIGXFSZ, SIG_IGN);
         ::getrlimit(RLIMIT_FSIZE, &m_before);
         const rlimit limit{.rlim_cur = bytes, .rlim_max = m_before.rlim_max};
         ::setrlimit(RLIMIT_FSIZE, &limit);
@@ -29,5 +29,5 @@ public:
 
 private:
     rlimit m_before = {};
-    void (*m_handler)(int) = SIG_DFL;
+    void (*m_handler)(int);
 };

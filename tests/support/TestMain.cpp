@@ -4,28 +4,10 @@
 #include "support/TestRegistry.h"
 
 #include <QApplication>
-#include <QDateTime>
 #include <QTemporaryDir>
 #include <QTest>
 
 #include <cstdio>
-#include <ctime>
-
-namespace {
-
-/// Makes it the hour after noon wherever the tests run, so that what they count at this or that hour of
-/// today has not to fear midnight. A time zone that was asked for stays.
-void moveToNoon()
-{
-    if (qEnvironmentVariableIsSet("TZ")) {
-        return;
-    }
-    // As POSIX writes it: the hours to add to local time for UTC.
-    qputenv("TZ", "NOON" + QByteArray::number(QDateTime::currentDateTimeUtc().time().hour() - 12));
-    tzset();
-}
-
-} // namespace
 
 int main(int argc, char** argv)
 {
@@ -35,7 +17,6 @@ int main(int argc, char** argv)
     for (const char* variable : {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME"}) {
         qunsetenv(variable);
     }
-    moveToNoon();
     const QApplication application(argc, argv);
     QStringList arguments = QCoreApplication::arguments();
     std::string wanted;

@@ -183,22 +183,26 @@ void TrayIconTest::doubleClick_data()
 {
     QTest::addColumn<bool>("isSignedIn");
     QTest::addColumn<bool>("isWanted");
-    QTest::addColumn<bool>("isDouble");
+    QTest::addColumn<QSystemTrayIcon::ActivationReason>("second"); // Unknown for none.
     QTest::addColumn<QString>("wish");
+    using enum QSystemTrayIcon::ActivationReason;
     const QString opens = QStringLiteral("opens");
-    QTest::newRow("one, no account") << false << true << false << opens;
-    QTest::newRow("two, no account") << false << true << true << opens;
-    QTest::newRow("one, not wanted") << true << false << false << opens;
-    QTest::newRow("two, not wanted") << true << false << true << opens;
-    QTest::newRow("one") << true << true << false << opens;
-    QTest::newRow("two") << true << true << true << QStringLiteral("zurges");
+    const QString zurges = QStringLiteral("zurges");
+    QTest::newRow("one, no account") << false << true << Unknown << opens;
+    QTest::newRow("two, no account") << false << true << DoubleClick << opens;
+    QTest::newRow("one, not wanted") << true << false << Unknown << opens;
+    QTest::newRow("two, not wanted") << true << false << DoubleClick << opens;
+    QTest::newRow("one") << true << true << Unknown << opens;
+    QTest::newRow("two") << true << true << DoubleClick << zurges;
+    QTest::newRow("two, of a tray on D-Bus") << true << true << Trigger << zurges;
+    QTest::newRow("one and the menu") << true << true << Context << opens;
 }
 
 void TrayIconTest::doubleClick()
 {
     QFETCH(bool, isSignedIn);
     QFETCH(bool, isWanted);
-    QFETCH(bool, isDouble);
+    QFETCH(QSystemTrayIcon::ActivationReason, second);
     Settings::instance().setValue(SettingsKeys::TrayDoubleclickZurge, isWanted);
     TrayIcon icon([] { return 0; });
     icon.setZurge({.isSignedIn = isSignedIn, .hasCounts = true});
@@ -207,9 +211,7 @@ void TrayIconTest::doubleClick()
     connect(&icon, &TrayIcon::zurgeRequested, this, [&wish] { wish += QStringLiteral("zurges"); });
     auto* tray = icon.findChild<QSystemTrayIcon*>();
     Q_EMIT tray->activated(QSystemTrayIcon::Trigger);
-    if (isDouble) {
-        Q_EMIT tray->activated(QSystemTrayIcon::DoubleClick);
-    }
+    Q_EMIT tray->activated(second);
     QTRY_VERIFY(!wish.isEmpty());
     QTest::qWait(QApplication::doubleClickInterval() + 100); // A single one would open by then.
     QTEST(wish, "wish");

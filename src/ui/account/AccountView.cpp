@@ -6,6 +6,7 @@
 #include "ui/CountsModel.h"
 #include "ui/FiguresModel.h"
 #include "ui/Icons.h"
+#include "ui/PlainText.h"
 #include "ui/account/AccountTables.h"
 #include "ui/account/BackupPanel.h"
 #include "ui/account/IdentityPanel.h"
@@ -64,7 +65,7 @@ void AccountView::addIdentity()
         {.row = 0,
          .column = WideSpan,
          .span = NarrowSpan,
-         .height = CountsHeight,
+         .height = IdentityHeight,
          .stretch = 0,
          .narrowHeight = IdentityHeight});
     card->setControl(signOut);
@@ -78,6 +79,13 @@ void AccountView::addZurges()
     QHeaderView* header = table->table()->horizontalHeader();
     header->setSectionResizeMode(AccountTables::TimeColumn, QHeaderView::ResizeToContents);
     header->setSectionResizeMode(AccountTables::OutcomeColumn, QHeaderView::Stretch);
+    // Why one has failed is read whole.
+    table->table()->setWordWrap(true);
+    QHeaderView* rows = table->table()->verticalHeader();
+    rows->setMinimumSectionSize(rows->defaultSectionSize());
+    rows->setSectionResizeMode(QHeaderView::ResizeToContents);
+    connect(header, &QHeaderView::sectionResized, table->table(),
+            &QTableView::resizeRowsToContents);
     m_zurgesCard =
         addCard(new Card(QStringLiteral("zurges"), title, table, m_zurges),
                 {.row = 1, .span = WideSpan, .height = ListHeight, .narrowHeight = ListHeight});
@@ -159,9 +167,10 @@ Notice::Content AccountView::emptyNotice() const
 
 void AccountView::confirmSignOut()
 {
-    auto* box = new QMessageBox(QMessageBox::Question, tr("Sign out"),
-                                tr("Sign out of the account of %1?").arg(m_state.userName),
-                                QMessageBox::Cancel, this);
+    auto* box = new QMessageBox(
+        QMessageBox::Question, tr("Sign out"),
+        tr("Sign out of the account of %1?").arg(PlainText::breakable(m_state.userName)),
+        QMessageBox::Cancel, this);
     box->setObjectName(QStringLiteral("confirmSignOut"));
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->setTextFormat(Qt::PlainText);

@@ -24,7 +24,7 @@ constexpr int BarHeight = 6;
 QString idleText(const BackupState& state)
 {
     if (!state.failure.isEmpty()) {
-        return BackupPanel::tr("The last backup failed: %1 Your database is as it was.")
+        return BackupPanel::tr("The last backup failed; your database is as it was. %1")
             .arg(state.failure);
     }
     const QString last =

@@ -1,33 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/account/IdentityPanel.h"
 
+#include "ui/PlainText.h"
 #include "ui/Theme.h"
 
 #include <QEvent>
 #include <QLabel>
 #include <QVBoxLayout>
-
-namespace {
-
-/// Lets a long word, such as an address, wrap: after its signs, and where it has none.
-QString breakable(const QString& text)
-{
-    constexpr int longest = 16; ///< Characters without a place to wrap.
-    constexpr QChar zeroWidthSpace(0x200b);
-    QString wrapping;
-    int unbroken = 0;
-    for (const QChar& character : text) {
-        wrapping += character;
-        const bool isPart = character.isLetterOrNumber() || character.isSurrogate();
-        unbroken = isPart ? unbroken + 1 : 0;
-        if (unbroken == 0 || (unbroken % longest == 0 && !character.isHighSurrogate())) {
-            wrapping += zeroWidthSpace;
-        }
-    }
-    return wrapping;
-}
-
-} // namespace
 
 IdentityPanel::IdentityPanel(int lines, QWidget* parent)
     : QWidget(parent)
@@ -59,8 +38,8 @@ void IdentityPanel::setLines(const QList<Line>& lines)
         const Line line = lines.value(i);
         const Labels& labels = m_lines.at(i);
         labels.caption->setText(line.caption);
-        labels.value->setText(breakable(line.value));
-        labels.value->setToolTip(line.value.toHtmlEscaped());
+        labels.value->setText(PlainText::breakable(line.value));
+        labels.value->setToolTip(PlainText::toolTip(line.value));
         labels.value->setAccessibleName(QStringLiteral("%1: %2").arg(line.caption, line.value));
         labels.caption->setVisible(!line.value.isEmpty());
         labels.value->setVisible(!line.value.isEmpty());

@@ -58,6 +58,8 @@ QAction* ActionTable::addAction(const QString& name, const QString& icon, const 
     auto* action = new QAction(Icons::symbol(icon), text, m_table);
     action->setObjectName(name);
     m_table->addAction(action);
+    const int others = m_buttons->count() - 1; // Behind them the row stretches.
+    QWidget* previous = others > 0 ? m_buttons->itemAt(others - 1)->widget() : nullptr;
     auto* button = new QToolButton(this);
     button->setObjectName(name + QStringLiteral("Button"));
     button->setDefaultAction(action);
@@ -65,7 +67,11 @@ QAction* ActionTable::addAction(const QString& name, const QString& icon, const 
     button->setFocusPolicy(Qt::StrongFocus);
     button->setMinimumHeight(4 * Theme::Rhythm);
     m_buttons->insertWidget(m_buttons->count() - 1, button);
-    setTabOrder(button, m_table);
+    if (previous != nullptr) {
+        // Qt puts nothing after the last widget of its chain, which a new button is.
+        setTabOrder(previous, m_table);
+        setTabOrder(previous, button);
+    }
     if (needs == Needs::Row) {
         m_rowActions.append(action);
         action->setEnabled(false);

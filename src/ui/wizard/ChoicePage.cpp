@@ -41,14 +41,14 @@ void ChoicePage::setQuestion(const QString& text)
 
 void ChoicePage::setAnswers(const QString& active, const QString& quiet)
 {
-    m_active->setText(active);
-    m_quiet->setText(quiet);
+    setText(*m_active, active);
+    setText(*m_quiet, quiet);
 }
 
 QPushButton* ChoicePage::addAside(const QString& name, const QString& icon, const QString& text)
 {
     QPushButton* aside = button(name, icon, text);
-    body()->addWidget(aside, 0, Qt::AlignLeft);
+    body()->insertWidget(body()->count() - 1, aside, 0, Qt::AlignLeft); // Above what stretches.
     return aside;
 }
 

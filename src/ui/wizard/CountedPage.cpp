@@ -6,6 +6,7 @@
 #include "ui/Theme.h"
 
 #include <QDir>
+#include <QEvent>
 #include <QGridLayout>
 #include <QLabel>
 
@@ -40,6 +41,7 @@ CountedPage::CountedPage(const QString& databaseFile, QWidget* parent)
     path->setText(QDir::toNativeSeparators(databaseFile));
     body()->addWidget(path);
     body()->addStretch();
+    drawPictures();
 }
 
 void CountedPage::addRow(QGridLayout& rows, const QString& icon, const QString& title,
@@ -47,8 +49,7 @@ void CountedPage::addRow(QGridLayout& rows, const QString& icon, const QString& 
 {
     const int row = rows.rowCount();
     auto* picture = new QLabel;
-    picture->setPixmap(
-        Icons::symbol(icon).pixmap(QSize(IconSize, IconSize), picture->devicePixelRatioF()));
+    m_pictures.append({picture, icon});
     auto* name = new QLabel(title);
     QFont bold = Theme::font(Theme::TextSize::Body);
     bold.setWeight(QFont::DemiBold);
@@ -59,4 +60,20 @@ void CountedPage::addRow(QGridLayout& rows, const QString& icon, const QString& 
     rows.addWidget(name, row, 1);
     rows.addWidget(words, row + 1, 1);
     rows.setRowMinimumHeight(row + 2, Theme::Rhythm);
+}
+
+void CountedPage::changeEvent(QEvent* event)
+{
+    if (event->type() == QEvent::PaletteChange) {
+        drawPictures();
+    }
+    WizardPage::changeEvent(event);
+}
+
+void CountedPage::drawPictures()
+{
+    for (const auto& [label, icon] : std::as_const(m_pictures)) {
+        label->setPixmap(
+            Icons::symbol(icon).pixmap(QSize(IconSize, IconSize), devicePixelRatioF()));
+    }
 }

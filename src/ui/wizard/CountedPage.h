@@ -4,6 +4,7 @@
 #include "ui/wizard/WizardPage.h"
 
 class QGridLayout;
+class QLabel;
 
 /// What is counted, and the file that it is kept in. Thread: main.
 class CountedPage : public WizardPage
@@ -13,7 +14,18 @@ class CountedPage : public WizardPage
 public:
     explicit CountedPage(const QString& databaseFile, QWidget* parent = nullptr);
 
+protected:
+    void changeEvent(QEvent* event) override;
+
 private:
-    static void addRow(QGridLayout& rows, const QString& icon, const QString& title,
-                       const QString& text);
+    struct Picture
+    {
+        QLabel* label = nullptr;
+        QString icon;
+    };
+
+    void addRow(QGridLayout& rows, const QString& icon, const QString& title, const QString& text);
+    void drawPictures();
+
+    QList<Picture> m_pictures;
 };

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/wizard/DonePage.h"
 
+#include "ui/PlainText.h"
+
 #include <QLabel>
 #include <QVBoxLayout>
 
@@ -26,7 +28,7 @@ void DonePage::setOutcome(const QString& userName, Restore restore)
             : tr("This computer is linked to the account of %1. What is counted is sent to it by "
                  "zurges: a zurge sends the counts since the last one, by itself or when you want "
                  "it.")
-                  .arg(userName));
+                  .arg(PlainText::breakable(userName)));
     m_restore->setVisible(restore == Restore::AtNextStart);
 }
 

@@ -30,8 +30,10 @@ RestorePage::RestorePage(QWidget* parent)
     : WizardPage(QStringLiteral("restorePage"), {}, parent)
     , m_model(new FiguresModel(AccountTables::backupsColumns(), this))
     , m_text(addText({}))
+    , m_step(addText({}))
 {
     m_text->setObjectName(QStringLiteral("restoreText"));
+    m_step->setObjectName(QStringLiteral("restoreStep"));
     buildChoice();
     buildProgress();
     body()->addStretch();
@@ -67,8 +69,6 @@ void RestorePage::buildChoice()
 
 void RestorePage::buildProgress()
 {
-    m_step = addText({});
-    m_step->setObjectName(QStringLiteral("restoreStep"));
     m_progress = new QProgressBar;
     m_progress->setObjectName(QStringLiteral("restoreProgress"));
     m_progress->setAccessibleName(tr("Progress of the restoring"));
@@ -137,6 +137,7 @@ void RestorePage::chooseFile()
     connect(dialog, &QFileDialog::fileSelected, this, [this](const QString& path) {
         setState(State::Running);
         showStep(tr("Reading the backup…"), -1);
+        m_cancel->setFocus();
         Q_EMIT fileRequested(path);
     });
     dialog->open();
@@ -193,7 +194,7 @@ void RestorePage::showCancelled()
 void RestorePage::showFailed(const QString& text)
 {
     setState(State::Choosing);
-    m_step->setText(tr("The backup was not restored: %1 Your database is as it was.").arg(text));
+    m_step->setText(tr("The backup was not restored; your database is as it was. %1").arg(text));
     m_step->show();
     takeFocus();
 }

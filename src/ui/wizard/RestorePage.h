@@ -67,11 +67,11 @@ private:
     State m_state = State::Choosing;
     FiguresModel* m_model;
     QLabel* m_text;
+    QLabel* m_step; ///< Or why there was no other.
     QTableView* m_table = nullptr;
     QLabel* m_consequence = nullptr;
     QPushButton* m_restore = nullptr;
     QPushButton* m_file = nullptr;
-    QLabel* m_step = nullptr;
     QProgressBar* m_progress = nullptr;
     QPushButton* m_cancel = nullptr;
 };

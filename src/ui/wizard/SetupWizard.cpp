@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/wizard/SetupWizard.h"
 
+#include "ui/PlainText.h"
 #include "ui/Theme.h"
 #include "ui/wizard/AuthorizationPage.h"
 #include "ui/wizard/ChoicePage.h"
@@ -12,6 +13,7 @@
 
 #include <QCloseEvent>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QPainter>
 #include <QPushButton>
 #include <QShortcut>
@@ -217,8 +219,9 @@ void SetupWizard::showLinked()
         m_account->setAnswers(tr("Link an account in the browser"), tr("Stay local"));
         m_account->setRemark(tr("You can change your mind at any time, in the view “Account”."));
     } else {
-        m_account->setQuestion(tr("This computer is linked to the account of %1.").arg(m_userName));
-        m_account->setAnswers(tr("Link another account in the browser"), tr("Keep this account"));
+        m_account->setQuestion(tr("This computer is linked to the account of %1.")
+                                   .arg(PlainText::breakable(m_userName)));
+        m_account->setAnswers(tr("Link another account"), tr("Keep this account"));
         m_account->setRemark({});
     }
 }
@@ -305,6 +308,18 @@ void SetupWizard::closeEvent(QCloseEvent* event)
     }
     event->accept();
     Q_EMIT finished();
+}
+
+/// What the control in focus has no use for scrolls the page, which takes no focus itself.
+void SetupWizard::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() == Qt::Key_PageDown) {
+        current()->scroll(QAbstractSlider::SliderPageStepAdd);
+    } else if (event->key() == Qt::Key_PageUp) {
+        current()->scroll(QAbstractSlider::SliderPageStepSub);
+    } else {
+        QWidget::keyPressEvent(event);
+    }
 }
 
 void SetupWizard::paintEvent(QPaintEvent*)

@@ -8,6 +8,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QVBoxLayout>
 
 namespace {
@@ -19,6 +20,7 @@ constexpr int SideMargin = 5 * Theme::Rhythm;
 WizardPage::WizardPage(const QString& name, const QString& title, QWidget* parent)
     : QWidget(parent)
     , m_title(new QLabel)
+    , m_scroll(new QScrollArea(this))
 {
     setObjectName(name);
     m_title->setObjectName(QStringLiteral("pageTitle"));
@@ -28,15 +30,14 @@ WizardPage::WizardPage(const QString& name, const QString& title, QWidget* paren
     m_body->setContentsMargins(SideMargin, SideMargin, SideMargin, Theme::Gap);
     m_body->setSpacing(Theme::Gap);
     m_body->addWidget(m_title);
-    auto* scroll = new QScrollArea(this);
-    scroll->setFrameShape(QFrame::NoFrame);
-    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    scroll->setWidgetResizable(true);
-    scroll->setFocusPolicy(Qt::NoFocus);
-    scroll->setWidget(content);
+    m_scroll->setFrameShape(QFrame::NoFrame);
+    m_scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_scroll->setWidgetResizable(true);
+    m_scroll->setFocusPolicy(Qt::NoFocus);
+    m_scroll->setWidget(content);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(scroll);
+    layout->addWidget(m_scroll);
     setTitle(title);
     applyTheme();
 }
@@ -57,6 +58,11 @@ bool WizardPage::canGoOn() const
 }
 
 void WizardPage::takeFocus() {}
+
+void WizardPage::scroll(QAbstractSlider::SliderAction action)
+{
+    m_scroll->verticalScrollBar()->triggerAction(action);
+}
 
 void WizardPage::setTitle(const QString& title)
 {
@@ -83,15 +89,21 @@ QLabel* WizardPage::addCaption(const QString& text)
 
 QPushButton* WizardPage::button(const QString& name, const QString& icon, const QString& text)
 {
-    auto* made = new QPushButton(text);
+    auto* made = new QPushButton;
     if (!icon.isEmpty()) {
         made->setIcon(Icons::symbol(icon));
     }
     made->setObjectName(name);
     made->setMinimumHeight(4 * Theme::Rhythm);
-    made->setMinimumWidth(made->sizeHint().width() + 2 * Theme::Rhythm);
     made->setAutoDefault(true); // Enter presses it while it holds the focus.
+    setText(*made, text);
     return made;
+}
+
+void WizardPage::setText(QPushButton& button, const QString& text)
+{
+    button.setText(text);
+    button.setMinimumWidth(button.sizeHint().width() + 2 * Theme::Rhythm);
 }
 
 void WizardPage::changeEvent(QEvent* event)

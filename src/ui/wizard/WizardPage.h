@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QAbstractSlider>
 #include <QWidget>
 
 class QLabel;
 class QPushButton;
+class QScrollArea;
 class QVBoxLayout;
 
 /// One page of the first steps: a title, words, and what belongs to it, which scrolls where the
@@ -27,6 +29,8 @@ public:
     /// Gives the focus to what the user most likely wants; does nothing where that is to go on.
     virtual void takeFocus();
 
+    void scroll(QAbstractSlider::SliderAction action);
+
 Q_SIGNALS:
     void changed();
 
@@ -44,12 +48,16 @@ protected:
     /// A button of the height that buttons have here.
     static QPushButton* button(const QString& name, const QString& icon, const QString& text);
 
+    /// Gives the button its text and room for that.
+    static void setText(QPushButton& button, const QString& text);
+
     void changeEvent(QEvent* event) override;
 
 private:
     void applyTheme();
 
     QLabel* m_title;
+    QScrollArea* m_scroll;
     QVBoxLayout* m_body = nullptr;
     QList<QLabel*> m_captions;
 };

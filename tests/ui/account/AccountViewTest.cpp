@@ -16,6 +16,7 @@
 #include <QSignalSpy>
 #include <QTableView>
 #include <QTest>
+#include <QToolButton>
 
 class AccountViewTest : public QObject
 {
@@ -252,6 +253,11 @@ void AccountViewTest::tellsWhatCameOfEachZurge()
     QCOMPARE(cell(1, AccountTables::OriginColumn), QStringLiteral("By hand"));
     QCOMPARE(cell(1, AccountTables::OutcomeColumn), QStringLiteral("Failed: Wrong token."));
     QVERIFY(cell(2, AccountTables::OutcomeColumn).startsWith(QStringLiteral("Not answered")));
+
+    state.zurges[1].message = QStringLiteral("Words that want more than a line. ").repeated(9);
+    m_view->setState(state);
+    const QTableView* rows = table("zurges");
+    QTRY_VERIFY(rows->rowHeight(1) > rows->rowHeight(0)); // All of it is read.
 }
 
 void AccountViewTest::followsABackup()
@@ -264,6 +270,10 @@ void AccountViewTest::followsABackup()
     m_view->setState(state);
     QVERIFY(!find<QProgressBar>("backupProgress")->isVisible());
     QCOMPARE(table("backups")->model()->index(0, 0).data().toString(), QStringLiteral("old.zip"));
+    find<QToolButton>("backUpButton")->setFocus();
+    QTest::keyClick(m_view.get(), Qt::Key_Tab);
+    QTest::keyClick(m_view.get(), Qt::Key_Tab);
+    QCOMPARE(m_view->focusWidget(), table("backups")); // Which stands below its buttons.
     find<QAction>("backUp")->trigger();
     find<QAction>("restore")->trigger();
     QCOMPARE(requested.size(), 1);

@@ -17,6 +17,8 @@ class MessageBannersTest : public QObject
 
 private Q_SLOTS:
     void showsTheNewestThree();
+    void takesOverWhatChanged();
+    void tabLeadsFromTopToBottom();
     void leadsOnAndGoesForGood();
     void showsForeignWordsAsTheyStand();
 
@@ -82,6 +84,44 @@ void MessageBannersTest::showsTheNewestThree()
     QVERIFY(banners.isHidden());
 }
 
+void MessageBannersTest::takesOverWhatChanged()
+{
+    MessageBanners banners;
+    const QSignalSpy followed(&banners, &MessageBanners::linkRequested);
+    QList<WindowMessage> changing = messages(1);
+    banners.setMessages(changing);
+    banners.show();
+    changing.first().text = QStringLiteral("new");
+    changing.first().buttonText = QStringLiteral("Read");
+    changing.first().link = QUrl(QStringLiteral("https://tallyvane.example/new"));
+    banners.setMessages(changing);
+    QCOMPARE(shown(banners), QStringList{QStringLiteral("new")});
+    banners.findChild<QPushButton*>(QStringLiteral("bannerLink"))->click();
+    QCOMPARE(followed.constFirst(), QVariantList{changing.constFirst().link});
+}
+
+void MessageBannersTest::tabLeadsFromTopToBottom()
+{
+    QWidget window;
+    auto* first = new QPushButton(&window);
+    auto* banners = new MessageBanners(&window);
+    auto* last = new QPushButton(&window);
+    window.show();
+    for (int count = 1; count <= 3; ++count) { // Each newer than those that are there.
+        banners->setMessages(messages(count));
+        banners->orderTabs(first);
+    }
+    QStringList order;
+    for (const QWidget* next = first->nextInFocusChain(); next != last;
+         next = next->nextInFocusChain()) {
+        QVERIFY(next != first);
+        if (next->objectName() == u"dismiss") {
+            order += next->parent()->findChild<QLabel*>(QStringLiteral("bannerText"))->text();
+        }
+    }
+    QCOMPARE(order.join(u' '), QStringLiteral("3 2 1"));
+}
+
 void MessageBannersTest::leadsOnAndGoesForGood()
 {
     MessageBanners banners;
@@ -117,7 +157,10 @@ void MessageBannersTest::showsForeignWordsAsTheyStand()
     const auto* text = banners.findChild<QLabel*>(QStringLiteral("bannerText"));
     QCOMPARE(text->textFormat(), Qt::PlainText);
     QVERIFY(text->text().startsWith(QStringLiteral("<b>bold</b> & x")));
-    QVERIFY(text->text().size() <= 400);
+    constexpr QChar zeroWidthSpace(0x200b); // Where the long word may wrap.
+    QVERIFY(text->text().contains(zeroWidthSpace));
+    QVERIFY(text->text().remove(zeroWidthSpace).size() <= 400);
+    QVERIFY(banners.minimumSizeHint().width() < 200);
     QVERIFY(!banners.findChild<QPushButton*>(QStringLiteral("bannerLink"))->isVisible());
 }
 

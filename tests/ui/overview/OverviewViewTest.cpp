@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "account/LocalStats.h"
 #include "storage/Settings.h"
+#include "support/Noon.h"
 #include "support/TestRegistry.h"
 #include "ui/FigureTile.h"
 #include "ui/HourChart.h"
@@ -47,6 +48,7 @@ private:
     QString copied(const char* card) const;
     QStringList changes() const;
 
+    const Noon m_noon;
     const QDate m_today = QDate::currentDate();
     std::unique_ptr<UiDatabase> m_database;
     std::unique_ptr<QueryWorker> m_worker;
@@ -104,7 +106,7 @@ QStringList OverviewViewTest::changes() const
 
 void OverviewViewTest::comparesTodayWithDaysLikeIt()
 {
-    // The first hour of the day has passed whole and the last one is to come: tests run after noon.
+    // The first hour of the day has passed whole and the last one is to come.
     m_database->addHour(m_today, 0, 1'150'000);
     m_database->addHour(m_today.addDays(-7), 0, 1'000'000);
     m_database->addHour(m_today.addDays(-7), 23, 9'000'000);

@@ -5,8 +5,6 @@
 
 #include <QTest>
 
-#include <ctime>
-
 using Parts = QList<SessionPart>;
 
 namespace {
@@ -41,11 +39,9 @@ private Q_SLOTS:
 
 void SessionPlanTest::initTestCase()
 {
-    qputenv("TZ", "Europe/Berlin");
-    tzset();
     if (QDate(2026, 3, 29).startOfDay().daysTo(QDate(2026, 3, 30).startOfDay()) != 1 ||
         QDate(2026, 3, 29).startOfDay().secsTo(QDate(2026, 3, 30).startOfDay()) != 23 * Hour) {
-        QSKIP("This machine has no time zones.");
+        QSKIP("needs TZ=Europe/Berlin");
     }
 }
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/TestRegistry.h"
+#include "ui/Theme.h"
 #include "ui/wizard/SetupWizard.h"
 
 #include <QAbstractItemModelTester>
@@ -10,12 +11,16 @@
 #include <QLineEdit>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QStackedWidget>
 #include <QTableView>
 #include <QTemporaryFile>
 #include <QTest>
 #include <QUrl>
+
+#include <algorithm>
 
 class SetupWizardTest : public QObject
 {
@@ -35,6 +40,7 @@ private Q_SLOTS:
     void endsWhatIsUnderWayWhenClosed();
     void beginsWhereItIsWanted_data();
     void beginsWhereItIsWanted();
+    void readsWellInTheLeastWindow();
 
 private:
     void open(const SetupFacts& facts = {.databaseFile = QStringLiteral("/tmp/tallyvane.db")},
@@ -326,6 +332,37 @@ void SetupWizardTest::beginsWhereItIsWanted()
     }
     QCOMPARE(page(), QStringLiteral("restorePage"));
     QVERIFY(find<QPushButton>("restore")->isVisible());
+}
+
+/// By keys alone, in either theme, whatever the user is called.
+void SetupWizardTest::readsWellInTheLeastWindow()
+{
+    m_wizard->resize(m_wizard->minimumSize());
+    press("next");
+    const auto* counted = find<QWidget>("countedPage");
+    const auto* bar = counted->findChild<QScrollArea*>()->verticalScrollBar();
+    QTRY_VERIFY(bar->maximum() > 0);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_PageDown);
+    QVERIFY(bar->value() > 0);
+    const auto picture = [counted] {
+        const QList<QLabel*> labels = counted->findChildren<QLabel*>();
+        const auto drawn = std::find_if(labels.begin(), labels.end(), [](const QLabel* label) {
+            return !label->pixmap(Qt::ReturnByValue).isNull();
+        });
+        return (*drawn)->pixmap(Qt::ReturnByValue).toImage();
+    };
+    Theme::apply(QStringLiteral("light"));
+    const QImage light = picture();
+    Theme::apply(QStringLiteral("dark"));
+    QTRY_VERIFY(picture() != light);
+    Theme::apply(QStringLiteral("light"));
+
+    open({.databaseFile = {}, .userName = QString(120, u'W')}, SetupWizard::Start::Account);
+    m_wizard->resize(m_wizard->minimumSize());
+    const auto* link = find<QPushButton>("link");
+    QTRY_VERIFY(link->width() >= link->sizeHint().width());
+    const auto* page = find<QWidget>("accountPage")->findChild<QScrollArea*>();
+    QVERIFY(page->widget()->minimumSizeHint().width() <= page->viewport()->width());
 }
 
 REGISTER_TEST(SetupWizardTest);
