@@ -1,0 +1,127 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "clientapi/GuardedSocket.h"
+
+#include "base/Log.h"
+
+#include <QHostAddress>
+
+#include <algorithm>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+/// A limit that is never reached.
+constexpr std::chrono::milliseconds Ages = 24h;
+
+std::chrono::milliseconds left(std::chrono::milliseconds limit, const QElapsedTimer& since)
+{
+    return limit == 0ms || !since.isValid() ? Ages
+                                            : limit - std::chrono::milliseconds(since.elapsed());
+}
+
+} // namespace
+
+GuardedSocket::GuardedSocket(const ConnectionLimits& limits, QObject* parent)
+    : QTcpSocket(parent)
+    , m_limits(limits)
+{
+    // Twice, since a message of the longest length allowed must fit, and one beyond be noticed.
+    setReadBufferSize(2 * limits.unansweredBytes);
+    m_check.setSingleShot(true);
+    connect(&m_check, &QTimer::timeout, this, &GuardedSocket::checkTimes);
+    // Connected before any server sees the socket, so that it counts before they read.
+    connect(this, &QIODevice::readyRead, this, &GuardedSocket::noteReceived);
+    connect(this, &QIODevice::bytesWritten, this, [this] { m_lastByte.start(); });
+    m_lastByte.start();
+    scheduleCheck();
+}
+
+std::chrono::milliseconds GuardedSocket::silence() const
+{
+    return std::chrono::milliseconds(m_lastByte.elapsed());
+}
+
+void GuardedSocket::drop(const QString& reason)
+{
+    if (m_dropped || state() == UnconnectedState) {
+        return;
+    }
+    m_dropped = true;
+    Log::info("[ClientApi] Dropping the connection from {}: {}", peerAddress().toString(), reason);
+    QMetaObject::invokeMethod(
+        this, [this] { abort(); }, Qt::QueuedConnection);
+}
+
+void GuardedSocket::handOver()
+{
+    m_handedOver = true;
+    noteAnswered();
+}
+
+/// All that is sent answers something: the servers of this room speak when spoken to, until a
+/// handshake is over.
+qint64 GuardedSocket::writeData(const char* data, qint64 size)
+{
+    if (bytesToWrite() > m_limits.unsentBytes) {
+        drop(QStringLiteral("it does not take what it asked for"));
+    }
+    noteAnswered();
+    return QTcpSocket::writeData(data, size);
+}
+
+/// Whoever reads a request takes all there is of it, or leaves it where it is: then it is counted
+/// again, on the safe side.
+void GuardedSocket::noteReceived()
+{
+    m_lastByte.start();
+    // A line end before a request belongs to what was before it.
+    constexpr qint64 lineEnd = 2;
+    const qint64 available = bytesAvailable();
+    if (m_handedOver || (!m_requestBegan.isValid() && available <= lineEnd &&
+                         peek(available).trimmed().isEmpty())) {
+        return;
+    }
+    m_unansweredBytes += available;
+    if (m_unansweredBytes > m_limits.unansweredBytes) {
+        drop(QStringLiteral("its request is too long"));
+    }
+    if (!m_requestBegan.isValid()) {
+        m_requestBegan.start();
+        scheduleCheck();
+    }
+}
+
+void GuardedSocket::noteAnswered()
+{
+    m_unansweredBytes = 0;
+    m_requestBegan.invalidate();
+}
+
+void GuardedSocket::checkTimes()
+{
+    if (left(m_limits.unanswered, m_requestBegan) <= 0ms) {
+        drop(QStringLiteral("its request takes too long"));
+    } else if (left(m_limits.idle, m_lastByte) <= 0ms) {
+        drop(QStringLiteral("it is silent"));
+    } else {
+        scheduleCheck();
+    }
+}
+
+/// Leaves a timer that runs out earlier as it is: it will see what is left then. So a busy
+/// connection starts no timer for each of its requests.
+void GuardedSocket::scheduleCheck()
+{
+    const std::chrono::milliseconds wait = timeLeft();
+    if (wait < Ages && (!m_check.isActive() || m_check.remainingTimeAsDuration() > wait)) {
+        m_check.start(wait);
+    }
+}
+
+std::chrono::milliseconds GuardedSocket::timeLeft() const
+{
+    const auto least =
+        std::min(left(m_limits.unanswered, m_requestBegan), left(m_limits.idle, m_lastByte));
+    return std::max(least, std::chrono::milliseconds(1ms));
+}
