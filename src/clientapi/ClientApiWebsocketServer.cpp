@@ -97,6 +97,7 @@ ClientApiWebsocketServer::ClientApiWebsocketServer(Statistics statistics, Profil
     , m_profiles(profiles)
     , m_server(QStringLiteral("Tallyvane Client API WebSocket Server"),
                QWebSocketServer::NonSecureMode)
+    , m_updateTimer(this)
 {
     connect(&m_server, &QWebSocketServer::newConnection, this,
             &ClientApiWebsocketServer::onNewConnection);

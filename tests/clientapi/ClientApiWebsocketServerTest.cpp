@@ -98,6 +98,13 @@ private Q_SLOTS:
     void stopsAndStartsAnew();
 
 private:
+    void beat()
+    {
+        m_timer->setSingleShot(true);
+        m_timer->start(0);
+        QTRY_VERIFY(!m_timer->isActive());
+    }
+
     QJsonObject statistics()
     {
         ++m_built;
@@ -108,7 +115,8 @@ private:
     std::unique_ptr<ProfileManager> m_profiles;
     std::unique_ptr<LogCapture> m_log;
     std::unique_ptr<ClientApiWebsocketServer> m_server;
-    int m_built = 0; ///< Updates.
+    QTimer* m_timer = nullptr; ///< The server's, stopped: a beat comes when a test wants one.
+    int m_built = 0;           ///< Updates.
     QString m_padding;
 };
 
@@ -123,6 +131,10 @@ void ClientApiWebsocketServerTest::init()
         std::make_unique<ClientApiWebsocketServer>([this] { return statistics(); }, *m_profiles);
     m_built = 0;
     m_padding.clear();
+    m_timer = m_server->findChild<QTimer*>();
+    QVERIFY(m_timer && m_timer->isActive());
+    QCOMPARE(m_timer->interval(), 2'000);
+    m_timer->stop();
     QVERIFY(m_server->listen(0));
     QVERIFY(m_log->contains(QStringLiteral("[ClientApi] [WebSocket] Server listening on port %1\n")
                                 .arg(m_server->port())));
@@ -198,7 +210,7 @@ void ClientApiWebsocketServerTest::answers_data()
         {.replies = {ok, ok}, .activeProfile = 2});
     row("activate the active one", {activation("Work"), activation("Work")}, {.replies = {ok, ok}});
     row("activate the default one", {activation("Games"), activation("General")},
-        {.replies = {ok, ok}});
+        {.replies = {ok, ok}, .logged = "Activating profile 'General' with id '0' on the request"});
     row("activate the default one, active", {activation("General")}, {.replies = {ok}});
     row("activate in another case", {activation("work")},
         {.replies = {missing}, .logged = noProfile});
@@ -406,56 +418,53 @@ void ClientApiWebsocketServerTest::dropsWhoNeverReads()
 
 void ClientApiWebsocketServerTest::buildsAnUpdateOncePerBeat()
 {
-    constexpr size_t count = 30;
-    constexpr int moreThanABeatMs = 2'300;
+    constexpr int count = 30;
+    const QString update = QStringLiteral("update");
     std::vector<std::unique_ptr<Client>> clients;
-    for (size_t i = 0; i < count; ++i) {
+    for (int i = 0; i < count; ++i) {
         clients.push_back(std::make_unique<Client>(m_server->port()));
     }
     for (const auto& client : clients) {
         QTRY_VERIFY(client->isConnected());
-        client->send(message("keep-alive"));
     }
-    QTest::qWait(moreThanABeatMs);
+    beat();
     QCOMPARE(m_built, 0);
 
     for (const auto& client : clients) {
         client->send(message("identify"));
+        QTRY_VERIFY(!client->told.isEmpty());
     }
-    QTRY_VERIFY(m_built >= static_cast<int>(count));
-    QTRY_COMPARE(clients.front()->told.size(), m_built);
-    const int before = m_built;
-    for (const auto& client : clients) {
-        client->told.clear();
-    }
-    QTRY_COMPARE(m_built, before + 1);
-    for (const auto& client : clients) {
-        QTRY_COMPARE(client->told, QStringList{QStringLiteral("update")});
-    }
-    QCOMPARE(m_built, before + 1);
+    QCOMPARE(m_built, count);
+    QTRY_COMPARE(clients.front()->told.size(), count);
+    beat();
+    QCOMPARE(m_built, count + 1);
+    QTRY_COMPARE(clients.front()->told.size(), count + 1);
+    QTRY_COMPARE(clients.back()->told, (QStringList{update, update}));
 
     clients.clear();
     QTRY_COMPARE(m_log->count(QStringLiteral("socketDisconnected: ")), qsizetype{count});
-    const int after = m_built;
-    QTest::qWait(moreThanABeatMs);
-    QCOMPARE(m_built, after);
+    beat();
+    QCOMPARE(m_built, count + 1);
 }
 
 void ClientApiWebsocketServerTest::boundsUpdatesAskedFor()
 {
+    constexpr int most = ClientApiWebsocketServer::MostUpdatesAskedFor;
+    const QString missing = QStringLiteral(R"({"status":404})");
     Client client(m_server->port());
     QTRY_VERIFY(client.isConnected());
     client.send(message("identify"));
-    constexpr int asked = 3 * ClientApiWebsocketServer::MostUpdatesAskedFor;
-    for (int i = 0; i < asked; ++i) {
+    for (int i = 0; i < 3 * most; ++i) {
         client.send(message("update-status"));
     }
     client.send(activation("nobody"));
-    QTRY_VERIFY(client.told.contains(QStringLiteral(R"({"status":404})")));
-    // A beat may have passed in between.
-    QVERIFY(m_built >= ClientApiWebsocketServer::MostUpdatesAskedFor);
-    QVERIFY(m_built <= 2 * ClientApiWebsocketServer::MostUpdatesAskedFor + 1);
-    QTRY_VERIFY(client.told.endsWith(QStringLiteral("update")));
+    QTRY_VERIFY(client.told.contains(missing));
+    QCOMPARE(client.told.size(), most + 1);
+
+    beat();
+    client.send(message("update-status"));
+    QTRY_COMPARE(client.told.size(), most + 3);
+    QCOMPARE(m_built, most + 2);
 }
 
 void ClientApiWebsocketServerTest::stopsAndStartsAnew()
