@@ -88,7 +88,8 @@ void GuardedSocket::noteReceived()
     }
     m_unansweredBytes = isTransactionStarted() ? m_unansweredBytes + available : available;
     if (m_unansweredBytes > m_limits.unansweredBytes) {
-        drop(QStringLiteral("its request is too long"));
+        // They may be many short requests, of which the first is answered at once.
+        QMetaObject::invokeMethod(this, &GuardedSocket::checkBytes, Qt::QueuedConnection);
     }
     if (!m_requestBegan.isValid()) {
         m_requestBegan.start();
@@ -100,6 +101,13 @@ void GuardedSocket::noteAnswered()
 {
     m_unansweredBytes = 0;
     m_requestBegan.invalidate();
+}
+
+void GuardedSocket::checkBytes()
+{
+    if (m_unansweredBytes > m_limits.unansweredBytes) {
+        drop(QStringLiteral("its request is too long"));
+    }
 }
 
 void GuardedSocket::checkTimes()
