@@ -49,8 +49,11 @@ void GuardedSocket::drop(const QString& reason)
     }
     m_dropped = true;
     Log::info("[ClientApi] Dropping the connection from {}: {}", peerAddress().toString(), reason);
-    QMetaObject::invokeMethod(
-        this, [this] { abort(); }, Qt::QueuedConnection);
+    const auto end = [this] {
+        abort();
+        blockSignals(true); // A reader may have asked to be called again.
+    };
+    QMetaObject::invokeMethod(this, end, Qt::QueuedConnection);
 }
 
 void GuardedSocket::handOver()
@@ -70,21 +73,23 @@ qint64 GuardedSocket::writeData(const char* data, qint64 size)
     return QTcpSocket::writeData(data, size);
 }
 
-/// Whoever reads a request takes all there is of it, or leaves it where it is: then it is counted
-/// again, on the safe side.
+/// A reader that keeps a transaction open has taken all there was before; one without leaves a
+/// request in the buffer until the end of it is there.
 void GuardedSocket::noteReceived()
 {
     m_lastByte.start();
     // A line end before a request belongs to what was before it.
     constexpr qint64 lineEnd = 2;
     const qint64 available = bytesAvailable();
-    if (m_handedOver || (!m_requestBegan.isValid() && available <= lineEnd &&
-                         peek(available).trimmed().isEmpty())) {
+    if (m_handedOver || m_dropped ||
+        (!m_requestBegan.isValid() && available <= lineEnd &&
+         peek(available).trimmed().isEmpty())) {
         return;
     }
-    m_unansweredBytes += available;
+    m_unansweredBytes = isTransactionStarted() ? m_unansweredBytes + available : available;
     if (m_unansweredBytes > m_limits.unansweredBytes) {
-        drop(QStringLiteral("its request is too long"));
+        // They may be many short requests, of which the first is answered at once.
+        QMetaObject::invokeMethod(this, &GuardedSocket::checkBytes, Qt::QueuedConnection);
     }
     if (!m_requestBegan.isValid()) {
         m_requestBegan.start();
@@ -96,6 +101,13 @@ void GuardedSocket::noteAnswered()
 {
     m_unansweredBytes = 0;
     m_requestBegan.invalidate();
+}
+
+void GuardedSocket::checkBytes()
+{
+    if (m_unansweredBytes > m_limits.unansweredBytes) {
+        drop(QStringLiteral("its request is too long"));
+    }
 }
 
 void GuardedSocket::checkTimes()

@@ -37,6 +37,7 @@ protected:
 private:
     void noteReceived();
     void noteAnswered();
+    void checkBytes();
     void checkTimes();
     void scheduleCheck();
     std::chrono::milliseconds timeLeft() const;
