@@ -8,7 +8,9 @@
 
 #include <QHttpServerRequest>
 #include <QRegularExpression>
+#include <QTimer>
 
+#include <algorithm>
 #include <memory>
 #include <vector>
 
@@ -47,6 +49,7 @@ private Q_SLOTS:
     void endsConnections_data();
     void endsConnections();
     void answersInTurn();
+    void leavesTimeForOthers();
     void dropsHostileClients_data();
     void dropsHostileClients();
     void makesRoom();
@@ -135,7 +138,7 @@ void GuardedHttpServerTest::endsConnections()
 void GuardedHttpServerTest::answersInTurn()
 {
     HttpClient client(m_port);
-    constexpr int requests = 200;
+    constexpr int requests = 2'000; // With answers beyond what may wait for a client.
     QByteArray all;
     for (int i = 0; i < requests; ++i) {
         all += "GET /" + QByteArray::number(i) + " HTTP/1.1\r\nHost: localhost\r\n\r\n";
@@ -145,6 +148,29 @@ void GuardedHttpServerTest::answersInTurn()
         QCOMPARE(client.answer().body, '/' + QByteArray::number(i) + ' ');
     }
     QVERIFY(!m_log->contains(QStringLiteral("Dropping")));
+}
+
+/// Ten clients with hundreds of requests ready at once, and a timer that is always due.
+void GuardedHttpServerTest::leavesTimeForOthers()
+{
+    ConnectionLimits limits = SmallLimits;
+    limits.connections = 10;
+    listen(limits);
+    std::vector<std::unique_ptr<HttpClient>> clients;
+    for (int i = 0; i < limits.connections; ++i) {
+        clients.push_back(std::make_unique<HttpClient>(m_port));
+        clients.back()->send(Get.repeated(500));
+    }
+    qsizetype answered = 0;
+    qsizetype mostInOneTurn = 0;
+    QTimer others;
+    connect(&others, &QTimer::timeout, this, [&] {
+        mostInOneTurn = std::max(mostInOneTurn, m_requests.size() - answered);
+        answered = m_requests.size();
+    });
+    others.start(0);
+    QTRY_COMPARE(m_requests.size(), 500 * limits.connections);
+    QVERIFY2(mostInOneTurn <= 40 * limits.connections, qPrintable(QString::number(mostInOneTurn)));
 }
 
 void GuardedHttpServerTest::dropsHostileClients_data()
