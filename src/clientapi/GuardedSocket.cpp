@@ -11,8 +11,9 @@ using namespace std::chrono_literals;
 
 namespace {
 
-/// Bytes read at once between requests. All requests among them are answered in one turn of the
-/// event loop, and of many connections one after the other, before any timer has its turn.
+/// Bytes held between requests. While more arrive, Qt's HTTP server comes to answer all requests
+/// among them in one turn of the event loop, and those of many connections one after the other,
+/// before any timer has its turn.
 constexpr qint64 FirstPiece = 1'024;
 
 /// A limit that is never reached.
