@@ -11,6 +11,11 @@ using namespace std::chrono_literals;
 
 namespace {
 
+/// Bytes held between requests. While more arrive, Qt's HTTP server comes to answer all requests
+/// among them in one turn of the event loop, and those of many connections one after the other,
+/// before any timer has its turn.
+constexpr qint64 FirstPiece = 1'024;
+
 /// A limit that is never reached.
 constexpr std::chrono::milliseconds Ages = 24h;
 
@@ -26,8 +31,7 @@ GuardedSocket::GuardedSocket(const ConnectionLimits& limits, QObject* parent)
     : QTcpSocket(parent)
     , m_limits(limits)
 {
-    // Twice, since a message of the longest length allowed must fit, and one beyond be noticed.
-    setReadBufferSize(2 * limits.unansweredBytes);
+    setReadBufferSize(FirstPiece);
     m_check.setSingleShot(true);
     connect(&m_check, &QTimer::timeout, this, &GuardedSocket::checkTimes);
     // Connected before any server sees the socket, so that it counts before they read.
@@ -67,6 +71,9 @@ void GuardedSocket::handOver()
 qint64 GuardedSocket::writeData(const char* data, qint64 size)
 {
     if (bytesToWrite() > m_limits.unsentBytes) {
+        flush();
+    }
+    if (bytesToWrite() > m_limits.unsentBytes) {
         drop(QStringLiteral("it does not take what it asked for"));
     }
     noteAnswered();
@@ -87,7 +94,7 @@ void GuardedSocket::noteReceived()
         return;
     }
     m_unansweredBytes = isTransactionStarted() ? m_unansweredBytes + available : available;
-    if (m_unansweredBytes > m_limits.unansweredBytes) {
+    if (m_unansweredBytes >= readBufferSize() || m_unansweredBytes > m_limits.unansweredBytes) {
         // They may be many short requests, of which the first is answered at once.
         QMetaObject::invokeMethod(this, &GuardedSocket::checkBytes, Qt::QueuedConnection);
     }
@@ -101,12 +108,23 @@ void GuardedSocket::noteAnswered()
 {
     m_unansweredBytes = 0;
     m_requestBegan.invalidate();
+    if (readBufferSize() == wholeRequest()) {
+        setReadBufferSize(FirstPiece);
+    }
+}
+
+/// Twice the limit, since a request of that length must fit, and one beyond be noticed.
+qint64 GuardedSocket::wholeRequest() const
+{
+    return 2 * m_limits.unansweredBytes;
 }
 
 void GuardedSocket::checkBytes()
 {
     if (m_unansweredBytes > m_limits.unansweredBytes) {
         drop(QStringLiteral("its request is too long"));
+    } else if (m_unansweredBytes > 0 && readBufferSize() == FirstPiece) {
+        setReadBufferSize(wholeRequest());
     }
 }
 

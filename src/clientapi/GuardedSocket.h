@@ -37,6 +37,7 @@ protected:
 private:
     void noteReceived();
     void noteAnswered();
+    qint64 wholeRequest() const;
     void checkBytes();
     void checkTimes();
     void scheduleCheck();

@@ -23,6 +23,9 @@ const QByteArray NotAllowed =
     R"({"error":"This IP address is not allowed to connect. Please check the allowed IPs settings."})";
 const QByteArray WebPage = R"({"error":"Requests from web pages are not allowed."})";
 const QByteArray ZurgeRequested = R"({"msg":"Zurge requested."})";
+const QByteArray Handshake =
+    "Upgrade: websocket\r\nConnection: Upgrade\r\nSec-WebSocket-Version: 13\r\n"
+    "Sec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\n";
 const QString LogOfNoProfileId =
     QStringLiteral("ClientApiResponder: No profile id provided in the request.\n");
 const QString LogOfNoSuchProfile = QStringLiteral(
@@ -251,6 +254,11 @@ void ClientApiServerTest::letsListedAddressesIn()
                                      .arg(address.toString(), list)),
                  !isAllowed);
         QVERIFY(isAllowed || client.waitForEnd());
+        HttpClient plugin(m_server->getWebsocketPort(), address);
+        QCOMPARE(plugin.ask(request("GET", "/", Handshake)).status, 101);
+        QCOMPARE(
+            m_log->contains(QStringLiteral("[Websocket] Blocked IP address ") + address.toString()),
+            !isAllowed);
     };
     check(QHostAddress(QHostAddress::LocalHost), ipv4);
     if (hasIpv6()) {

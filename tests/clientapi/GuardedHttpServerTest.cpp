@@ -6,9 +6,11 @@
 #include "support/LogCapture.h"
 #include "support/TestRegistry.h"
 
+#include <QAbstractEventDispatcher>
 #include <QHttpServerRequest>
 #include <QRegularExpression>
 
+#include <algorithm>
 #include <memory>
 #include <vector>
 
@@ -47,6 +49,7 @@ private Q_SLOTS:
     void endsConnections_data();
     void endsConnections();
     void answersInTurn();
+    void leavesTimeForOthers();
     void dropsHostileClients_data();
     void dropsHostileClients();
     void makesRoom();
@@ -135,7 +138,7 @@ void GuardedHttpServerTest::endsConnections()
 void GuardedHttpServerTest::answersInTurn()
 {
     HttpClient client(m_port);
-    constexpr int requests = 200;
+    constexpr int requests = 2'000; // With answers beyond what may wait for a client.
     QByteArray all;
     for (int i = 0; i < requests; ++i) {
         all += "GET /" + QByteArray::number(i) + " HTTP/1.1\r\nHost: localhost\r\n\r\n";
@@ -145,6 +148,22 @@ void GuardedHttpServerTest::answersInTurn()
         QCOMPARE(client.answer().body, '/' + QByteArray::number(i) + ' ');
     }
     QVERIFY(!m_log->contains(QStringLiteral("Dropping")));
+}
+
+/// A client with thousands of requests ready at once.
+void GuardedHttpServerTest::leavesTimeForOthers()
+{
+    constexpr int requests = 5'000;
+    HttpClient client(m_port);
+    client.send(Get.repeated(requests));
+    qsizetype answered = 0;
+    qsizetype mostInOneTurn = 0;
+    connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::awake, this, [&] {
+        mostInOneTurn = std::max(mostInOneTurn, m_requests.size() - answered);
+        answered = m_requests.size();
+    });
+    QTRY_COMPARE(m_requests.size(), requests);
+    QVERIFY2(mostInOneTurn < 40, qPrintable(QString::number(mostInOneTurn)));
 }
 
 void GuardedHttpServerTest::dropsHostileClients_data()
