@@ -30,14 +30,18 @@ constexpr qint64 LongestHandshake = 16'384;
 /// Bytes before a frame's payload: RFC 6455, section 5.2.
 constexpr qint64 LongestFrameHeader = 14;
 
+constexpr qint64 LongestFrame = ClientApiWebsocketServer::LongestMessage + LongestFrameHeader;
+
+/// Bytes read at once. All messages among them are handled in one turn of the event loop, before
+/// any timer has its turn.
+constexpr qint64 FirstPiece = 1'024;
+
 /// Of one connection. A client that is connected may be silent as long as it likes; where all
 /// connections are taken, it is the first to go.
 constexpr ConnectionLimits Limits{
     .connections = ClientApiWebsocketServer::MostConnections,
     .whenFull = ConnectionLimits::WhenFull::DropIdlest,
-    // The handshake is left where it is until all of it is there, and is counted again with each
-    // piece. What bounds it is the size of the buffer.
-    .unansweredBytes = 64 * LongestHandshake,
+    .unansweredBytes = LongestHandshake,
     .unsentBytes = ClientApiWebsocketServer::LargestBacklog,
     .unanswered = std::chrono::seconds(10),
 };
@@ -79,6 +83,24 @@ std::optional<Profile> profileNamed(const ProfileManager& manager, const QString
         std::find_if(profiles.cbegin(), profiles.cend(),
                      [&name](const Profile& profile) { return profile.name == name; });
     return found == profiles.cend() ? std::nullopt : std::optional(*found);
+}
+
+/// The WebSocket takes a frame only when all of it is there: for one that fills the buffer, that
+/// grows step by step until the frame is taken.
+void readInPieces(QWebSocket& socket, GuardedSocket& connection)
+{
+    const auto shrink = [&socket] { socket.setReadBufferSize(FirstPiece); };
+    const auto grow = [&connection] {
+        const qint64 available = connection.bytesAvailable();
+        if (available >= connection.readBufferSize()) {
+            connection.setReadBufferSize(std::min(2 * available, LongestFrame));
+        }
+    };
+    shrink();
+    QObject::connect(&socket, &QWebSocket::textFrameReceived, &socket, shrink);
+    QObject::connect(&socket, &QWebSocket::binaryFrameReceived, &socket, shrink);
+    // Queued, so that the WebSocket has read what it can.
+    QObject::connect(&connection, &QIODevice::readyRead, &connection, grow, Qt::QueuedConnection);
 }
 
 /// Ends the connection now: a client that does not read is not waited for.
@@ -165,7 +187,6 @@ void ClientApiWebsocketServer::setHttpPort(quint16 port)
 void ClientApiWebsocketServer::beginHandshakes(GuardedTcpServer* server)
 {
     while (QTcpSocket* connection = server->nextPendingConnection()) {
-        connection->setReadBufferSize(LongestHandshake);
         connection->setSocketOption(QAbstractSocket::SendBufferSizeSocketOption, LargestBacklog);
         m_server.handleConnection(connection);
     }
@@ -210,6 +231,7 @@ void ClientApiWebsocketServer::onNewConnection()
         socket->setParent(this); // Qt leaves it to whoever takes it.
         if (GuardedSocket* connection = connectionOf(*socket)) {
             connection->handOver();
+            readInPieces(*socket, *connection);
         }
         connect(socket, &QWebSocket::disconnected, this,
                 [this, socket, peer = peerOf(*socket)] { socketDisconnected(socket, peer); });
@@ -226,7 +248,6 @@ void ClientApiWebsocketServer::accept(QWebSocket* socket)
     Log::info("[ClientApi] [WebSocket] New connection from {}", peerOf(*socket));
     socket->setMaxAllowedIncomingFrameSize(LongestMessage);
     socket->setMaxAllowedIncomingMessageSize(LongestMessage);
-    socket->setReadBufferSize(LongestMessage + LongestFrameHeader);
     connect(socket, &QWebSocket::textMessageReceived, this,
             [this, socket](const QString& text) { processTextMessage(text, socket); });
     m_sockets << socket;

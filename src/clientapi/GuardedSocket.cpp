@@ -108,7 +108,7 @@ void GuardedSocket::noteAnswered()
 {
     m_unansweredBytes = 0;
     m_requestBegan.invalidate();
-    if (readBufferSize() == wholeRequest()) {
+    if (!m_handedOver && readBufferSize() == wholeRequest()) {
         setReadBufferSize(FirstPiece);
     }
 }

@@ -1,81 +1,20 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "WebsocketBytes.h"
-#include "clientapi/ClientApiWebsocketServer.h"
-#include "profiles/ProfileManager.h"
-#include "support/LogCapture.h"
-#include "support/TestDatabase.h"
+#include "WebsocketHost.h"
 #include "support/TestRegistry.h"
 
-#include <QHostAddress>
-#include <QJsonDocument>
 #include <QTcpSocket>
-#include <QTest>
-#include <QUrl>
-#include <QWebSocket>
 
 #include <vector>
 
-using namespace WebsocketBytes;
+using namespace WebsocketMessages;
 
 namespace {
 
 constexpr int LongestMessage = static_cast<int>(ClientApiWebsocketServer::LongestMessage);
 const QString Ipv4 = QStringLiteral("127.0.0.1");
 
-/// A client that keeps what it is told: replies as they are, updates as "update".
-class Client
-{
-public:
-    explicit Client(quint16 port, const QString& host = Ipv4, const QString& origin = {})
-        : m_socket(origin)
-    {
-        QObject::connect(&m_socket, &QWebSocket::textMessageReceived, &m_socket,
-                         [this](const QString& text) { keep(text); });
-        m_socket.open(QUrl(QStringLiteral("ws://%1:%2").arg(host).arg(port)));
-    }
-
-    bool isConnected() const { return m_socket.state() == QAbstractSocket::ConnectedState; }
-
-    bool isEnded() const { return m_socket.state() == QAbstractSocket::UnconnectedState; }
-
-    /// The code and the reason with which the server ended the connection.
-    QString ending() const
-    {
-        return QStringLiteral("%1 %2").arg(m_socket.closeCode()).arg(m_socket.closeReason());
-    }
-
-    void send(const QString& text) { m_socket.sendTextMessage(text); }
-
-    QStringList told;
-
-private:
-    void keep(const QString& text)
-    {
-        const QJsonObject object = QJsonDocument::fromJson(text.toUtf8()).object();
-        const bool isUpdate =
-            object.value(QStringLiteral("action")) == QJsonValue(QStringLiteral("update-status")) &&
-            object.value(QStringLiteral("data")).isObject() && object.size() == 2;
-        told << (isUpdate ? QStringLiteral("update") : text);
-    }
-
-    QWebSocket m_socket;
-};
-
-QString message(const char* action, const QString& more = {})
-{
-    return QStringLiteral(R"({"source":"plugin","action":"%1"%2})")
-        .arg(QLatin1String(action), more);
-}
-
-QString activation(const char* name)
-{
-    return message("activate-profile",
-                   QStringLiteral(R"(,"profile_name":"%1")").arg(QLatin1String(name)));
-}
-
 } // namespace
 
-/// The profiles "Work" (1) and "Games" (2), and a server at a port of its own for each test.
 class ClientApiWebsocketServerTest : public QObject
 {
     Q_OBJECT
@@ -89,63 +28,25 @@ private Q_SLOTS:
     void knowsClientsByTheirOwnFamily();
     void refusesWebPages_data();
     void refusesWebPages();
-    void takesPieces();
-    void endsHostileConnections_data();
-    void endsHostileConnections();
-    void dropsWhoNeverReads();
     void buildsAnUpdateOncePerBeat();
-    void boundsUpdatesAskedFor();
     void stopsAndStartsAnew();
 
 private:
-    void beat()
-    {
-        m_timer->setSingleShot(true);
-        m_timer->start(0);
-        QTRY_VERIFY(!m_timer->isActive());
-    }
-
-    QJsonObject statistics()
-    {
-        ++m_built;
-        return {{QStringLiteral("padding"), m_padding}};
-    }
-
-    std::unique_ptr<TestDatabase> m_database;
-    std::unique_ptr<ProfileManager> m_profiles;
-    std::unique_ptr<LogCapture> m_log;
-    std::unique_ptr<ClientApiWebsocketServer> m_server;
-    QTimer* m_timer = nullptr; ///< The server's, stopped: a beat comes when a test wants one.
-    int m_built = 0;           ///< Updates.
-    QString m_padding;
+    std::unique_ptr<WebsocketHost> m_host;
 };
 
 void ClientApiWebsocketServerTest::init()
 {
-    m_database = std::make_unique<TestDatabase>();
-    QVERIFY(m_database->exec(QStringLiteral("INSERT INTO profiles (name) VALUES ('Work'), "
-                                            "('Games')")));
-    m_profiles = std::make_unique<ProfileManager>();
-    m_log = std::make_unique<LogCapture>(Log::Level::Debug);
-    m_server =
-        std::make_unique<ClientApiWebsocketServer>([this] { return statistics(); }, *m_profiles);
-    m_built = 0;
-    m_padding.clear();
-    m_timer = m_server->findChild<QTimer*>();
-    QVERIFY(m_timer && m_timer->isActive());
-    QCOMPARE(m_timer->interval(), 2'000);
-    m_timer->stop();
-    QVERIFY(m_server->listen(0));
-    QVERIFY(m_log->contains(QStringLiteral("[ClientApi] [WebSocket] Server listening on port %1\n")
-                                .arg(m_server->port())));
+    m_host = std::make_unique<WebsocketHost>();
+    QVERIFY(m_host->isReady);
+    QVERIFY(m_host->log.contains(QStringLiteral("[ClientApi] [WebSocket] Server listening on port "
+                                                "%1\n")
+                                     .arg(m_host->server.port())));
 }
 
 void ClientApiWebsocketServerTest::cleanup()
 {
-    m_server.reset();
-    m_log.reset();
-    m_profiles.reset();
-    m_database.reset();
+    m_host.reset();
 }
 
 void ClientApiWebsocketServerTest::answers_data()
@@ -235,11 +136,11 @@ void ClientApiWebsocketServerTest::answers()
     QFETCH(QStringList, replies);
     QFETCH(QString, logged);
     QStringList emitted;
-    connect(m_server.get(), &ClientApiWebsocketServer::websocketWantsToZurge, this,
+    connect(&m_host->server, &ClientApiWebsocketServer::websocketWantsToZurge, this,
             [&emitted] { emitted << QStringLiteral("zurge"); });
-    connect(m_server.get(), &ClientApiWebsocketServer::websocketWantsToOpenMainWindow, this,
+    connect(&m_host->server, &ClientApiWebsocketServer::websocketWantsToOpenMainWindow, this,
             [&emitted] { emitted << QStringLiteral("window"); });
-    Client client(m_server->port());
+    WebsocketClient client(*m_host);
     QTRY_VERIFY(client.isConnected());
     for (const QString& text : messages) {
         client.send(text);
@@ -249,12 +150,12 @@ void ClientApiWebsocketServerTest::answers()
     replies << QStringLiteral(R"({"status":400})");
     QTRY_COMPARE(client.told, replies);
     QTEST(emitted.join(QLatin1Char(' ')), "signals_");
-    QTEST(m_profiles->getActiveStatsProfileId(), "activeProfile");
-    QVERIFY2(m_log->contains(logged), qPrintable(m_log->text()));
-    QVERIFY(
-        m_log->contains(QStringLiteral("debug Message received: ") + messages.first().first(1)));
-    QVERIFY(
-        m_log->contains(QStringLiteral(R"(debug Sending to websocket client: {"status":400})")));
+    QTEST(m_host->profiles.getActiveStatsProfileId(), "activeProfile");
+    QVERIFY2(m_host->log.contains(logged), qPrintable(m_host->log.text()));
+    QVERIFY(m_host->log.contains(QStringLiteral("debug Message received: ") +
+                                 messages.first().first(1)));
+    QVERIFY(m_host->log.contains(
+        QStringLiteral(R"(debug Sending to websocket client: {"status":400})")));
 }
 
 void ClientApiWebsocketServerTest::refusesAddresses()
@@ -263,38 +164,40 @@ void ClientApiWebsocketServerTest::refusesAddresses()
     const QString blocked = QStringLiteral(
         "[Client API] [Websocket] Blocked IP address 127.0.0.1 because it is not on the allowed IP "
         "list (::1, 127.0.0.2)\n");
-    Client early(m_server->port());
+    WebsocketClient early(*m_host);
     QTRY_VERIFY(early.isConnected());
     early.send(message("identify"));
     QTRY_COMPARE(early.told.size(), 1);
 
-    m_server->setAllowedIps({QStringLiteral("::1"), QStringLiteral("127.0.0.2")});
+    m_host->server.setAllowedIps({QStringLiteral("::1"), QStringLiteral("127.0.0.2")});
     QTRY_VERIFY(early.isEnded());
     QCOMPARE(early.ending(), ending);
-    QCOMPARE(m_log->count(blocked), 1);
+    QCOMPARE(m_host->log.count(blocked), 1);
 
-    Client late(m_server->port());
-    QTRY_COMPARE(m_log->count(blocked), 2);
+    WebsocketClient late(*m_host);
+    QTRY_COMPARE(m_host->log.count(blocked), 2);
     QTRY_VERIFY(late.isEnded());
     QCOMPARE(late.ending(), ending);
-    QCOMPARE(m_log->count(QStringLiteral("[ClientApi] [WebSocket] New connection from 127.0.0.1:")),
-             1);
-    QTRY_COMPARE(m_log->count(QStringLiteral("[ClientApi] [WebSocket] socketDisconnected: ")), 2);
+    QCOMPARE(
+        m_host->log.count(QStringLiteral("[ClientApi] [WebSocket] New connection from 127.0.0.1:")),
+        1);
+    QTRY_COMPARE(m_host->log.count(QStringLiteral("[ClientApi] [WebSocket] socketDisconnected: ")),
+                 2);
 
-    m_server->setAllowedIps({});
-    Client allowed(m_server->port());
+    m_host->server.setAllowedIps({});
+    WebsocketClient allowed(*m_host);
     QTRY_VERIFY(allowed.isConnected());
 }
 
 void ClientApiWebsocketServerTest::knowsClientsByTheirOwnFamily()
 {
-    m_server->setAllowedIps({QStringLiteral("::1")});
-    Client client(m_server->port(), QStringLiteral("[::1]"));
+    m_host->server.setAllowedIps({QStringLiteral("::1")});
+    WebsocketClient client(*m_host, QStringLiteral("[::1]"));
     QTRY_VERIFY(client.isConnected() || client.isEnded());
     if (client.isEnded()) {
         QSKIP("This machine has no IPv6");
     }
-    QTRY_VERIFY(m_log->contains(QStringLiteral("[WebSocket] New connection from [::1]:")));
+    QTRY_VERIFY(m_host->log.contains(QStringLiteral("[WebSocket] New connection from [::1]:")));
     client.send(message("identify"));
     QTRY_COMPARE(client.told.size(), 1);
 }
@@ -314,185 +217,73 @@ void ClientApiWebsocketServerTest::refusesWebPages()
     constexpr quint16 httpPort = 3490;
     QFETCH(QString, origin);
     QFETCH(bool, isServed);
-    m_server->setHttpPort(httpPort);
-    Client client(m_server->port(), Ipv4, origin);
+    m_host->server.setHttpPort(httpPort);
+    WebsocketClient client(*m_host, Ipv4, origin);
     QTRY_VERIFY(isServed ? client.isConnected() : client.isEnded());
     const QString refused =
         QStringLiteral("Refused a connection from the web page %1: ").arg(origin);
-    QTRY_COMPARE(m_log->count(refused), isServed ? 0 : 1);
-    QCOMPARE(m_log->count(QStringLiteral("[WebSocket] New connection")), isServed ? 1 : 0);
-}
-
-/// A handshake byte by byte, and a message in fragments of which the largest is as long as a frame
-/// may be.
-void ClientApiWebsocketServerTest::takesPieces()
-{
-    QTcpSocket socket;
-    socket.setSocketOption(QAbstractSocket::LowDelayOption, 1);
-    socket.connectToHost(QHostAddress::LocalHost, m_server->port());
-    QTRY_COMPARE(socket.state(), QAbstractSocket::ConnectedState);
-    for (const char byte : handshake()) {
-        socket.putChar(byte);
-        socket.flush();
-        QCoreApplication::processEvents();
-    }
-    QTRY_VERIFY(isUpgraded(socket));
-    const QByteArray text = message("identify").toUtf8();
-    socket.write(frame(text.first(10), Part::First) + frame({}, Part::Middle));
-    socket.flush();
-    QTest::qWait(1);
-    socket.write(frame(text.sliced(10).leftJustified(LongestMessage - 10), Part::Last));
-    QTRY_COMPARE(m_built, 1);
-
-    // Many that nothing answers, as a client may send them.
-    constexpr int messages = 20;
-    for (int i = 0; i < messages; ++i) {
-        socket.write(frame(QByteArray(LongestMessage, ' ')));
-    }
-    QTRY_COMPARE(m_log->count(QStringLiteral("Invalid JSON in WebSocket message:  ")), messages);
-    QCOMPARE(socket.state(), QAbstractSocket::ConnectedState);
-}
-
-void ClientApiWebsocketServerTest::endsHostileConnections_data()
-{
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<QString>("code");
-    constexpr quint64 huge = 104'857'600;
-    const QByteArray half(LongestMessage / 2 + 1, 'x');
-    const QString tooMuch = QStringLiteral("1009 ");
-    QTest::newRow("a byte too long") << frame(QByteArray(LongestMessage + 1, 'x')) << tooMuch;
-    QTest::newRow("too long in two")
-        << frame(half, Part::First) + frame(half, Part::Last) << tooMuch;
-    QTest::newRow("100 MiB announced") << frameHeader(Part::Only, huge) + "x" << tooMuch;
-    QTest::newRow("100 MiB") << frame(QByteArray(huge, 'x')) << tooMuch;
-    QTest::newRow("2^64 - 1 bytes")
-        << frameHeader(Part::Only, ~quint64(0)) << QStringLiteral("1002 ");
-    QTest::newRow("invalid UTF-8")
-        << frame("{\"source\":\"plugin\xc3\x28\"}") << QStringLiteral("1007 ");
-}
-
-void ClientApiWebsocketServerTest::endsHostileConnections()
-{
-    QFETCH(QByteArray, bytes);
-    QFETCH(QString, code);
-    QTcpSocket socket;
-    socket.connectToHost(QHostAddress::LocalHost, m_server->port());
-    socket.write(handshake());
-    QTRY_VERIFY(isUpgraded(socket));
-    const QString peer = QStringLiteral("127.0.0.1:%1").arg(socket.localPort());
-    socket.write(bytes);
-    QTRY_COMPARE(socket.state(), QAbstractSocket::UnconnectedState);
-    QTRY_VERIFY(m_log->contains(
-        QStringLiteral("[ClientApi] [WebSocket] socketDisconnected: %1 (%2").arg(peer, code)));
-    Client next(m_server->port());
-    QTRY_VERIFY(next.isConnected());
-}
-
-void ClientApiWebsocketServerTest::dropsWhoNeverReads()
-{
-    Client reader(m_server->port());
-    QTRY_VERIFY(reader.isConnected());
-    reader.send(message("identify"));
-    QTcpSocket socket;
-    socket.connectToHost(QHostAddress::LocalHost, m_server->port());
-    socket.write(handshake());
-    QTRY_VERIFY(isUpgraded(socket));
-    socket.setReadBufferSize(1);
-    socket.setSocketOption(QAbstractSocket::ReceiveBufferSizeSocketOption, 1);
-    const quint16 port = socket.localPort();
-    socket.write(frame(message("identify").toUtf8()));
-    QTRY_COMPARE(reader.told.size(), 2);
-
-    // As much as may wait, again and again: the kernel takes some of it on behalf of a client.
-    m_padding = QString(100'000, u'x');
-    const QString dropped = QStringLiteral(
-        "[ClientApi] Dropping the connection from 127.0.0.1: it does not take what it asked for\n");
-    for (int i = 3; i < ClientApiWebsocketServer::MostUpdatesAskedFor; ++i) {
-        reader.send(message("update-status"));
-        QTRY_COMPARE(reader.told.size(), i);
-    }
-    QCOMPARE(m_log->count(dropped), 1);
-    QVERIFY(m_log->contains(QStringLiteral("socketDisconnected: 127.0.0.1:%1\n").arg(port)));
-    QVERIFY(reader.isConnected());
+    QTRY_COMPARE(m_host->log.count(refused), isServed ? 0 : 1);
+    QCOMPARE(m_host->log.count(QStringLiteral("[WebSocket] New connection")), isServed ? 1 : 0);
 }
 
 void ClientApiWebsocketServerTest::buildsAnUpdateOncePerBeat()
 {
+    QCOMPARE(m_host->timer->interval(), 2'000);
     constexpr int count = 30;
     const QString update = QStringLiteral("update");
-    std::vector<std::unique_ptr<Client>> clients;
+    std::vector<std::unique_ptr<WebsocketClient>> clients;
     for (int i = 0; i < count; ++i) {
-        clients.push_back(std::make_unique<Client>(m_server->port()));
+        clients.push_back(std::make_unique<WebsocketClient>(*m_host));
     }
     for (const auto& client : clients) {
         QTRY_VERIFY(client->isConnected());
     }
-    beat();
-    QCOMPARE(m_built, 0);
+    m_host->beat();
+    QCOMPARE(m_host->built, 0);
 
     for (const auto& client : clients) {
         client->send(message("identify"));
         QTRY_VERIFY(!client->told.isEmpty());
     }
-    QCOMPARE(m_built, count);
+    QCOMPARE(m_host->built, count);
     QTRY_COMPARE(clients.front()->told.size(), count);
-    beat();
-    QCOMPARE(m_built, count + 1);
+    m_host->beat();
+    QCOMPARE(m_host->built, count + 1);
     QTRY_COMPARE(clients.front()->told.size(), count + 1);
     QTRY_COMPARE(clients.back()->told, (QStringList{update, update}));
 
     clients.clear();
-    QTRY_COMPARE(m_log->count(QStringLiteral("socketDisconnected: ")), qsizetype{count});
-    beat();
-    QCOMPARE(m_built, count + 1);
-}
-
-void ClientApiWebsocketServerTest::boundsUpdatesAskedFor()
-{
-    constexpr int most = ClientApiWebsocketServer::MostUpdatesAskedFor;
-    const QString missing = QStringLiteral(R"({"status":404})");
-    Client client(m_server->port());
-    QTRY_VERIFY(client.isConnected());
-    client.send(message("identify"));
-    for (int i = 0; i < 3 * most; ++i) {
-        client.send(message("update-status"));
-    }
-    client.send(activation("nobody"));
-    QTRY_VERIFY(client.told.contains(missing));
-    QCOMPARE(client.told.size(), most + 1);
-
-    beat();
-    client.send(message("update-status"));
-    QTRY_COMPARE(client.told.size(), most + 3);
-    QCOMPARE(m_built, most + 2);
+    QTRY_COMPARE(m_host->log.count(QStringLiteral("socketDisconnected: ")), qsizetype{count});
+    m_host->beat();
+    QCOMPARE(m_host->built, count + 1);
 }
 
 void ClientApiWebsocketServerTest::stopsAndStartsAnew()
 {
-    const quint16 port = m_server->port();
-    Client client(port);
+    const quint16 port = m_host->server.port();
+    WebsocketClient client(*m_host);
     QTRY_VERIFY(client.isConnected());
     QTcpSocket handshaking;
     handshaking.connectToHost(QHostAddress::LocalHost, port);
     handshaking.write("GET / HTTP/1.1\r\n");
     QTRY_COMPARE(handshaking.state(), QAbstractSocket::ConnectedState);
 
-    ClientApiWebsocketServer second([] { return QJsonObject(); }, *m_profiles);
+    ClientApiWebsocketServer second([] { return QJsonObject(); }, m_host->profiles);
     QVERIFY(!second.listen(port));
-    QVERIFY(m_log->contains(QStringLiteral(
+    QVERIFY(m_host->log.contains(QStringLiteral(
         "[ClientApi] [WebSocket] Unable to open websocket server for incoming connections\n")));
-    QVERIFY(
-        m_log->contains(QStringLiteral("[ClientApi] [WebSocket] Error message: The bound address "
-                                       "is already in use\n")));
+    QVERIFY(m_host->log.contains(
+        QStringLiteral("[ClientApi] [WebSocket] Error message: The bound address "
+                       "is already in use\n")));
 
-    m_server->stop();
-    QCOMPARE(m_server->port(), 0);
+    m_host->server.stop();
+    QCOMPARE(m_host->server.port(), 0);
     QVERIFY(second.listen(port));
     QTRY_VERIFY(client.isEnded());
     QCOMPARE(client.ending(), QStringLiteral("1001 The server is stopped."));
     QTRY_COMPARE(handshaking.state(), QAbstractSocket::UnconnectedState);
-    QVERIFY(m_server->listen(0));
-    Client next(m_server->port());
+    QVERIFY(m_host->server.listen(0));
+    WebsocketClient next(*m_host);
     QTRY_VERIFY(next.isConnected());
     // Ends with the connection open.
 }
