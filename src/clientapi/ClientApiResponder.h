@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QByteArray>
 #include <QHttpServerResponse>
 #include <QObject>
 #include <QString>
@@ -22,6 +23,9 @@ public:
     QHttpServerResponse responseToGetRequest(const QHttpServerRequest& request);
     QHttpServerResponse responseToPostRequest(const QHttpServerRequest& request);
 
+    /// To any other method: 405.
+    static QHttpServerResponse handleOtherMethod();
+
     /// To a client whose address is not on the list: 401.
     static QHttpServerResponse handleIpNotAllowed();
 
@@ -34,6 +38,7 @@ Q_SIGNALS:
     void apiWantsToActivateProfile(int profileId, const QString& profileName);
 
 private:
+    QHttpServerResponse answerToGet(const QString& path) const;
     QHttpServerResponse handleZurge(const QString& address);
     QHttpServerResponse handleOpenWindow(const QString& address);
     QHttpServerResponse handleProfileActivation(const QByteArray& body, const QString& address);

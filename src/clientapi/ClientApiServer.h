@@ -1,22 +1,22 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "clientapi/ClientApiResponder.h"
 #include "clientapi/ClientApiResponses.h"
 
+#include <QHttpServerResponse>
 #include <QObject>
 #include <QString>
 
 #include <memory>
 
-class ClientApiResponder;
 class ClientApiWebsocketServer;
+class GuardedHttpServer;
 class LiveRates;
 class LocalStats;
 class ProfileManager;
 class QHostAddress;
-class QHttpServer;
 class QHttpServerRequest;
-class QHttpServerResponse;
 
 /// Lets other programs read the statistics and ask the client to act, over HTTP and WebSocket, as
 /// the settings allow. Thread: main.
@@ -37,6 +37,7 @@ public:
 
     void stop(); ///< Closes both servers and their connections.
 
+    /// Where it listens; 0 while stopped. A port 0 in the settings is one that the system chooses.
     quint16 getHttpPort() const;
     quint16 getWebsocketPort() const;
     bool isRunning() const;
@@ -46,23 +47,41 @@ public:
     void setAllowedIPs(const QString& addresses);
 
 Q_SIGNALS:
+    // Emitted from the event loop, after the answer was given.
     void apiWantsToZurge();
     void apiWantsToOpenMainWindow();
     void apiWantsToActivateProfile(int profileId, const QString& profileName);
 
-    /// A port is in use: what it means and what to do.
+    /// It could not listen at a port: what it means and what to do.
     void signalNeedTrayIconMessage(const QString& title, const QString& text);
 
 private:
+    /// As the settings hold them: numbers that are no ports among them.
+    struct Ports
+    {
+        int http = 0;
+        int websocket = 0;
+        bool operator==(const Ports&) const = default;
+    };
+
+    static Ports portsOfSettings();
     bool setup();
     bool listen();
+    bool listenForHttp();
+    bool listenForWebsockets();
+    void close();
+    void tellPortIsTaken(int port);
+    QHttpServerResponse respond(const QHttpServerRequest& request);
+    QHttpServerResponse responseTo(const QHttpServerRequest& request);
     bool isRemoteIpAllowed(const QHostAddress& address) const;
+    bool isOfWebPage(const QHttpServerRequest& request) const;
 
     ClientApiResponses m_responses;
+    ClientApiResponder m_responder;
     ProfileManager& m_profiles;
-    std::unique_ptr<QHttpServer> m_http; ///< Null while stopped.
+    std::unique_ptr<GuardedHttpServer> m_http; ///< Null while stopped, like the next.
     std::unique_ptr<ClientApiWebsocketServer> m_websocket;
-    std::unique_ptr<ClientApiResponder> m_responder;
+    Ports m_wanted;
     quint16 m_httpPort = 0;
     quint16 m_websocketPort = 0;
     QString m_allowedIps;

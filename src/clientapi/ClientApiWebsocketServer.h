@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "clientapi/ListeningPair.h"
+
 #include <QJsonObject>
 #include <QList>
 #include <QMap>
@@ -12,7 +14,10 @@
 
 #include <functional>
 
+class GuardedSocket;
+class GuardedTcpServer;
 class ProfileManager;
+class QHostAddress;
 class QWebSocket;
 class QWebSocketCorsAuthenticator;
 struct WebsocketMessage;
@@ -28,21 +33,29 @@ public:
 
     /// What one client may cost. A message beyond, or a client that lets more than that wait, ends
     /// its connection.
-    static constexpr quint64 LongestMessage = 65'536;   ///< Bytes, over all its fragments.
-    static constexpr qint64 LargestBacklog = 1'048'576; ///< Bytes not taken by the client.
-    static constexpr int MostConnections = 256;         ///< Per address family.
+    static constexpr quint64 LongestMessage = 65'536; ///< Bytes, over all its fragments.
+    static constexpr int LargestBacklog = 131'072;    ///< Bytes not taken by the client.
+    static constexpr int MostConnections = 256;       ///< Per address family.
 
-    /// `statistics` is asked for what an update holds, once a beat, and only when some client has
+    /// Updates between two beats because some client asked. Whoever asks for more waits for the
+    /// beat.
+    static constexpr int MostUpdatesAskedFor = 100;
+
+    /// `statistics` is asked for what an update holds, once for each, and only when some client has
     /// identified itself. `profiles` outlives this object.
     ClientApiWebsocketServer(Statistics statistics, ProfileManager& profiles,
                              QObject* parent = nullptr);
     ~ClientApiWebsocketServer() override;
 
-    /// On all addresses of IPv4 and IPv6. False (and log lines) where the port is in use.
+    /// On all addresses of IPv4 and IPv6; 0: at a port that is free. False (and log lines) where
+    /// the port is in use. To be called while stopped.
     bool listen(unsigned short port);
     void stop(); ///< Closes the server and the sockets.
 
-    /// Addresses as texts; none: all are allowed.
+    quint16 port() const; ///< 0 while stopped.
+
+    /// Addresses as texts; none: all are allowed. Those connected that are not among them are
+    /// refused now.
     void setAllowedIps(const QList<QString>& addresses);
 
     /// Whose pages may connect; see `WebPages::isOwnOrigin`.
@@ -52,17 +65,25 @@ Q_SIGNALS:
     void websocketWantsToZurge();
     void websocketWantsToOpenMainWindow();
 
-private Q_SLOTS:
-    void onNewConnection();
-    void sendUpdateToClients();
-
 private:
+    void onNewConnection();
+    void beginHandshakes(GuardedTcpServer* server);
+    GuardedSocket* connectionOf(const QWebSocket& socket) const;
+    void checkOrigin(QWebSocketCorsAuthenticator* authenticator) const;
+    bool isAllowed(const QHostAddress& address) const;
+    void accept(QWebSocket* socket);
+    void refuse(QWebSocket* socket);
+
     void processTextMessage(const QString& text, QWebSocket* socket);
+    void perform(const WebsocketMessage& message, QWebSocket* socket);
     void identify(const WebsocketMessage& message, QWebSocket* socket);
     void activateProfile(const WebsocketMessage& message, QWebSocket* socket);
-    void socketDisconnected(QWebSocket* socket);
+    void sendUpdateToClients();
+    void sendUpdateAskedFor();
+    void onBeat();
+    void socketDisconnected(QWebSocket* socket, const QString& peer);
     void removeSocket(QWebSocket* socket);
-    void checkOrigin(QWebSocketCorsAuthenticator* authenticator) const;
+
     static void getJSONAndOutputToClient(const QMap<QString, QVariant>& object, QWebSocket* socket);
     static void respondWithOK(QWebSocket* socket);
     static void respondWith400(QWebSocket* socket);
@@ -70,10 +91,12 @@ private:
 
     Statistics m_statistics;
     ProfileManager& m_profiles;
-    QWebSocketServer m_server;
-    QList<QWebSocket*> m_sockets;    ///< Connected; owned by `m_server` until they are gone.
+    QWebSocketServer m_server;       ///< Never listens itself: it is handed each connection.
+    ListeningPair m_listening;       ///< Empty while stopped.
+    QList<QWebSocket*> m_sockets;    ///< Connected and allowed; children of this object.
     QList<QWebSocket*> m_identified; ///< Of these.
     QList<QString> m_allowedIps;
     quint16 m_httpPort = 0;
     QTimer m_updateTimer;
+    int m_updatesAskedFor = 0; ///< Since the last beat.
 };

@@ -17,7 +17,10 @@ struct ConnectionLimits
     int connections = 0; ///< Per listening socket.
     WhenFull whenFull = WhenFull::Refuse;
     qint64 unansweredBytes = 0; ///< Received since something was last sent to it.
-    qint64 unsentBytes = 0;     ///< Waiting for a client that does not read.
+
+    /// Waiting for a client that does not read when more is to be sent to it. One answer of any
+    /// length may wait.
+    qint64 unsentBytes = 0;
 
     /// From the first byte of a request to its answer; zero: any.
     std::chrono::milliseconds unanswered{0};

@@ -24,13 +24,5 @@ private:
     bool makeRoom();
 
     ConnectionLimits m_limits;
-    QList<GuardedSocket*> m_open; ///< Owned by this server, as its pending connections.
-};
-
-/// A listening socket for IPv4 and one for IPv6, so that each client is known by the address a user
-/// would write ("127.0.0.1", not "::ffff:127.0.0.1").
-struct ListeningPair
-{
-    std::unique_ptr<GuardedTcpServer> v4;
-    std::unique_ptr<GuardedTcpServer> v6; ///< Null where the machine has no IPv6.
+    QList<GuardedSocket*> m_open; ///< Whoever takes a pending connection owns it.
 };

@@ -6,7 +6,7 @@
 /// Tells the requests of web pages, which the browser of the user makes on behalf of anybody, from
 /// those of programs. A browser says truly which page asks (Origin), and which name the page's
 /// script used (Host): a name that its owner let point to this machine is not one of this machine.
-/// Pure functions, for any thread.
+/// For any thread.
 namespace WebPages {
 
 /// Whether the value of a Host header names this machine as a program would: by an IPv4 or
@@ -15,9 +15,9 @@ namespace WebPages {
 bool isOwnHost(const QString& host, const QString& machineName);
 
 /// Whether a request of this Origin comes from a program, or from the API's own page: no Origin,
-/// "null", one of files ("file://"), or "http://" and a host for which `isOwnHost` holds with the
-/// port `httpPort`. Any other web origin is foreign. An origin of neither kind (a browser's
-/// extension) is foreign too.
+/// "null", one of files ("file://"), or "http://" and this machine with the port `httpPort`: by one
+/// of the addresses it has now (another machine serves its pages by address, too), or by a name for
+/// which `isOwnHost` holds. Any other origin (a web page's, a browser extension's) is foreign.
 bool isOwnOrigin(const QString& origin, quint16 httpPort, const QString& machineName);
 
 } // namespace WebPages

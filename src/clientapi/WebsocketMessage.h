@@ -11,8 +11,11 @@ struct WebsocketMessage
     QString source;
     QString action;
     QString identifier;
-    QString profileName; ///< "profile_name".
+    std::optional<QString> profileName; ///< "profile_name".
 
-    /// Nothing where the text is no JSON object. Depth and size are bounded by who received it.
+    /// Nothing where the text is no JSON object. Depth is bounded by `JsonReader`, size by who
+    /// received it.
     static std::optional<WebsocketMessage> fromJson(const QString& text);
+
+    friend bool operator==(const WebsocketMessage&, const WebsocketMessage&) = default;
 };
