@@ -10,8 +10,8 @@ import time
 import unittest
 import zipfile
 
-from account import TROUBLE, AccountTest, Wizard
-from harness import PATIENCE
+from account import AccountTest, Wizard
+from harness import PATIENCE, TROUBLE
 
 MAKE_HISTORY = os.environ.get("TALLYVANE_MAKE_HISTORY", "")
 NAME = "tallyvane.db"
