@@ -6,6 +6,7 @@ import os
 import re
 import subprocess
 import sys
+import threading
 import unittest
 from pathlib import Path
 
@@ -76,7 +77,9 @@ class Examples(ApiTest):
 
         with subprocess.Popen([sys.executable, "-c", by_websocket], env=self.environment,
                               stdout=subprocess.PIPE, text=True) as program:
-            self.addCleanup(program.kill)
+            deadline = threading.Timer(PATIENCE, program.kill)
+            deadline.start()
+            self.addCleanup(deadline.cancel)
             self.assertEqual(program.stdout.readline(), "{'status': 200}\n")
             for _ in range(2):
                 self.assertRegex(program.stdout.readline(), r"^\{.*'keys': '\d+,\d\d'.*\}\n$")
