@@ -65,9 +65,14 @@ class Pipes:
         return json.loads(text)
 
     def close(self):
+        """Without anyone to speak to, the browser ends."""
         os.close(self._out)
         os.close(self._in)
-        self.process.wait()
+        try:
+            self.process.wait(PATIENCE)
+        except subprocess.TimeoutExpired:
+            self.process.kill()
+            self.process.wait()
 
 
 class Browser:
@@ -172,7 +177,5 @@ class Browser:
                           for event in self.messages("Runtime.exceptionThrown")]
 
     def close(self):
-        self.session = None
-        self.call("Browser.close")
         self.pipes.close()
         shutil.rmtree(self.directory, ignore_errors=True)

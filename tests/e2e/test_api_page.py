@@ -12,6 +12,7 @@ from pathlib import Path
 
 from browser import Browser
 from client_api import ApiTest
+from harness import wait_for
 
 PICTURES = Path(os.environ["TALLYVANE_SCREENSHOTS"])
 FOREIGN = "elsewhere.test"  # A web site that lies on this machine, so that a browser gets to it here.
@@ -105,11 +106,14 @@ class PagesOfOthers(BrowserTest):
             script = FETCH.format(address=json.dumps(address), options=json.dumps(options))
             # Of a refusal that its browser lets it have, a page learns the status 0.
             self.assertIn(self.browser.evaluate(script), ("kept away", "answered 0"))
-            self.assertEqual(self.browser.statuses(address), [403])
+            self.expect_refusal(address)
         address = f"ws://127.0.0.1:{self.client.websocket_port}/"
         self.assertEqual(self.browser.evaluate(CONNECT.format(address=json.dumps(address))), "kept away")
         self.assertNotIn("Zurging on the request", self.client.log())
         self.assertNotIn("New connection from", self.client.log())
+
+    def expect_refusal(self, address):
+        self.assertEqual(wait_for(lambda: self.browser.statuses(address), f"an answer of {address}"), [403])
 
     def test_a_web_site(self):
         with web_site() as port:
@@ -122,7 +126,7 @@ class PagesOfOthers(BrowserTest):
     def test_a_name_that_was_made_to_lead_here(self):
         address = f"http://{FOREIGN}:{self.client.port}/v1/all-stats"
         self.browser.open(address)
-        self.assertEqual(self.browser.statuses(address), [403])
+        self.expect_refusal(address)
         self.assertNotIn("unzurged", self.browser.evaluate("document.documentElement.innerText"))
 
 
