@@ -22,9 +22,6 @@ MINUTE = 60 + PATIENCE  # To wait for what the client does each minute.
 PAUSE = 10.5  # Seconds from the beginning of a zurge until another one may begin.
 COUNTERS = ("keys", "clicks", "download", "upload", "uptime", "scrolls", "distance_inches")
 LEFT_BUTTON = 0x110  # linux/input-event-codes.h
-# What the program logs where something is amiss; that the window in front is the window manager's own,
-# of no process, is none of it.
-TROUBLE = r"(?m)^\S+ \S+ (warn|error|fatal) (?!XGetWindowProperty _NET_WM_PID )"
 
 
 class Service:
@@ -109,11 +106,6 @@ class AccountClient(Client):
             self.environment.pop(name, None)
             self.environment.pop(name.upper(), None)
         self.environment |= service.addresses | {"PATH": f"{programs}:{os.environ['PATH']}"}
-
-    def configure(self, **settings):
-        """Sets settings by name; while the client does not run."""
-        self.execute("".join(f"INSERT OR REPLACE INTO settings (name, value) VALUES ('{name}', '{value}');"
-                             for name, value in settings.items()))
 
     def zurge_by_hand(self):
         """As the command line does it."""

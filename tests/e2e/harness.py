@@ -32,6 +32,9 @@ EV_SYN, EV_KEY, EV_REL = 0, 1, 2
 # Codes of linux/input-event-codes.h and the key values under which they are stored.
 KEYS = {"a": (30, 0x41), "b": (48, 0x42), "c": (46, 0x43), "space": (57, 0x20),
         "enter": (28, 0x01000005), "grave": (41, 0x01FFFFFF)}
+# What the program logs where something is amiss; that the window in front is the window manager's own,
+# of no process, is none of it.
+TROUBLE = r"(?m)^\S+ \S+ (warn|error|fatal) (?!XGetWindowProperty _NET_WM_PID )"
 
 
 def wait_for(condition, what, seconds=None):
@@ -244,6 +247,11 @@ class Client:
     def execute(self, script):
         with contextlib.closing(sqlite3.connect(self.data / "tallyvane.db", timeout=PATIENCE)) as database:
             database.executescript(script)
+
+    def configure(self, **settings):
+        """Sets settings by name; while the client does not run."""
+        self.execute("".join(f"INSERT OR REPLACE INTO settings (name, value) VALUES ('{name}', '{value}');"
+                             for name, value in settings.items()))
 
     def device(self, name="event0"):
         return Device(self.devices, name)

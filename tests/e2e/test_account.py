@@ -7,8 +7,8 @@ import time
 import unittest
 from pathlib import Path
 
-from account import MINUTE, PAUSE, TROUBLE, AccountClient, AccountTest, Service, Wizard
-from harness import wait_for
+from account import MINUTE, PAUSE, AccountClient, AccountTest, Service, Wizard
+from harness import TROUBLE, wait_for
 from wire import Wire, inside
 
 TRAFFIC = Path(__file__).with_name("traffic.py")

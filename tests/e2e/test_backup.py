@@ -9,7 +9,8 @@ import subprocess
 import unittest
 import zipfile
 
-from account import TROUBLE, AccountTest, Wizard
+from account import AccountTest, Wizard
+from harness import TROUBLE
 
 MAKE_HISTORY = os.environ.get("TALLYVANE_MAKE_HISTORY", "")
 NAME = "tallyvane.db"
