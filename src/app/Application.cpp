@@ -6,6 +6,7 @@
 #include "account/Zurge.h"
 #include "app/AccountServices.h"
 #include "app/AccountWiring.h"
+#include "app/ClientApiWiring.h"
 #include "app/CountingSwitch.h"
 #include "app/KeysToday.h"
 #include "app/MainWindowHost.h"
@@ -18,6 +19,7 @@
 #include "base/Log.h"
 #include "base/SnapStandardPaths.h"
 #include "base/Version.h"
+#include "clientapi/ClientApiServer.h"
 #include "network/ProxyAddress.h"
 #include "profiles/Milestones.h"
 #include "profiles/ProfileDeletion.h"
@@ -114,6 +116,7 @@ bool Application::start(bool networkingDisabled, bool openMainWindow,
         this->openMainWindow();
         m_setup->offer();
     }
+    m_clientApi = ClientApiWiring::create(*this, *m_localStats, *m_profiles);
     StartupRepair::removeNegativeDistances(*m_database);
     m_started = true;
     m_account->repeatLastWeek();
@@ -257,6 +260,7 @@ void Application::applySettings(bool changedByUser)
     applyNetworkProxy(proxy);
     m_proxyAddress->follow(proxy);
     m_account->applySettings();
+    m_clientApi->changeState();
     m_window->refreshInputState();
 }
 
@@ -337,6 +341,7 @@ void Application::closeProcesses()
 void Application::stopCollecting()
 {
     m_closed = true;
+    m_clientApi.reset();
     m_accountWiring.reset();
     if (m_setup) {
         m_setup->stop();

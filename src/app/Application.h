@@ -15,6 +15,7 @@
 class AccountServices;
 class AccountWiring;
 class CachedSystem;
+class ClientApiServer;
 class Collector;
 class CommonSystem;
 class CountingSwitch;
@@ -151,6 +152,7 @@ private:
     std::unique_ptr<MainWindowHost> m_window;
     std::unique_ptr<SetupHost> m_setup;
     std::unique_ptr<AccountWiring> m_accountWiring;
+    std::unique_ptr<ClientApiServer> m_clientApi;
 
     QTimer m_maintenanceTimer;
     QTimer m_memoryTimer;
