@@ -96,7 +96,7 @@ private:
         return true;
     }
 
-    QTcpSocket m_socket;
     QByteArray m_received;
     bool m_reads = true;
+    QTcpSocket m_socket; ///< Goes first, as it calls `read`.
 };
