@@ -250,7 +250,9 @@ bool ClientApiServer::isOfWebPage(const QHttpServerRequest& request) const
     const QString host = QString::fromUtf8(request.value("Host"));
     const QString origin = QString::fromUtf8(request.value("Origin"));
     const QString machine = QSysInfo::machineHostName();
-    if (WebPages::isOwnHost(host, machine) && WebPages::isOwnOrigin(origin, m_httpPort, machine)) {
+    const QString userAgent = QString::fromUtf8(request.value("User-Agent"));
+    if (WebPages::isOwnHost(host, machine) && WebPages::isOwnOrigin(origin, m_httpPort, machine) &&
+        !WebPages::isHiddenPage(origin, userAgent)) {
         return false;
     }
     Log::warn("Client API: Refused a request of a web page from {} (Host: {}, Origin: {})",

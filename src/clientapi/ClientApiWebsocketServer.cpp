@@ -11,6 +11,7 @@
 
 #include <QHostAddress>
 #include <QJsonDocument>
+#include <QNetworkRequest>
 #include <QSysInfo>
 #include <QWebSocket>
 #include <QWebSocketCorsAuthenticator>
@@ -108,6 +109,20 @@ void end(QWebSocket* socket, QWebSocketProtocol::CloseCode code, const QString& 
 {
     socket->close(code, reason);
     socket->abort();
+}
+
+void logWebPage(const QString& origin)
+{
+    Log::warn(
+        "[ClientApi] [WebSocket] Refused a connection from the web page {}: requests from web "
+        "pages are not allowed",
+        forLog(origin));
+}
+
+bool isHiddenPage(const QWebSocket& socket)
+{
+    return WebPages::isHiddenPage(socket.origin(),
+                                  QString::fromUtf8(socket.request().rawHeader("User-Agent")));
 }
 
 } // namespace
@@ -213,10 +228,7 @@ void ClientApiWebsocketServer::checkOrigin(QWebSocketCorsAuthenticator* authenti
     const bool isOwn = WebPages::isOwnOrigin(origin, m_httpPort, QSysInfo::machineHostName());
     authenticator->setAllowed(isOwn);
     if (!isOwn) {
-        Log::warn(
-            "[ClientApi] [WebSocket] Refused a connection from the web page {}: requests from "
-            "web pages are not allowed",
-            forLog(origin));
+        logWebPage(origin);
     }
 }
 
@@ -235,10 +247,15 @@ void ClientApiWebsocketServer::onNewConnection()
         }
         connect(socket, &QWebSocket::disconnected, this,
                 [this, socket, peer = peerOf(*socket)] { socketDisconnected(socket, peer); });
-        if (isAllowed(socket->peerAddress())) {
-            accept(socket);
-        } else {
+        if (!isAllowed(socket->peerAddress())) {
             refuse(socket);
+        } else if (isHiddenPage(*socket)) {
+            // Known only now: of the handshake, Qt tells the origin alone.
+            logWebPage(socket->origin());
+            end(socket, QWebSocketProtocol::CloseCodePolicyViolated,
+                QStringLiteral("Requests from web pages are not allowed."));
+        } else {
+            accept(socket);
         }
     }
 }

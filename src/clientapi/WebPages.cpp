@@ -87,3 +87,9 @@ bool WebPages::isOwnOrigin(const QString& origin, quint16 httpPort, const QStrin
     return authority->address.isNull() ? isOwnName(authority->name, machineName)
                                        : isOwnAddress(authority->address);
 }
+
+bool WebPages::isHiddenPage(const QString& origin, const QString& userAgent)
+{
+    // So begins every browser's, for the sake of sites that know the first one only.
+    return origin == QLatin1String("null") && userAgent.startsWith(QLatin1String("Mozilla/"));
+}

@@ -20,4 +20,9 @@ bool isOwnHost(const QString& host, const QString& machineName);
 /// which `isOwnHost` holds. Any other origin (a web page's, a browser extension's) is foreign.
 bool isOwnOrigin(const QString& origin, quint16 httpPort, const QString& machineName);
 
+/// Whether a browser hides which page asks: the origin is "null", as that of any site's sandboxed
+/// frame, and `userAgent` is a browser's, which no page can change in such a request. A program
+/// that says "null" calls itself something else.
+bool isHiddenPage(const QString& origin, const QString& userAgent);
+
 } // namespace WebPages

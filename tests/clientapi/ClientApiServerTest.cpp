@@ -277,6 +277,7 @@ void ClientApiServerTest::keepsWebPagesOut_data()
     row("Host: " + QSysInfo::machineHostName().toLatin1() + ":1\r\n", true);
     row("Host: 127.0.0.1\r\nOrigin: http://localhost:PORT\r\n", true);
     row("Host: 127.0.0.1\r\nOrigin: null\r\n", true);
+    row("Host: 127.0.0.1\r\nOrigin: null\r\nUser-Agent: Mozilla/5.0 (X11)\r\n", false);
     row("Host: evil.example\r\n", false);
     row("Host: localhost\r\nHost: evil.example\r\n", false);
     row("Host: localhost\r\nOrigin: http://evil.example\r\n", false);

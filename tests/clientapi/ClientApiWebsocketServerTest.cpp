@@ -205,20 +205,29 @@ void ClientApiWebsocketServerTest::knowsClientsByTheirOwnFamily()
 void ClientApiWebsocketServerTest::refusesWebPages_data()
 {
     QTest::addColumn<QString>("origin");
+    QTest::addColumn<QByteArray>("userAgent");
     QTest::addColumn<bool>("isServed");
-    QTest::newRow("a web page") << QStringLiteral("https://www.example.com") << false;
-    QTest::newRow("a page of another port") << QStringLiteral("http://127.0.0.1:8080") << false;
-    QTest::newRow("the own page") << QStringLiteral("http://127.0.0.1:3490") << true;
-    QTest::newRow("a program") << QStringLiteral("file://") << true;
+    const auto row = [](const char* name, const char* origin, const char* userAgent,
+                        bool isServed) {
+        QTest::newRow(name) << QString::fromLatin1(origin) << QByteArray(userAgent) << isServed;
+    };
+    constexpr auto browser = "Mozilla/5.0 (X11; Linux x86_64)";
+    row("a web page", "https://www.example.com", browser, false);
+    row("a page of another port", "http://127.0.0.1:8080", browser, false);
+    row("a frame that hides its page", "null", browser, false);
+    row("the own page", "http://127.0.0.1:3490", browser, true);
+    row("a plug-in", "file://", browser, true);
+    row("a program", "null", "surface/1.2", true);
 }
 
 void ClientApiWebsocketServerTest::refusesWebPages()
 {
     constexpr quint16 httpPort = 3490;
     QFETCH(QString, origin);
+    QFETCH(QByteArray, userAgent);
     QFETCH(bool, isServed);
     m_host->server.setHttpPort(httpPort);
-    WebsocketClient client(*m_host, Ipv4, origin);
+    WebsocketClient client(*m_host, Ipv4, origin, userAgent);
     QTRY_VERIFY(isServed ? client.isConnected() : client.isEnded());
     const QString refused =
         QStringLiteral("Refused a connection from the web page %1: ").arg(origin);

@@ -59,12 +59,15 @@ class WebsocketClient
 public:
     explicit WebsocketClient(const WebsocketHost& host,
                              const QString& address = QStringLiteral("127.0.0.1"),
-                             const QString& origin = {})
+                             const QString& origin = {}, const QByteArray& userAgent = "test")
         : m_socket(origin)
     {
         QObject::connect(&m_socket, &QWebSocket::textMessageReceived, &m_socket,
                          [this](const QString& text) { keep(text); });
-        m_socket.open(QUrl(QStringLiteral("ws://%1:%2").arg(address).arg(host.server.port())));
+        QNetworkRequest request(
+            QUrl(QStringLiteral("ws://%1:%2").arg(address).arg(host.server.port())));
+        request.setRawHeader("User-Agent", userAgent);
+        m_socket.open(request);
     }
 
     bool isConnected() const { return m_socket.state() == QAbstractSocket::ConnectedState; }
