@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace {
 
@@ -81,20 +82,17 @@ QString byteRate(double bytesPerSecond)
 
 QString duration(quint64 seconds)
 {
-    struct Unit
-    {
-        quint64 seconds;
-        char letter;
-    };
-
-    constexpr std::array<Unit, 4> units{{{86'400, 'd'}, {3'600, 'h'}, {60, 'm'}, {1, 's'}}};
+    constexpr quint64 minute = 60;
+    constexpr quint64 hour = 60 * minute;
+    constexpr quint64 day = 24 * hour;
+    const std::array amounts{std::pair(seconds / day, 'd'), std::pair(seconds % day / hour, 'h'),
+                             std::pair(seconds % hour / minute, 'm'),
+                             std::pair(seconds % minute, 's')};
     QStringList parts;
-    for (const Unit& unit : units) {
-        const bool isLast = unit.seconds == 1;
-        if (isLast || !parts.isEmpty() || seconds >= unit.seconds) {
-            parts << QString::number(seconds / unit.seconds) + QLatin1Char(unit.letter);
+    for (const auto& [amount, letter] : amounts) {
+        if (amount > 0 || !parts.isEmpty() || letter == 's') {
+            parts << QString::number(amount) + QLatin1Char(letter);
         }
-        seconds %= unit.seconds;
     }
     return parts.join(QStringLiteral(", "));
 }

@@ -26,7 +26,7 @@ constexpr auto Json = "application/json";
 struct Statistics
 {
     QLatin1String path;
-    QJsonObject (*build)(const ClientApiResponses& responses);
+    QJsonObject (*build)(const ClientApiResponses& responses) = nullptr;
 };
 
 /// A file of the resources, under the same name.
@@ -34,12 +34,13 @@ struct Page
 {
     QLatin1String path;
     QLatin1String file;
-    const char* type;
+    const char* type = nullptr;
 };
 
 constexpr std::array AllStatistics{
-    Statistics{QLatin1String("/v1/account-totals"),
-               [](const ClientApiResponses& all) { return all.formatAccountTotalStats(); }},
+    Statistics{
+        QLatin1String("/v1/account-totals"),
+        [](const ClientApiResponses&) { return ClientApiResponses::formatAccountTotalStats(); }},
     Statistics{QLatin1String("/v1/realtime"),
                [](const ClientApiResponses& all) { return all.formatRealtimeStats(); }},
     Statistics{QLatin1String("/v1/unzurged"),

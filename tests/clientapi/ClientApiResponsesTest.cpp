@@ -184,7 +184,7 @@ void ClientApiResponsesTest::tellsRates()
         m_rates->noteKey();
     }
     m_rates->noteClick();
-    m_rates->noteTraffic(5 * 1'536, 5 * 1'048'576);
+    m_rates->noteTraffic(quint64{5} * 1'536, quint64{5} * 1'048'576);
     QCOMPARE(written(m_responses->formatRealtimeStats()), compact(R"({
         "keys": "8,20", "clicks": "0,20", "download": "1,50KB/s", "upload": "1,00MB/s"})"));
 }

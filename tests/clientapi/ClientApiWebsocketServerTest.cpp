@@ -241,6 +241,7 @@ void ClientApiWebsocketServerTest::buildsAnUpdateOncePerBeat()
     constexpr int count = 30;
     const QString update = QStringLiteral("update");
     std::vector<std::unique_ptr<WebsocketClient>> clients;
+    clients.reserve(count);
     for (int i = 0; i < count; ++i) {
         clients.push_back(std::make_unique<WebsocketClient>(*m_host));
     }

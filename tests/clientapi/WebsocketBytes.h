@@ -37,7 +37,7 @@ inline QByteArray frameHeader(Part part, quint64 size)
     constexpr quint8 twoBytesFollow = 126;
     constexpr quint8 eightBytesFollow = 127;
     QByteArray length;
-    quint8 first = static_cast<quint8>(size);
+    auto first = static_cast<quint8>(size);
     if (size > std::numeric_limits<quint16>::max()) {
         first = eightBytesFollow;
         length.resize(sizeof(quint64));
