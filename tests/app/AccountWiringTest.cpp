@@ -1,16 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "LinkedClient.h"
+#include "CountingClient.h"
 #include "app/AccountWiring.h"
-#include "app/CountingSwitch.h"
 #include "app/MainWindowHost.h"
 #include "app/SetupHost.h"
 #include "profiles/Milestones.h"
 #include "profiles/ProfileDeletion.h"
-#include "stats/AllStats.h"
-#include "stats/Collector.h"
-#include "stats/LiveRates.h"
 #include "support/TestRegistry.h"
-#include "system/CommonSystem.h"
 #include "ui/MainWindow.h"
 #include "ui/TrayIcon.h"
 
@@ -26,14 +21,10 @@ namespace {
 using Origin = ZurgeRecord::Origin;
 
 /// A client with a window and a tray that show its account.
-class ShownClient : public LinkedClient
+class ShownClient : public CountingClient
 {
 public:
-    ShownClient()
-    {
-        AllStats::addTo(collector, system.get(), rates, &collector);
-        begin();
-    }
+    ShownClient() { begin(); }
 
     /// As the next run of the client does.
     void begin()
@@ -56,12 +47,6 @@ public:
         return found;
     }
 
-    std::unique_ptr<CommonSystem> system =
-        CommonSystem::createPlatformSpecificSystem(database.database(), nullptr);
-    Collector collector{nullptr};
-    LiveRates rates;
-    CountingSwitch counting{*database.database(), collector, *system};
-    Milestones milestones;
     ProfileDeletion deletion{profiles};
     TrayIcon tray{[] { return qint64(0); }};
     MainWindowHost window{

@@ -1,14 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "LinkedClient.h"
-#include "app/CountingSwitch.h"
+#include "CountingClient.h"
 #include "app/SetupHost.h"
 #include "profiles/Milestones.h"
-#include "stats/AllStats.h"
-#include "stats/Collector.h"
-#include "stats/LiveRates.h"
 #include "support/LogCapture.h"
 #include "support/TestRegistry.h"
-#include "system/CommonSystem.h"
 
 #include <QApplication>
 #include <QDesktopServices>
@@ -20,12 +15,11 @@
 namespace {
 
 /// A client that can show its first steps, and a browser whose user agrees at once.
-class SetupClient : public LinkedClient
+class SetupClient : public CountingClient
 {
 public:
     SetupClient()
     {
-        AllStats::addTo(collector, system.get(), rates, &collector);
         service.protocol().setAgreement({{QStringLiteral("ann"), QStringLiteral("desk")}});
         host = std::make_unique<SetupHost>(
             SetupHost::Parts{*services, localStats, counting, *system, milestones,
@@ -66,12 +60,6 @@ public:
             .toLongLong();
     }
 
-    std::unique_ptr<CommonSystem> system =
-        CommonSystem::createPlatformSpecificSystem(database.database(), nullptr);
-    Collector collector{nullptr};
-    LiveRates rates;
-    CountingSwitch counting{*database.database(), collector, *system};
-    Milestones milestones;
     std::unique_ptr<SetupHost> host;
 };
 
