@@ -71,6 +71,14 @@ void storeAll(const Figures& figures, const std::array<Figure<Figures>, Count>& 
     }
 }
 
+/// Whether any were stored, which happens to all at once. `Settings` looks an absent key up in the
+/// database each time, which who asks for all of them a thousand times a second would feel.
+template <typename Figures, std::size_t Count>
+bool areStored(const std::array<Figure<Figures>, Count>& table)
+{
+    return Settings::instance().has(table.front().key.name());
+}
+
 template <typename Figures, std::size_t Count>
 Figures storedFigures(const std::array<Figure<Figures>, Count>& table)
 {
@@ -123,6 +131,9 @@ void store(const OnlineRanks& figures)
 
 OnlineTotals storedTotals()
 {
+    if (!areStored(totals())) {
+        return {};
+    }
     OnlineTotals figures = storedFigures(totals());
     figures.distanceMiles = Settings::instance().value(SettingsKeys::OnlineTotalDistanceMiles);
     return figures;
@@ -130,7 +141,7 @@ OnlineTotals storedTotals()
 
 OnlineRanks storedRanks()
 {
-    return storedFigures(ranks());
+    return areStored(ranks()) ? storedFigures(ranks()) : OnlineRanks();
 }
 
 } // namespace OnlineFigures

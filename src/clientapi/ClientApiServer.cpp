@@ -76,6 +76,7 @@ void ClientApiServer::changeState()
 {
     if (!Settings::instance().value(SettingsKeys::ClientApiHttpEnable)) {
         stop();
+        m_refused.reset();
         return;
     }
     if (m_running && portsOfSettings() == m_wanted) {
@@ -144,8 +145,10 @@ bool ClientApiServer::setup()
             &ClientApiServer::apiWantsToOpenMainWindow, Qt::QueuedConnection);
     setAllowedIPs(Settings::instance().value(SettingsKeys::ClientApiHttpAllowedIps));
     if (listen()) {
+        m_refused.reset();
         return true;
     }
+    m_refused = m_wanted;
     close();
     return false;
 }
@@ -203,6 +206,9 @@ void ClientApiServer::close()
 
 void ClientApiServer::tellPortIsTaken(int port)
 {
+    if (m_refused == m_wanted) {
+        return;
+    }
     Q_EMIT signalNeedTrayIconMessage(
         tr("Client API"),
         tr("The Client API is off: port %1 is in use by another program or may not be used. "

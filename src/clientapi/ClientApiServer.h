@@ -9,6 +9,7 @@
 #include <QString>
 
 #include <memory>
+#include <optional>
 
 class ClientApiWebsocketServer;
 class GuardedHttpServer;
@@ -52,7 +53,8 @@ Q_SIGNALS:
     void apiWantsToOpenMainWindow();
     void apiWantsToActivateProfile(int profileId, const QString& profileName);
 
-    /// It could not listen at a port: what it means and what to do.
+    /// It could not listen at a port: what it means and what to do. Once for the ports that the
+    /// settings hold, though every change of the settings tries them again.
     void signalNeedTrayIconMessage(const QString& title, const QString& text);
 
 private:
@@ -82,6 +84,7 @@ private:
     std::unique_ptr<GuardedHttpServer> m_http; ///< Null while stopped, like the next.
     std::unique_ptr<ClientApiWebsocketServer> m_websocket;
     Ports m_wanted;
+    std::optional<Ports> m_refused; ///< What the user was told of.
     quint16 m_httpPort = 0;
     quint16 m_websocketPort = 0;
     QString m_allowedIps;

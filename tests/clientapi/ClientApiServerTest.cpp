@@ -54,6 +54,21 @@ bool hasIpv6()
     return QTcpServer().listen(QHostAddress(QHostAddress::LocalHostIPv6));
 }
 
+void addColumns()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QByteArray>("part"); ///< Of the body; empty: there is no body.
+    QTest::addColumn<QByteArray>("type");
+    QTest::addColumn<QString>("line"); ///< Of the log.
+}
+
+void row(const char* name, const QByteArray& bytes, int status, const QByteArray& part,
+         const QString& line = {}, const QByteArray& type = "application/json")
+{
+    QTest::newRow(name) << bytes << status << part << type << line;
+}
+
 } // namespace
 
 /// A server on ports that the system chose, and the profile "gaming" (1).
@@ -66,6 +81,10 @@ private Q_SLOTS:
     void cleanup();
     void answers_data();
     void answers();
+    void activatesProfiles_data();
+
+    void activatesProfiles() { answers(); }
+
     void passesWishesOn();
     void letsListedAddressesIn_data();
     void letsListedAddressesIn();
@@ -117,18 +136,9 @@ void ClientApiServerTest::cleanup()
 
 void ClientApiServerTest::answers_data()
 {
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<int>("status");
-    QTest::addColumn<QByteArray>("part"); ///< Of the body; empty: there is no body.
-    QTest::addColumn<QByteArray>("type");
-    QTest::addColumn<QString>("line"); ///< Of the log.
-    const auto row = [](const char* name, const QByteArray& bytes, int status,
-                        const QByteArray& part, const QString& line = {},
+    addColumns();
+    const auto get = [](const QByteArray& path, const QByteArray& part,
                         const QByteArray& type = "application/json") {
-        QTest::newRow(name) << bytes << status << part << type << line;
-    };
-    const auto get = [&row](const QByteArray& path, const QByteArray& part,
-                            const QByteArray& type = "application/json") {
         row(path.constData(), request("GET", path), 200, part,
             QStringLiteral("path=") + QString::fromLatin1(path), type);
     };
@@ -162,6 +172,11 @@ void ClientApiServerTest::answers_data()
         QStringLiteral("ClientApiResponder: Opening main window on the request of the Client API "
                        "from IP: 127.0.0.1"));
     row("post to what is read", request("POST", "/v1/realtime"), 404, {});
+}
+
+void ClientApiServerTest::activatesProfiles_data()
+{
+    addColumns();
     row("default profile", activation(R"({"profile_id":0})"), 200,
         R"({"msg":"Default profile activated."})",
         QStringLiteral("ClientApiResponder: Activating default profile General' on the request of "
@@ -363,6 +378,7 @@ void ClientApiServerTest::reportsPorts()
         isHttp ? SettingsKeys::ClientApiHttpPort : SettingsKeys::ClientApiWebsocketPort;
     set(key, port);
     m_server->changeState();
+    m_server->changeState(); // Tried again, and told no more.
     QVERIFY(!m_server->isRunning());
     QCOMPARE(m_server->getHttpPort(), 0);
     QCOMPARE(messages.size(), 1);

@@ -12,6 +12,34 @@ namespace {
 
 constexpr int LongestMessage = static_cast<int>(ClientApiWebsocketServer::LongestMessage);
 const QString Ipv4 = QStringLiteral("127.0.0.1");
+const QString Ok = QStringLiteral(R"({"status":200})");
+const QString Bad = QStringLiteral(R"({"status":400})");
+const QString Missing = QStringLiteral(R"({"status":404})");
+const QString Update = QStringLiteral("update");
+
+struct Expected
+{
+    QStringList replies = {};
+    int activeProfile = 0;
+    const char* emitted = "";
+    const char* logged = "";
+};
+
+void addColumns()
+{
+    QTest::addColumn<QStringList>("messages");
+    QTest::addColumn<QStringList>("replies");
+    QTest::addColumn<int>("activeProfile");
+    QTest::addColumn<QString>("signals_");
+    QTest::addColumn<QString>("logged");
+}
+
+void row(const char* title, const QStringList& messages, const Expected& expected)
+{
+    QTest::newRow(title) << messages << expected.replies << expected.activeProfile
+                         << QString::fromLatin1(expected.emitted)
+                         << QString::fromUtf8(expected.logged);
+}
 
 } // namespace
 
@@ -24,6 +52,10 @@ private Q_SLOTS:
     void cleanup();
     void answers_data();
     void answers();
+    void activatesProfiles_data();
+
+    void activatesProfiles() { answers(); }
+
     void refusesAddresses();
     void knowsClientsByTheirOwnFamily();
     void refusesWebPages_data();
@@ -51,45 +83,19 @@ void ClientApiWebsocketServerTest::cleanup()
 
 void ClientApiWebsocketServerTest::answers_data()
 {
-    QTest::addColumn<QStringList>("messages");
-    QTest::addColumn<QStringList>("replies");
-    QTest::addColumn<int>("activeProfile");
-    QTest::addColumn<QString>("signals_");
-    QTest::addColumn<QString>("logged");
-
-    struct Expected
-    {
-        QStringList replies = {};
-        int activeProfile = 0;
-        const char* emitted = "";
-        const char* logged = "";
-    };
-
-    const auto row = [](const char* title, const QStringList& messages, const Expected& expected) {
-        QTest::newRow(title) << messages << expected.replies << expected.activeProfile
-                             << QString::fromLatin1(expected.emitted)
-                             << QString::fromUtf8(expected.logged);
-    };
-    const QString ok = QStringLiteral(R"({"status":200})");
-    const QString bad = QStringLiteral(R"({"status":400})");
-    const QString missing = QStringLiteral(R"({"status":404})");
-    const QString update = QStringLiteral("update");
+    addColumns();
     const auto invalid = "warn [ClientApi] [WebSocket] Invalid JSON in WebSocket message: ";
     const auto ignoring = "[ClientApi] [WebSocket] Message from unknown source, ignoring.\n";
-    const auto noName = "ClientApiWebsocketServer: No profile_name provided in the request.\n";
-    const auto noProfile =
-        "ClientApiWebsocketServer: Invalid profile_name provided in the request.\n";
-
     row("identify with a name", {message("identify", QStringLiteral(R"(,"identifier":"Désk")"))},
-        {.replies = {update}, .logged = "[ClientApi] [WebSocket] New connection from: Désk\n"});
+        {.replies = {Update}, .logged = "[ClientApi] [WebSocket] New connection from: Désk\n"});
     row("identify without a name", {message("identify")},
-        {.replies = {update},
+        {.replies = {Update},
          .logged = "[ClientApi] [WebSocket] New connection from: Stream Deck\n"});
     row("identify twice", {message("identify"), message("identify"), message("update-status")},
-        {.replies = {update, update, update}});
+        {.replies = {Update, Update, Update}});
     row("the other source",
         {QStringLiteral(R"({"source":"streamdeck-plugin","action":"identify"})")},
-        {.replies = {update}});
+        {.replies = {Update}});
     row("update of nobody who identified", {message("update-status")}, {});
     row("no source", {QStringLiteral(R"({"action":"identify"})")}, {.logged = ignoring});
     row("unknown source", {QStringLiteral(R"({"source":"Plugin","action":"zurge"})")},
@@ -101,33 +107,41 @@ void ClientApiWebsocketServerTest::answers_data()
     row("keep alive", {message("keep-alive")},
         {.logged = "debug [ClientApi] [WebSocket] Keepalive from 127.0.0.1:"});
     row("unknown actions", {message("Zurge"), message("identify "), message("")}, {});
-    row("activate", {activation("Work")},
-        {.replies = {ok},
-         .activeProfile = 1,
-         .logged =
-             "ClientApiResponder: Activating profile 'Work' with id '1' on the request of the "
-             "websocket Client API from: 127.0.0.1:"});
-    row("activate another", {activation("Work"), activation("Games")},
-        {.replies = {ok, ok}, .activeProfile = 2});
-    row("activate the active one", {activation("Work"), activation("Work")}, {.replies = {ok, ok}});
-    row("activate the default one", {activation("Games"), activation("General")},
-        {.replies = {ok, ok}, .logged = "Activating profile 'General' with id '0' on the request"});
-    row("activate the default one, active", {activation("General")}, {.replies = {ok}});
-    row("activate in another case", {activation("work")},
-        {.replies = {missing}, .logged = noProfile});
-    row("activate nothing", {activation("")}, {.replies = {missing}, .logged = noProfile});
-    row("no profile name", {message("activate-profile")}, {.replies = {bad}, .logged = noName});
-    row("profile name that is no text",
-        {message("activate-profile", QStringLiteral(R"(,"profile_name":1)"))},
-        {.replies = {bad}, .logged = noName});
     row("no JSON", {QStringLiteral("hello"), message("identify")},
-        {.replies = {update}, .logged = "Invalid JSON in WebSocket message: hello\n"});
+        {.replies = {Update}, .logged = "Invalid JSON in WebSocket message: hello\n"});
     row("no object", {QStringLiteral("[1]")}, {.logged = "WebSocket message: [1]\n"});
     row("too deep", {QStringLiteral("[").repeated(LongestMessage)}, {.logged = invalid});
     row("longest", {QString(LongestMessage, u'x')}, {.logged = "xxx… (cut)\n"});
     row("control characters", {QStringLiteral("a\r\nforged\x1b[2J\u0000b")},
         {.logged = R"(WebSocket message: a\x0d\nforged\x1b[2J\x00b)"
                    "\n"});
+}
+
+void ClientApiWebsocketServerTest::activatesProfiles_data()
+{
+    addColumns();
+    const auto noName = "ClientApiWebsocketServer: No profile_name provided in the request.\n";
+    const auto noProfile =
+        "ClientApiWebsocketServer: Invalid profile_name provided in the request.\n";
+    row("activate", {activation("Work")},
+        {.replies = {Ok},
+         .activeProfile = 1,
+         .logged =
+             "ClientApiResponder: Activating profile 'Work' with id '1' on the request of the "
+             "websocket Client API from: 127.0.0.1:"});
+    row("activate another", {activation("Work"), activation("Games")},
+        {.replies = {Ok, Ok}, .activeProfile = 2});
+    row("activate the active one", {activation("Work"), activation("Work")}, {.replies = {Ok, Ok}});
+    row("activate the default one", {activation("Games"), activation("General")},
+        {.replies = {Ok, Ok}, .logged = "Activating profile 'General' with id '0' on the request"});
+    row("activate the default one, active", {activation("General")}, {.replies = {Ok}});
+    row("activate in another case", {activation("work")},
+        {.replies = {Missing}, .logged = noProfile});
+    row("activate nothing", {activation("")}, {.replies = {Missing}, .logged = noProfile});
+    row("no profile name", {message("activate-profile")}, {.replies = {Bad}, .logged = noName});
+    row("profile name that is no text",
+        {message("activate-profile", QStringLiteral(R"(,"profile_name":1)"))},
+        {.replies = {Bad}, .logged = noName});
 }
 
 void ClientApiWebsocketServerTest::answers()
@@ -239,7 +253,6 @@ void ClientApiWebsocketServerTest::buildsAnUpdateOncePerBeat()
 {
     QCOMPARE(m_host->timer->interval(), 2'000);
     constexpr int count = 30;
-    const QString update = QStringLiteral("update");
     std::vector<std::unique_ptr<WebsocketClient>> clients;
     clients.reserve(count);
     for (int i = 0; i < count; ++i) {
@@ -260,7 +273,7 @@ void ClientApiWebsocketServerTest::buildsAnUpdateOncePerBeat()
     m_host->beat();
     QCOMPARE(m_host->built, count + 1);
     QTRY_COMPARE(clients.front()->told.size(), count + 1);
-    QTRY_COMPARE(clients.back()->told, (QStringList{update, update}));
+    QTRY_COMPARE(clients.back()->told, (QStringList{Update, Update}));
 
     clients.clear();
     QTRY_COMPARE(m_host->log.count(QStringLiteral("socketDisconnected: ")), qsizetype{count});

@@ -21,6 +21,20 @@ CALL = "#operations-Profiles-activateProfile"
 FETCH = "fetch({address}, {options}).then(answer => 'answered ' + answer.status, () => 'kept away')"
 CONNECT = ("new Promise(end => {{ const socket = new WebSocket({address});"
            "socket.onopen = () => end('connected'); socket.onerror = () => end('kept away'); }})")
+# What the script of a frame comes to that keeps its page's origin from whom it asks.
+FRAME = """new Promise(end => {
+    onmessage = event => end(event.data);
+    const frame = document.createElement('iframe');
+    frame.sandbox = 'allow-scripts';
+    frame.srcdoc = `<script>
+        fetch('%(http)s/v1/zurge', {method: 'POST', mode: 'no-cors'}).finally(() => {
+            const socket = new WebSocket('%(websocket)s');
+            socket.onopen = () => socket.send('{"source": "plugin", "action": "zurge"}');
+            socket.onclose = event => parent.postMessage(event.code, '*');
+        });
+    </` + `script>`;
+    document.body.append(frame);
+})"""
 
 
 @contextlib.contextmanager
@@ -49,6 +63,7 @@ class BrowserTest(ApiTest):
         super().setUp()
         self.process = self.start()
         self.address = f"http://127.0.0.1:{self.client.port}"
+        self.websocket_address = f"ws://127.0.0.1:{self.client.websocket_port}/"
 
 
 class OwnPage(BrowserTest):
@@ -107,10 +122,13 @@ class PagesOfOthers(BrowserTest):
             # Of a refusal that its browser lets it have, a page learns the status 0.
             self.assertIn(self.browser.evaluate(script), ("kept away", "answered 0"))
             self.expect_refusal(address)
-        address = f"ws://127.0.0.1:{self.client.websocket_port}/"
-        self.assertEqual(self.browser.evaluate(CONNECT.format(address=json.dumps(address))), "kept away")
-        self.assertNotIn("Zurging on the request", self.client.log())
-        self.assertNotIn("New connection from", self.client.log())
+        script = CONNECT.format(address=json.dumps(self.websocket_address))
+        self.assertEqual(self.browser.evaluate(script), "kept away")
+        self.expect_nothing_done()
+
+    def expect_nothing_done(self):
+        for line in "Zurging on the request", "New connection from":
+            self.assertNotIn(line, self.client.log())
 
     def expect_refusal(self, address):
         self.assertEqual(wait_for(lambda: self.browser.statuses(address), f"an answer of {address}"), [403])
@@ -118,6 +136,16 @@ class PagesOfOthers(BrowserTest):
     def test_a_web_site(self):
         with web_site() as port:
             self.check(f"http://{FOREIGN}:{port}/")
+
+    def test_a_frame_that_hides_its_page(self):
+        with web_site() as port:
+            self.browser.open(f"http://{FOREIGN}:{port}/")
+            script = FRAME % {"http": self.address, "websocket": self.websocket_address}
+            self.assertEqual(self.browser.evaluate(script), 1008)
+        self.client.wait_for_log("Refused a request of a web page from 127.0.0.1 (Host: "
+                                 f"127.0.0.1:{self.client.port}, Origin: null)")
+        self.client.wait_for_log("Refused a connection from the web page null")
+        self.expect_nothing_done()
 
     def test_another_server_of_this_machine(self):
         with web_site() as port:
