@@ -78,15 +78,16 @@ class Pipes:
 class Browser:
     """One window, with what it asked for and what it complained of."""
 
-    def __init__(self, names=(), width=1200, height=1000):
-        """NAMES are those of hosts that lead to this machine, beside the usual ones."""
+    def __init__(self, names=(), options=(), width=1200, height=1000):
+        """NAMES are those of hosts that lead to this machine, beside the usual ones; OPTIONS the
+        browser's own, beside those it always has."""
         program = next((path for name in PROGRAMS if (path := shutil.which(name))), None)
         if not program:
             raise unittest.SkipTest(f"none of {', '.join(PROGRAMS)} is installed")
         self.directory = tempfile.mkdtemp(prefix="tallyvane-browser.")
         rules = [*(f"MAP {name} 127.0.0.1" for name in names),
                  "MAP * ~NOTFOUND", "EXCLUDE 127.0.0.1", "EXCLUDE localhost", "EXCLUDE ::1"]
-        self.pipes = Pipes([program, *OPTIONS, f"--user-data-dir={self.directory}",
+        self.pipes = Pipes([program, *OPTIONS, *options, f"--user-data-dir={self.directory}",
                             f"--host-resolver-rules={','.join(rules)}",
                             f"--window-size={width},{height}"])
         self.session = None

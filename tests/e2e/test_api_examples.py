@@ -88,7 +88,7 @@ class Examples(ApiTest):
         self.finish(process)
 
     def test_javascript(self):
-        browser = Browser()
+        browser = Browser(options=["--allow-file-access-from-files"])  # As a plug-in's page has it.
         self.addCleanup(browser.close)
         process = self.start()
         html, = self.examples("html")
