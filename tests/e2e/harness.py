@@ -32,9 +32,10 @@ EV_SYN, EV_KEY, EV_REL = 0, 1, 2
 # Codes of linux/input-event-codes.h and the key values under which they are stored.
 KEYS = {"a": (30, 0x41), "b": (48, 0x42), "c": (46, 0x43), "space": (57, 0x20),
         "enter": (28, 0x01000005), "grave": (41, 0x01FFFFFF)}
-# What the program logs where something is amiss; that the window in front is the window manager's own,
-# of no process, is none of it.
-TROUBLE = r"(?m)^\S+ \S+ (warn|error|fatal) (?!XGetWindowProperty _NET_WM_PID )"
+# What the program logs where something is amiss. Neither a window in front that is the window manager's
+# own, of no process, is any of it, nor packets of the whole machine that go by while others use it.
+TROUBLE = (r"(?m)^\S+ \S+ (warn|error|fatal) "
+           r"(?!XGetWindowProperty _NET_WM_PID |Packets dropped by the kernel: )")
 
 
 def wait_for(condition, what, seconds=None):
