@@ -18,7 +18,7 @@
 int main(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
-    const int length = argc == 2 ? std::atoi(argv[1]) : 0;
+    const int length = argc == 2 ? QByteArray(argv[1]).toInt() : 0;
     if (length <= 0) {
         std::fprintf(stderr, "usage: BareHttpServer LENGTH\n");
         return EXIT_FAILURE;

@@ -233,7 +233,7 @@ void beat(benchmark::State& state)
     host.connectPrograms(readers, programs);
     const quint64 bytesOfBeat = static_cast<quint64>(programs) * host.frameSize();
     quint64 sent = readers.received();
-    for ([[maybe_unused]] auto _ : state) {
+    while (state.KeepRunning()) {
         host.beat();
         sent += bytesOfBeat;
         waitForAll(state, readers, sent);
@@ -243,7 +243,7 @@ void beat(benchmark::State& state)
 void updateBuilt(benchmark::State& state)
 {
     const Host host;
-    for ([[maybe_unused]] auto _ : state) {
+    while (state.KeepRunning()) {
         benchmark::DoNotOptimize(host.update());
     }
 }
@@ -263,7 +263,7 @@ void referenceSystemCalls(benchmark::State& state)
     }
     const std::vector<char> frame(Host().frameSize());
     quint64 sent = 0;
-    for ([[maybe_unused]] auto _ : state) {
+    while (state.KeepRunning()) {
         for (const int connection : connections) {
             require(send(connection, frame.data(), frame.size(), 0) == std::ssize(frame));
         }
