@@ -34,7 +34,6 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <source_location>
 #include <thread>
 #include <vector>
 
@@ -42,10 +41,10 @@ namespace {
 
 using namespace std::chrono_literals;
 
-void require(bool done, const std::source_location& where = std::source_location::current())
+void require(bool done, int line = __builtin_LINE())
 {
     if (!done) {
-        std::fprintf(stderr, "ClientApiBeatBench: line %u failed\n", where.line());
+        std::fprintf(stderr, "ClientApiBeatBench: line %d failed\n", line);
         std::abort();
     }
 }
@@ -139,7 +138,7 @@ class Host
 public:
     Host()
     {
-        localStats.setup(database.directory());
+        m_localStats.setup(m_database.directory());
         OnlineFigures::store(OnlineTotals{.keys = 31'234'567,
                                           .clicks = 12'345'678,
                                           .download = 4'567'890,
@@ -148,31 +147,31 @@ public:
                                           .scrolls = 23'456'789,
                                           .distanceMiles = 1'234.5});
         OnlineFigures::store(OnlineRanks{1'234, 123, 12'345, 1, 2, 3, 4});
-        timer->stop();
-        timer->setSingleShot(true);
-        require(server.listen(0));
+        m_timer->stop();
+        m_timer->setSingleShot(true);
+        require(m_server.listen(0));
     }
 
     /// Programs that identify themselves and read what they are sent.
     void connectPrograms(Readers& readers, qint64 count)
     {
         for (qint64 i = 0; i < count; ++i) {
-            readers.connectTo(server.port());
+            readers.connectTo(m_server.port());
             QCoreApplication::processEvents();
         }
         readers.sendAll(WebsocketBytes::handshake());
         settle(readers);
         readers.sendAll(WebsocketBytes::frame(R"({"source":"plugin","action":"identify"})"));
         settle(readers);
-        m_connections = server.findChildren<QTcpSocket*>();
+        m_connections = m_server.findChildren<QTcpSocket*>();
         require(m_connections.size() == count);
     }
 
     /// Ends when everything was handed to the kernel.
     void beat() const
     {
-        timer->start(0);
-        while (timer->isActive() || isSending()) {
+        m_timer->start(0);
+        while (m_timer->isActive() || isSending()) {
             QCoreApplication::processEvents();
         }
     }
@@ -180,7 +179,7 @@ public:
     QByteArray update() const
     {
         const QJsonObject object{{QStringLiteral("action"), QStringLiteral("update-status")},
-                                 {QStringLiteral("data"), responses.formatAllStats()}};
+                                 {QStringLiteral("data"), m_responses.formatAllStats()}};
         return QJsonDocument(object).toJson(QJsonDocument::Compact);
     }
 
@@ -207,13 +206,13 @@ private:
                            [](const QTcpSocket* socket) { return socket->bytesToWrite() > 0; });
     }
 
-    TestDatabase database;
-    LocalStats localStats;
-    LiveRates rates;
-    ProfileManager profiles;
-    ClientApiResponses responses{localStats, rates, profiles};
-    ClientApiWebsocketServer server{[this] { return responses.formatAllStats(); }, profiles};
-    QTimer* timer = server.findChild<QTimer*>();
+    TestDatabase m_database;
+    LocalStats m_localStats;
+    LiveRates m_rates;
+    ProfileManager m_profiles;
+    ClientApiResponses m_responses{m_localStats, m_rates, m_profiles};
+    ClientApiWebsocketServer m_server{[this] { return m_responses.formatAllStats(); }, m_profiles};
+    QTimer* m_timer = m_server.findChild<QTimer*>();
     QList<QTcpSocket*> m_connections;
 };
 
