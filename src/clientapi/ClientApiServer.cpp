@@ -74,6 +74,13 @@ ClientApiServer::~ClientApiServer()
 
 void ClientApiServer::changeState()
 {
+    m_refusedPort.reset();
+    followSettings();
+    Q_EMIT stateChanged();
+}
+
+void ClientApiServer::followSettings()
+{
     if (!Settings::instance().value(SettingsKeys::ClientApiHttpEnable)) {
         stop();
         return;
@@ -108,6 +115,11 @@ quint16 ClientApiServer::getWebsocketPort() const
 bool ClientApiServer::isRunning() const
 {
     return m_running;
+}
+
+std::optional<int> ClientApiServer::refusedPort() const
+{
+    return m_refusedPort;
 }
 
 QString ClientApiServer::getAllowedIPs() const
@@ -154,13 +166,13 @@ bool ClientApiServer::listen()
 {
     if (!listenForHttp()) {
         Log::error("ClientApiServer: TCP Server failed to listen on port {}", m_wanted.http);
-        tellPortIsTaken(m_wanted.http);
+        refuse(m_wanted.http);
         return false;
     }
     if (!listenForWebsockets()) {
         Log::error("ClientApiServer: Websocket server failed to listen on port {}",
                    m_wanted.websocket);
-        tellPortIsTaken(m_wanted.websocket);
+        refuse(m_wanted.websocket);
         return false;
     }
     Log::info("ClientApiServer: Running on ws://127.0.0.1:{}/", m_websocketPort);
@@ -201,8 +213,9 @@ void ClientApiServer::close()
     m_websocketPort = 0;
 }
 
-void ClientApiServer::tellPortIsTaken(int port)
+void ClientApiServer::refuse(int port)
 {
+    m_refusedPort = port;
     Q_EMIT signalNeedTrayIconMessage(
         tr("Client API"),
         tr("The Client API is off: port %1 is in use by another program or may not be used. "

@@ -9,6 +9,7 @@
 #include <QString>
 
 #include <memory>
+#include <optional>
 
 class ClientApiWebsocketServer;
 class GuardedHttpServer;
@@ -42,6 +43,10 @@ public:
     quint16 getWebsocketPort() const;
     bool isRunning() const;
 
+    /// The port that it could not listen at, as the settings hold it; none where it did not try or
+    /// runs.
+    std::optional<int> refusedPort() const;
+
     /// Addresses separated by commas, each compared as text; empty: every address is allowed.
     QString getAllowedIPs() const;
     void setAllowedIPs(const QString& addresses);
@@ -55,6 +60,9 @@ Q_SIGNALS:
     /// It could not listen at a port: what it means and what to do.
     void signalNeedTrayIconMessage(const QString& title, const QString& text);
 
+    /// The settings were followed: it may run now, or no more, or elsewhere.
+    void stateChanged();
+
 private:
     /// As the settings hold them: numbers that are no ports among them.
     struct Ports
@@ -65,12 +73,13 @@ private:
     };
 
     static Ports portsOfSettings();
+    void followSettings();
     bool setup();
     bool listen();
     bool listenForHttp();
     bool listenForWebsockets();
     void close();
-    void tellPortIsTaken(int port);
+    void refuse(int port);
     QHttpServerResponse respond(const QHttpServerRequest& request);
     QHttpServerResponse responseTo(const QHttpServerRequest& request);
     bool isRemoteIpAllowed(const QHostAddress& address) const;
@@ -84,6 +93,7 @@ private:
     Ports m_wanted;
     quint16 m_httpPort = 0;
     quint16 m_websocketPort = 0;
+    std::optional<int> m_refusedPort;
     QString m_allowedIps;
     bool m_running = false;
 };
