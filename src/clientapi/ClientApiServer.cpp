@@ -220,7 +220,7 @@ void ClientApiServer::refuse(int port)
         tr("Client API"),
         tr("The Client API is off: port %1 is in use by another program or may not be used. "
            "Counting goes on. Choose another port in the settings, or end the other program and "
-           "save the settings again.")
+           "try again there.")
             .arg(port));
 }
 
