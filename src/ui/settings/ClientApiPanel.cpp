@@ -63,7 +63,7 @@ QString tryAgainText()
 
 QString equalPortsText()
 {
-    return Panel::tr("The two ports must differ. They are stored once they do.");
+    return Panel::tr("The two ports must differ.\nThey are stored once they do.");
 }
 
 QString listText()
