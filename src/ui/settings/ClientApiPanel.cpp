@@ -275,14 +275,6 @@ void ClientApiPanel::setState(const ClientApiState& state)
     }
 }
 
-void ClientApiPanel::storeTyped()
-{
-    m_httpPort->interpretText();
-    m_websocketPort->interpretText();
-    storePorts();
-    storeAddresses();
-}
-
 void ClientApiPanel::store(const Chosen& chosen)
 {
     if (chosen == m_chosen) {

@@ -29,9 +29,6 @@ public:
     /// Shows what is so now, and the settings where they were changed elsewhere.
     void setState(const ClientApiState& state);
 
-    /// Stores what was typed into the fields and is not stored yet.
-    void storeTyped();
-
 Q_SIGNALS:
     void settingsChanged(); ///< They are stored, and to be applied.
     void linkRequested(const QUrl& url);

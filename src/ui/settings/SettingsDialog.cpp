@@ -29,7 +29,7 @@ SettingsDialog::SettingsDialog(QWidget* parent)
     connect(m_clientApi, &ClientApiPanel::linkRequested, this, &SettingsDialog::linkRequested);
 }
 
-/// Hides while there is still somebody to store what was typed.
+/// Hides, by which a field loses the focus, while there is still somebody to store what it holds.
 SettingsDialog::~SettingsDialog()
 {
     hide();
@@ -38,10 +38,4 @@ SettingsDialog::~SettingsDialog()
 void SettingsDialog::setClientApiState(const ClientApiState& state)
 {
     m_clientApi->setState(state);
-}
-
-void SettingsDialog::hideEvent(QHideEvent* event)
-{
-    m_clientApi->storeTyped();
-    QDialog::hideEvent(event);
 }

@@ -24,9 +24,6 @@ Q_SIGNALS:
     void settingsChanged(); ///< They are stored, and to be applied.
     void linkRequested(const QUrl& url);
 
-protected:
-    void hideEvent(QHideEvent* event) override;
-
 private:
     ClientApiPanel* m_clientApi;
 };

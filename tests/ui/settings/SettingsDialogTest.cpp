@@ -154,6 +154,16 @@ void SettingsDialogTest::storesWhatWasTypedWhenItCloses()
     QTRY_VERIFY(!m_dialog);
     open();
     QCOMPARE(find<QSpinBox>("httpPort")->value(), 4000);
+    find<QSpinBox>("httpPort")->setFocus();
+    QTest::keyClick(find<QSpinBox>("httpPort"), Qt::Key_Up);
+    m_dialog->close();
+    QVERIFY(stored().startsWith(QStringLiteral("0 4001 ")));
+    QTRY_VERIFY(!m_dialog);
+    open();
+    typeInto("addresses", "::1", Qt::Key_Left);
+    delete m_dialog; // As where the program ends.
+    QCOMPARE(stored(), QStringLiteral("0 4001 3489 ::1"));
+    QCOMPARE(m_changes->size(), 1);
 }
 
 /// A port that the system chooses, and a list that was written by hand.
