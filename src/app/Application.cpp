@@ -116,7 +116,7 @@ bool Application::start(bool networkingDisabled, bool openMainWindow,
         this->openMainWindow();
         m_setup->offer();
     }
-    m_clientApi = ClientApiWiring::create(*this, *m_localStats, *m_profiles);
+    m_clientApi = ClientApiWiring::create(*this, *m_window, *m_localStats, *m_profiles);
     StartupRepair::removeNegativeDistances(*m_database);
     m_started = true;
     m_account->repeatLastWeek();

@@ -6,13 +6,16 @@
 class Application;
 class ClientApiServer;
 class LocalStats;
+class MainWindowHost;
 class ProfileManager;
 
-/// Connects the client API with those who do what its clients ask for. Thread: main.
+/// Connects the client API with those who do what its clients ask for, and with its settings.
+/// Thread: main.
 namespace ClientApiWiring {
 
-/// The server, started where the settings want it. All three outlive it.
-std::unique_ptr<ClientApiServer> create(Application& application, const LocalStats& localStats,
-                                        ProfileManager& profiles);
+/// The server, started where the settings want it, and shown in those of `window`. All four
+/// outlive it.
+std::unique_ptr<ClientApiServer> create(Application& application, MainWindowHost& window,
+                                        const LocalStats& localStats, ProfileManager& profiles);
 
 } // namespace ClientApiWiring

@@ -4,6 +4,7 @@
 #include "app/CountingSwitch.h"
 #include "system/AbstractSystem.h"
 #include "ui/MainWindow.h"
+#include "ui/settings/SettingsDialog.h"
 
 namespace {
 
@@ -55,6 +56,7 @@ void MainWindowHost::create()
     m_window = std::make_unique<MainWindow>(m_databaseFile, m_context);
     m_wiring = std::make_unique<ViewWiring>(*m_window, m_parts);
     connect(m_window.get(), &MainWindow::closed, this, &MainWindowHost::closed);
+    connect(m_window.get(), &MainWindow::settingsOpened, this, &MainWindowHost::settingsOpened);
     connect(m_window.get(), &MainWindow::pauseRequested, &m_counting, &CountingSwitch::pause);
     connect(m_window.get(), &MainWindow::resumeRequested, &m_counting, &CountingSwitch::resume);
     connect(m_window.get(), &MainWindow::keyboardCountingRequested, this,

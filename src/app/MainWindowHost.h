@@ -13,6 +13,7 @@
 class AbstractSystem;
 class CountingSwitch;
 class MainWindow;
+class SettingsDialog;
 
 /// Makes the main window when it is asked for, keeps what it says of the counting up to date while
 /// it is open, and gives back all that it held once it is closed. Thread: main.
@@ -39,6 +40,7 @@ public:
 Q_SIGNALS:
     void closed();
     void windowMade(MainWindow* window); ///< Whoever shows something in it connects to it now.
+    void settingsOpened(SettingsDialog* dialog); ///< Likewise.
     void keyboardCountingRequested();
 
 private:

@@ -74,9 +74,16 @@ ClientApiServer::~ClientApiServer()
 
 void ClientApiServer::changeState()
 {
+    m_refusedPort.reset();
+    followSettings();
+    Q_EMIT stateChanged();
+}
+
+void ClientApiServer::followSettings()
+{
     if (!Settings::instance().value(SettingsKeys::ClientApiHttpEnable)) {
         stop();
-        m_refused.reset();
+        m_told.reset();
         return;
     }
     if (m_running && portsOfSettings() == m_wanted) {
@@ -109,6 +116,11 @@ quint16 ClientApiServer::getWebsocketPort() const
 bool ClientApiServer::isRunning() const
 {
     return m_running;
+}
+
+std::optional<int> ClientApiServer::refusedPort() const
+{
+    return m_refusedPort;
 }
 
 QString ClientApiServer::getAllowedIPs() const
@@ -145,10 +157,9 @@ bool ClientApiServer::setup()
             &ClientApiServer::apiWantsToOpenMainWindow, Qt::QueuedConnection);
     setAllowedIPs(Settings::instance().value(SettingsKeys::ClientApiHttpAllowedIps));
     if (listen()) {
-        m_refused.reset();
+        m_told.reset();
         return true;
     }
-    m_refused = m_wanted;
     close();
     return false;
 }
@@ -157,13 +168,13 @@ bool ClientApiServer::listen()
 {
     if (!listenForHttp()) {
         Log::error("ClientApiServer: TCP Server failed to listen on port {}", m_wanted.http);
-        tellPortIsTaken(m_wanted.http);
+        refuse(m_wanted.http);
         return false;
     }
     if (!listenForWebsockets()) {
         Log::error("ClientApiServer: Websocket server failed to listen on port {}",
                    m_wanted.websocket);
-        tellPortIsTaken(m_wanted.websocket);
+        refuse(m_wanted.websocket);
         return false;
     }
     Log::info("ClientApiServer: Running on ws://127.0.0.1:{}/", m_websocketPort);
@@ -204,16 +215,18 @@ void ClientApiServer::close()
     m_websocketPort = 0;
 }
 
-void ClientApiServer::tellPortIsTaken(int port)
+void ClientApiServer::refuse(int port)
 {
-    if (m_refused == m_wanted) {
+    m_refusedPort = port;
+    if (m_told == m_wanted) {
         return;
     }
+    m_told = m_wanted;
     Q_EMIT signalNeedTrayIconMessage(
         tr("Client API"),
         tr("The Client API is off: port %1 is in use by another program or may not be used. "
            "Counting goes on. Choose another port in the settings, or end the other program and "
-           "save the settings again.")
+           "try again there.")
             .arg(port));
 }
 

@@ -43,6 +43,10 @@ public:
     quint16 getWebsocketPort() const;
     bool isRunning() const;
 
+    /// The port that it could not listen at, as the settings hold it; none where it did not try or
+    /// runs.
+    std::optional<int> refusedPort() const;
+
     /// Addresses separated by commas, each compared as text; empty: every address is allowed.
     QString getAllowedIPs() const;
     void setAllowedIPs(const QString& addresses);
@@ -57,6 +61,9 @@ Q_SIGNALS:
     /// settings hold, though every change of the settings tries them again.
     void signalNeedTrayIconMessage(const QString& title, const QString& text);
 
+    /// The settings were followed: it may run now, or no more, or elsewhere.
+    void stateChanged();
+
 private:
     /// As the settings hold them: numbers that are no ports among them.
     struct Ports
@@ -67,12 +74,13 @@ private:
     };
 
     static Ports portsOfSettings();
+    void followSettings();
     bool setup();
     bool listen();
     bool listenForHttp();
     bool listenForWebsockets();
     void close();
-    void tellPortIsTaken(int port);
+    void refuse(int port);
     QHttpServerResponse respond(const QHttpServerRequest& request);
     QHttpServerResponse responseTo(const QHttpServerRequest& request);
     bool isRemoteIpAllowed(const QHostAddress& address) const;
@@ -84,9 +92,10 @@ private:
     std::unique_ptr<GuardedHttpServer> m_http; ///< Null while stopped, like the next.
     std::unique_ptr<ClientApiWebsocketServer> m_websocket;
     Ports m_wanted;
-    std::optional<Ports> m_refused; ///< What the user was told of.
+    std::optional<Ports> m_told; ///< Of these the user knows that they do not work.
     quint16 m_httpPort = 0;
     quint16 m_websocketPort = 0;
+    std::optional<int> m_refusedPort;
     QString m_allowedIps;
     bool m_running = false;
 };

@@ -16,6 +16,7 @@
 #include "ui/network/NetworkView.h"
 #include "ui/overview/OverviewView.h"
 #include "ui/profiles/ProfilesView.h"
+#include "ui/settings/SettingsDialog.h"
 #include "ui/uptime/UptimeView.h"
 
 #include <QCloseEvent>
@@ -65,6 +66,7 @@ MainWindow::MainWindow(const QString& databaseFile, ViewContext context, QWidget
     layout->addLayout(content, 1);
 
     connect(m_sideBar, &SideBar::chosen, this, &MainWindow::showView);
+    connect(m_sideBar, &SideBar::settingsRequested, this, &MainWindow::showSettings);
     connect(m_range, &RangeControl::rangeChanged, this, &MainWindow::applyScope);
     connect(m_profile, &ProfileFilter::profileChanged, this, &MainWindow::applyScope);
     connect(m_profile, &ProfileFilter::profileChanged, this, &MainWindow::profileFilterChanged);
@@ -155,6 +157,7 @@ void MainWindow::buildShortcuts()
     bind(QKeySequence::Find, [this] { current()->focusFilter(); });
     bind(Qt::CTRL | Qt::Key_E, [this] { current()->exportData(); });
     bind(Qt::ALT | Qt::Key_Left, [this] { m_range->goBack(); });
+    bind(Qt::CTRL | Qt::Key_Comma, [this] { showSettings(); });
     bind(Qt::Key_Escape, [this] { close(); });
 }
 
@@ -201,6 +204,18 @@ void MainWindow::showView(int index)
     m_title->setText(page.title);
     m_scopeControls->setVisible(page.view->followsScope());
     applyScope();
+}
+
+void MainWindow::showSettings()
+{
+    if (!m_settings) {
+        m_settings = new SettingsDialog(this);
+        connect(m_settings, &SettingsDialog::linkRequested, this, &MainWindow::linkRequested);
+        Q_EMIT settingsOpened(m_settings);
+    }
+    m_settings->show();
+    m_settings->raise();
+    m_settings->activateWindow();
 }
 
 void MainWindow::applyScope()
@@ -291,6 +306,9 @@ bool MainWindow::eventFilter(QObject* watched, QEvent* event)
 void MainWindow::closeEvent(QCloseEvent* event)
 {
     saveState();
+    if (m_settings) {
+        m_settings->close();
+    }
     event->accept();
     if (!qGuiApp->isSavingSession()) {
         Q_EMIT closed();

@@ -6,6 +6,7 @@
 #include "ui/ViewContext.h"
 
 #include <QDate>
+#include <QPointer>
 #include <QTimer>
 #include <QWidget>
 
@@ -19,6 +20,7 @@ class QPushButton;
 class QStackedWidget;
 class QueryWorker;
 class RangeControl;
+class SettingsDialog;
 class SideBar;
 class View;
 struct WindowMessage;
@@ -45,6 +47,9 @@ public:
 
     void showView(int index);
 
+    /// Opens the settings, or brings them to the front. They close with the window.
+    void showSettings();
+
 Q_SIGNALS:
     /// The window was closed by the user; the program lives on in the tray.
     void closed();
@@ -63,6 +68,7 @@ Q_SIGNALS:
 
     /// A view was made: whoever fulfils its wishes connects to it now.
     void viewMade(View* view);
+    void settingsOpened(SettingsDialog* dialog); ///< Likewise.
 
 protected:
     void showEvent(QShowEvent* event) override;
@@ -106,6 +112,7 @@ private:
     MessageBanners* m_messages;
     QStackedWidget* m_views;
     std::vector<Page> m_pages;
+    QPointer<SettingsDialog> m_settings; ///< Null while they are closed.
     InputState m_state = InputState::Reading;
     QTimer m_todayTimer; ///< Notices a new day, also after a sleep.
     QDate m_today;

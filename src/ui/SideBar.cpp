@@ -15,12 +15,18 @@ namespace {
 constexpr int FullWidth = 200;
 constexpr int CollapsedWidth = 56;
 
+QString withShortcut(const QString& label, const QKeySequence& shortcut)
+{
+    return QStringLiteral("%1 (%2)").arg(label, shortcut.toString(QKeySequence::NativeText));
+}
+
 } // namespace
 
 SideBar::SideBar(QWidget* parent)
     : QWidget(parent)
     , m_views(new QButtonGroup(this))
     , m_layout(new QVBoxLayout(this))
+    , m_settings(new SideBarButton(this))
     , m_collapse(new SideBarButton(this))
 {
     setObjectName(QStringLiteral("sideBar"));
@@ -28,12 +34,18 @@ SideBar::SideBar(QWidget* parent)
     m_views->setExclusive(true);
     connect(m_views, &QButtonGroup::idClicked, this, &SideBar::chosen);
 
+    m_settings->setObjectName(QStringLiteral("openSettings"));
+    m_settings->setIcon(Icons::symbol(QStringLiteral("settings")));
+    m_settings->setText(tr("Settings"));
+    m_settings->setToolTip(withShortcut(m_settings->text(), Qt::CTRL | Qt::Key_Comma));
+    connect(m_settings, &QAbstractButton::clicked, this, &SideBar::settingsRequested);
     m_collapse->setObjectName(QStringLiteral("collapse"));
     connect(m_collapse, &QAbstractButton::clicked, this,
             [this] { setForm(m_form == Form::Full ? Form::Collapsed : Form::Full); });
     m_layout->setContentsMargins(Theme::Rhythm, Theme::Rhythm, Theme::Rhythm, Theme::Rhythm);
     m_layout->setSpacing(Theme::Rhythm / 2);
     m_layout->addStretch();
+    m_layout->addWidget(m_settings);
     m_layout->addWidget(m_collapse);
     setFixedWidth(FullWidth);
     updateCollapseButton();
@@ -47,9 +59,7 @@ void SideBar::addView(const QString& name, const QString& icon, const QString& l
     button->setIcon(Icons::symbol(icon));
     button->setText(label);
     button->setCheckable(true);
-    const QKeySequence shortcut(Qt::CTRL | static_cast<Qt::Key>(Qt::Key_1 + index));
-    button->setToolTip(
-        QStringLiteral("%1 (%2)").arg(label, shortcut.toString(QKeySequence::NativeText)));
+    button->setToolTip(withShortcut(label, Qt::CTRL | static_cast<Qt::Key>(Qt::Key_1 + index)));
     m_views->addButton(button, index);
     m_layout->insertWidget(index, button);
 }
@@ -60,7 +70,8 @@ void SideBar::orderTabs()
     for (qsizetype view = 1; view < views.size(); ++view) {
         setTabOrder(views.at(view - 1), views.at(view));
     }
-    setTabOrder(views.constLast(), m_collapse);
+    setTabOrder(views.constLast(), m_settings);
+    setTabOrder(m_settings, m_collapse);
 }
 
 void SideBar::choose(int index)

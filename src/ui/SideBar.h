@@ -7,7 +7,8 @@ class QButtonGroup;
 class QAbstractButton;
 class QVBoxLayout;
 
-/// The list of views at the window's left: an icon and a label each, or the icons alone.
+/// The list of views at the window's left: an icon and a label each, or the icons alone. At its
+/// foot the way to the settings.
 /// Thread: main.
 class SideBar : public QWidget
 {
@@ -26,7 +27,7 @@ public:
     /// and the next digit.
     void addView(const QString& name, const QString& icon, const QString& label);
 
-    /// Lets Tab move through the views and then to the button below them. To be called when the
+    /// Lets Tab move through the views and then to the buttons below them. To be called when the
     /// window is complete: Qt 6.4 puts nothing behind the last widget of a window.
     void orderTabs();
 
@@ -36,6 +37,7 @@ public:
 
 Q_SIGNALS:
     void chosen(int index);
+    void settingsRequested();
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -45,6 +47,7 @@ private:
 
     QButtonGroup* m_views;
     QVBoxLayout* m_layout;
+    QAbstractButton* m_settings;
     QAbstractButton* m_collapse;
     Form m_form = Form::Full;
 };

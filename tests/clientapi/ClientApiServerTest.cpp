@@ -377,9 +377,12 @@ void ClientApiServerTest::reportsPorts()
     const auto& key =
         isHttp ? SettingsKeys::ClientApiHttpPort : SettingsKeys::ClientApiWebsocketPort;
     set(key, port);
+    const QSignalSpy states(m_server.get(), &ClientApiServer::stateChanged);
     m_server->changeState();
     m_server->changeState(); // Tried again, and told no more.
     QVERIFY(!m_server->isRunning());
+    QCOMPARE(m_server->refusedPort(), port);
+    QCOMPARE(states.size(), 1);
     QCOMPARE(m_server->getHttpPort(), 0);
     QCOMPARE(messages.size(), 1);
     QVERIFY(messages.at(0).at(1).toString().contains(QString::number(port)));
@@ -391,6 +394,7 @@ void ClientApiServerTest::reportsPorts()
     m_server->changeState();
     QCOMPARE(ask(request("GET", "/v1/realtime")).status, 200);
     QCOMPARE(messages.size(), 1);
+    QVERIFY(!m_server->refusedPort());
 }
 
 REGISTER_TEST(ClientApiServerTest);

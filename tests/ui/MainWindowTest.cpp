@@ -38,6 +38,7 @@ private Q_SLOTS:
     void doesWhatItsButtonsSay();
     void showsAndFiltersATable();
     void closesByKeyAndKeepsItsPlace();
+    void opensTheSettingsOnce();
     void tabReachesNamedControlsInReadingOrder();
     void asksBeforeItStartsAfresh_data();
     void asksBeforeItStartsAfresh();
@@ -258,6 +259,32 @@ void MainWindowTest::closesByKeyAndKeepsItsPlace()
     QCOMPARE(m_window->size(), QSize(1010, 660));
 }
 
+/// They go with the window, and do not hold it.
+void MainWindowTest::opensTheSettingsOnce()
+{
+    open();
+    const QSignalSpy opened(m_window.get(), &MainWindow::settingsOpened);
+    QTest::keyClick(m_window.get(), Qt::Key_Comma, Qt::ControlModifier);
+    QPointer<QWidget> settings = find<QWidget>("settings");
+    QVERIFY(settings->isVisible() && !settings->isModal());
+    find<QAbstractButton>("openSettings")->click();
+    QCOMPARE(opened.size(), 1);
+    QTRY_COMPARE(QApplication::activeWindow(), settings);
+    QTest::keyClick(settings, Qt::Key_Escape);
+    QTRY_VERIFY(!settings);
+    QVERIFY(m_window->isVisible());
+
+    find<QAbstractButton>("openSettings")->click();
+    settings = find<QWidget>("settings");
+    m_window->close();
+    QTRY_VERIFY(!settings);
+    m_window->show();
+    m_window->showSettings();
+    settings = find<QWidget>("settings");
+    m_window.reset(); // As where the program ends with its windows open.
+    QVERIFY(!settings);
+}
+
 void MainWindowTest::tabReachesNamedControlsInReadingOrder()
 {
     m_database->addBusyDay(m_today);
@@ -277,8 +304,9 @@ void MainWindowTest::tabReachesNamedControlsInReadingOrder()
         QTest::keyClick(control, Qt::Key_Tab);
     }
     QCOMPARE(reached.join(u' '),
-             QStringLiteral("viewOverview collapse range counting menu filter table measure "
-                            "menu menu calendarMonth menu menu menu"));
+             QStringLiteral(
+                 "viewOverview openSettings collapse range counting menu filter table measure "
+                 "menu menu calendarMonth menu menu menu"));
 }
 
 void MainWindowTest::asksBeforeItStartsAfresh_data()

@@ -10,13 +10,17 @@
 #include "ui/account/AccountView.h"
 #include "ui/network/NetworkView.h"
 #include "ui/profiles/ProfilesView.h"
+#include "ui/settings/ClientApiState.h"
+#include "ui/settings/SettingsDialog.h"
 #include "ui/wizard/SetupWizard.h"
 
 #include <QDir>
 #include <QFileInfo>
+#include <QLineEdit>
 #include <QPainter>
 #include <QPushButton>
 #include <QRandomGenerator>
+#include <QSpinBox>
 #include <QStackedWidget>
 #include <QTest>
 
@@ -31,6 +35,8 @@ private Q_SLOTS:
     void views();
     void wizard_data();
     void wizard();
+    void settings_data();
+    void settings();
     void hoursOfShiftedDays_data();
     void hoursOfShiftedDays();
     void cleanup();
@@ -321,6 +327,47 @@ void ScreenshotsTest::wizard()
     shoot();
     press("keepPresent");
     shoot();
+    save(pictures);
+}
+
+void ScreenshotsTest::settings_data()
+{
+    wizard_data();
+}
+
+/// Off, on, a port in use, and all that can be amiss with what was typed.
+void ScreenshotsTest::settings()
+{
+    QFETCH(QString, theme);
+    const UiDatabase database;
+    Theme::apply(theme);
+    QPointer<SettingsDialog> dialog = new SettingsDialog;
+    dialog->show();
+    QVERIFY(QTest::qWaitForWindowExposed(dialog));
+    QPixmap pictures(2 * dialog->size() * dialog->devicePixelRatio());
+    pictures.setDevicePixelRatio(dialog->devicePixelRatio());
+    QPainter painter(&pictures);
+    const QSize size = dialog->size();
+    const auto shoot = [&](int column, int row) {
+        QTest::qWait(50);
+        QCOMPARE(dialog->size(), size);
+        painter.drawPixmap(QPoint(column * size.width(), row * size.height()), dialog->grab());
+    };
+    shoot(0, 0);
+    Settings::instance().setValue(SettingsKeys::ClientApiHttpEnable, true);
+    dialog->setClientApiState({.httpPort = 3490, .websocketPort = 3489});
+    shoot(1, 0);
+    auto* addresses = dialog->findChild<QLineEdit*>(QStringLiteral("addresses"));
+    addresses->selectAll();
+    addresses->insert({});
+    dialog->setClientApiState({.refusedPort = 3490});
+    shoot(0, 1);
+    addresses->insert(QStringLiteral("192.168.0.0/24,127.0.0.1"));
+    dialog->findChild<QSpinBox*>(QStringLiteral("httpPort"))->setValue(3489);
+    QTest::keyClick(addresses, Qt::Key_Return);
+    QTest::keyClick(dialog->findChild<QSpinBox*>(QStringLiteral("httpPort")), Qt::Key_Return);
+    shoot(1, 1);
+    dialog->close();
     save(pictures);
 }
 
