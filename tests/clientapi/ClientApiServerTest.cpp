@@ -382,7 +382,7 @@ void ClientApiServerTest::reportsPorts()
     m_server->changeState(); // Tried again, and told no more.
     QVERIFY(!m_server->isRunning());
     QCOMPARE(m_server->refusedPort(), port);
-    QCOMPARE(states.size(), 1);
+    QCOMPARE(states.size(), 2);
     QCOMPARE(m_server->getHttpPort(), 0);
     QCOMPARE(messages.size(), 1);
     QVERIFY(messages.at(0).at(1).toString().contains(QString::number(port)));
