@@ -62,10 +62,10 @@ class ApiClient(Client):
             return answer.status, answer.headers, answer.read()
 
     @contextlib.asynccontextmanager
-    async def connect(self, source=None, **options):
+    async def connect(self):
         """A WebSocket."""
-        async with websockets.connect(f"ws://127.0.0.1:{self.websocket_port}/", open_timeout=PATIENCE,
-                                      local_addr=source and (source, 0), **options) as socket_:
+        async with websockets.connect(f"ws://127.0.0.1:{self.websocket_port}/",
+                                      open_timeout=PATIENCE) as socket_:
             yield socket_
 
 

@@ -1,12 +1,9 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """The local API as another program uses it: every endpoint, both servers, and what they change."""
 import asyncio
-import contextlib
 import json
 import socket
 import unittest
-
-import websockets
 
 from client_api import STRANGER, ApiTest, receive, send
 from description import Description
@@ -20,11 +17,6 @@ ENDPOINTS = {
     ("GET", "/tallyvane-api-spec.yaml"), ("GET", "/v1/account-totals"), ("GET", "/v1/realtime"),
     ("GET", "/v1/unzurged"), ("GET", "/v1/all-stats"), ("GET", "/v1/profiles"), ("POST", "/v1/zurge"),
     ("POST", "/v1/open-window"), ("POST", "/v1/profiles/activate")}
-
-
-def is_open(port):
-    with socket.socket() as peer:
-        return peer.connect_ex(("127.0.0.1", port)) == 0
 
 
 class Described(ApiTest):
@@ -112,23 +104,6 @@ class Described(ApiTest):
             self.description.check("AllStats", update["data"])
         self.assertEqual(self.client.terminate(self.process), 0)
 
-    def test_websockets_of_strangers(self):
-        async def converse():
-            async with self.client.connect(source=STRANGER) as plugin:
-                with self.assertRaises(websockets.ConnectionClosed):
-                    await receive(plugin)
-            for origin in "https://tallyvane.example", "http://127.0.0.1:1":
-                with self.assertRaises(websockets.InvalidHandshake):
-                    async with self.client.connect(origin=origin):
-                        pass
-            async with self.client.connect(origin="file://") as page:
-                await send(page, action="identify")
-                await receive(page)
-            return plugin.close_code, plugin.close_reason
-
-        self.assertEqual(asyncio.run(converse()), (1008, "You are not allowed to connect to this server."))
-        self.assertEqual(self.client.terminate(self.process), 0)
-
 
 class Profiles(ApiTest):
     def test_the_next_rows_carry_the_profile(self):
@@ -159,42 +134,6 @@ class Profiles(ApiTest):
         expect_rows(general=4, gaming=3)
         self.assertEqual(asyncio.run(choose()), {"status": 400})
         self.assertEqual(self.client.terminate(process), 0)
-
-
-class Ports(ApiTest):
-    def test_ports_in_use(self):
-        ways = {"http": (self.client.port, "ClientApiServer: TCP Server failed to listen on port"),
-                "websocket": (self.client.websocket_port,
-                              "ClientApiServer: Websocket server failed to listen on port")}
-        for starts, (name, (port, line)) in enumerate(ways.items(), 1):
-            with self.subTest(name), contextlib.closing(socket.create_server(("0.0.0.0", port))):
-                process = self.client.start_fully("--closedwindow")
-                self.client.wait_for_log(f"{line} {port}")
-                other, = {self.client.port, self.client.websocket_port} - {port}
-                wait_for(lambda: not is_open(other), "neither server without the other")
-                self.client.wait_for_log("Creating device listener for /dev/input/event0", starts)
-                self.keyboard.type("a")
-                wait_for(lambda: self.client.keys_by_profile() == {0: starts}, "a key")
-                self.assertEqual(self.client.terminate(process), 0)
-
-
-class Settings(ApiTest):
-    def test_who_may_ask(self):
-        # The list, and who is served: this machine by its usual address, and by another one.
-        ways = {"": (200, 200), "127.0.0.1": (200, 401), f"10.0.0.1,{STRANGER}": (401, 200),
-                "127.0.0.1, " + STRANGER: (200, 401), "127.0.0": (401, 401)}
-        for allowed, statuses in ways.items():
-            self.client.configure(client_api_http_allowed_ips=allowed)
-            process = self.client.start_api("--closedwindow")
-            answers = [self.client.ask("GET", "/v1/realtime", source=source) for source in (None, STRANGER)]
-            self.assertEqual(tuple(answer[0] for answer in answers), statuses, allowed)
-            self.assertEqual(self.client.terminate(process), 0)
-
-    def test_off(self):
-        self.client.configure(client_api_http_enable=0)
-        process = self.client.start_fully("--closedwindow")
-        self.assertFalse(is_open(self.client.port) or is_open(self.client.websocket_port))
-        self.finish(process)
 
 
 if __name__ == "__main__":
