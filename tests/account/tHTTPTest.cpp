@@ -269,7 +269,7 @@ void tHTTPTest::logsNoSecrets_data()
     QTest::addColumn<QByteArray>("answer");
     QTest::newRow("object") << QByteArray(
         R"({"data":{"client_token":"s3cret","client_uid":"s3cret"}})");
-    QTest::newRow("spaced number") << QByteArray("{\"token\" :\n 333, \"a\": \"x\"}");
+    QTest::newRow("spaced number") << QByteArray("{\"token\" :\n 314159265, \"a\": \"x\"}");
     QTest::newRow("base64") << QByteArray(R"({"passwordhash":"s3\"cret"})").toBase64();
     QTest::newRow("cut") << QByteArray(R"({"status":200,"token":"s3cret)");
     QTest::newRow("address") << QByteArray(R"({"data":{"url":"https:\/\/x.example\/?s3cret"}})");
@@ -301,7 +301,9 @@ void tHTTPTest::logsNoSecrets()
         shown += QByteArray::fromBase64(word.split('&').constFirst());
     }
     QVERIFY(shown.contains("\"action\""));
-    QVERIFY2(!shown.contains("s3") && !shown.contains("333"), shown.constData());
+    for (const char* part : {"s3c", "s3\\", "cret", "314159265"}) {
+        QVERIFY2(!shown.contains(part), shown.constData());
+    }
     // Sent it was all the same.
     QVERIFY(WireServer::body(server.requests.constFirst()).contains(base64(text)));
 }
