@@ -38,7 +38,9 @@ class Desktop:
                                          "XDG_DATA_HOME": str(home / "data"),
                                          "XDG_SESSION_TYPE": "x11"}
         self.children = []
-        self.start("Xvfb", DISPLAY, "-screen", "0", "1280x800x24")
+        # Without the option the server starts over, and ends its clients, when the last one has gone:
+        # the one that asks whether it is there.
+        self.start("Xvfb", DISPLAY, "-screen", "0", "1280x800x24", "-noreset")
         wait(lambda: self.succeeds("xdpyinfo"), "the X server")
         self.start("openbox")
         wait(lambda: "window id" in self.output("xprop", "-root", "_NET_SUPPORTING_WM_CHECK"),
